@@ -1,0 +1,5 @@
+package com.korvex;
+
+public final class KorvexJni {
+    private KorvexJni() {}
+}

@@ -1,0 +1,145 @@
+// The development solver's objects: what stands behind the handles of korvex.h, and the guard that
+// every exported function runs in. Files with one concern each implement the functions on them.
+#ifndef KORVEX_SOLVER_MODEL_H
+#define KORVEX_SOLVER_MODEL_H
+
+#include "korvex.h"
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <variant>
+#include <vector>
+
+namespace korvex {
+
+// A failure: thrown inside the solver, turned into status and error text by the guard.
+struct Failure {
+    int status;
+    std::string text;
+};
+
+// printf into a Failure; a '%' in an argument has no meaning.
+[[noreturn]] void fail(int status, const char *format, ...) __attribute__((format(printf, 2, 3)));
+
+struct Entry {
+    int index;
+    double value;
+};
+
+struct QuadraticTerm {
+    int row, col;
+    double value;
+};
+
+struct Variable {
+    std::string name; // empty: named by index
+    double lb = 0, ub = KVX_INFINITY, obj = 0, start = KVX_UNDEFINED;
+    char type = KVX_CONTINUOUS;
+    int basis = KVX_NONBASIC_LOWER; // warm start in, basis out
+    int iisLb = 0, iisUb = 0;
+    std::vector<Entry> column; // by constraint, in the order in which entries were added
+    std::vector<double> pwlX, pwlY;
+};
+
+struct Constraint {
+    std::string name;
+    char sense = KVX_LESS_EQUAL;
+    double lower = -KVX_INFINITY, upper = KVX_INFINITY;
+    int basis = KVX_BASIC;
+    int iis = 0;
+    std::vector<Entry> row; // by variable; the same matrix as the columns
+};
+
+struct Sos {
+    int type;
+    std::vector<Entry> members; // variable and weight
+    int iis = 0;
+};
+
+struct QuadraticConstraint {
+    std::string name;
+    std::vector<Entry> linear;
+    std::vector<QuadraticTerm> quadratic;
+    char sense;
+    double rhs;
+};
+
+// Every kind in one record; which fields mean something is the kind's affair.
+struct GeneralConstraint {
+    int kind; // KVX_GENCONSTR_
+    std::string name, options;
+    int first = 0, second = 0;   // resvar or x; argvar or y; binvar and binval
+    std::vector<int> vars;       // operands; lind; opcodes
+    std::vector<double> values;  // x points; coefficients; lval; data
+    std::vector<double> values2; // y points
+    std::vector<int> parents;
+    double number = 0; // constant, which, base, exponent, rhs
+    char sense = 0;
+};
+
+struct Objective {
+    std::string name;
+    int priority = 0;
+    double constant = 0, weight = 1, abstol = 0, reltol = 0;
+    std::vector<double> coefs; // one a variable
+};
+
+struct Solution {
+    int status = KVX_STATUS_LOADED;
+    bool hasX = false, hasDuals = false, hasBasis = false;
+    double objval = 0, bound = 0, runtime = 0, nodes = 0, iterations = 0;
+    int solutions = 0;
+    std::vector<double> x, reducedCosts; // one a variable
+    std::vector<double> duals, slacks;   // one a constraint
+};
+
+class Log; // log.cpp: console, file and callback of an environment; shared by its models
+class Run; // run.cpp: a run that is going on
+
+using ParameterValue = std::variant<int, double, std::string>;
+
+} // namespace korvex
+
+struct KVXenv {
+    bool started = false;
+    bool ownedByModel = false;
+    std::vector<korvex::ParameterValue> parameters; // in the order of the table in params.cpp
+    std::shared_ptr<korvex::Log> log;
+    std::string error;
+};
+
+struct KVXmodel {
+    KVXenv env; // the model's own: a copy of its environment's parameters, the same log
+    std::string name;
+    int objsense = KVX_MINIMIZE;
+    double objcon = 0;
+    std::vector<korvex::Variable> vars;
+    std::vector<korvex::Constraint> constrs;
+    std::vector<korvex::QuadraticTerm> quadratic;
+    std::vector<korvex::Sos> sos;
+    std::vector<korvex::QuadraticConstraint> qconstrs;
+    std::vector<korvex::GeneralConstraint> genconstrs;
+    std::vector<korvex::Objective> objectives; // empty: one objective, in the variables
+    int objNumber = 0;
+
+    korvex::Solution solution;
+    std::vector<std::vector<korvex::ParameterValue>> tuneResults; // best first
+
+    KVXcallback callback = nullptr;
+    void *callbackData = nullptr;
+    std::atomic<bool> terminate{false}; // latches until the next run takes notice
+    std::atomic<bool> running{false};
+    std::unique_ptr<korvex::Run> run; // the present run, or the last background one until KVXsync
+
+    std::map<int, std::unique_ptr<KVXenv>> concurrentEnvs, multiobjEnvs;
+};
+
+#endif
