@@ -1,0 +1,8 @@
+package com.korvex;
+
+/** An environment. */
+public final class KVXEnv {
+    KVXEnv() {}
+
+    native int jniSetLogCB(long env, int enable);
+}
