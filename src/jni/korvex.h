@@ -20,6 +20,9 @@
 #ifndef KORVEX_H
 #define KORVEX_H
 
+/* Visible in whatever way the library itself is compiled. */
+#pragma GCC visibility push(default)
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -877,5 +880,7 @@ int KVXconverttofixed(KVXmodel *model);
 #ifdef __cplusplus
 }
 #endif
+
+#pragma GCC visibility pop
 
 #endif

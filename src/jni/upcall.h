@@ -1,0 +1,40 @@
+// From the solver back into Java: the record that binds a native callback to a Java object, and the
+// two callback functions that the solver calls with it.
+#ifndef KORVEX_UPCALL_H
+#define KORVEX_UPCALL_H
+
+#include "marshal.h"
+
+#include <atomic>
+#include <pthread.h>
+
+// One installed callback. The solver holds it as user data; whoever installed it removes it from
+// the solver before releasing it.
+struct JavaCallbackInfo {
+    void *solverHandle;       // log: the environment; model: null
+    JNIEnv *installEnv;       // valid on the installing thread only
+    jobject javaObject;       // a global reference, owned by the record; null once deleted
+    JavaVM *jvm;              // member IDs and virtual machine are looked up once, here
+    jfieldID cbdataFieldId;   // model: "cbdata"
+    jfieldID payloadFieldId;  // model: "where"; log: "logmsg"
+    jmethodID notifyMethodId; // model: "fromjni"; log: "jniPrintLog"
+    jfieldID cbmodelFieldId;  // model: "cbmodel"
+    pthread_t installThread;
+    // Set once a thread could not be attached or detached: the record is silent from then on. Any
+    // thread may set it while others read it.
+    std::atomic<int> failed;
+};
+
+// Bind `self` on its own thread. On failure a record that was made is still the caller's to
+// release, except where the status comes with a null record.
+jint bindModelCallback(JNIEnv *jni, jobject self, JavaCallbackInfo **record);
+jint bindLogCallback(JNIEnv *jni, jobject self, KVXenv *env, JavaCallbackInfo **record);
+
+// Deletes the global reference through the caller's own JNIEnv, since the stored one may belong to
+// another thread. Null is allowed.
+void releaseCallback(JNIEnv *jni, JavaCallbackInfo *record);
+
+int myjavacallback(KVXmodel *model, void *cbdata, int where, void *userdata);
+int myjavalogcallback(const char *line, void *userdata);
+
+#endif
