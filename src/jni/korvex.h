@@ -26,6 +26,8 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+/* Exported also by a library that is compiled with hidden visibility. */
+#pragma GCC visibility push(default)
 
 /** An environment: parameters, log and error text. */
 typedef struct KVXenv KVXenv;
@@ -270,7 +272,8 @@ void KVXfreeenv(KVXenv *env);
 /** The library's version, 13.0.3. */
 void KVXversion(int *major, int *minor, int *technical);
 
-/** Writes a text to the environment's log as it stands; a '%' in it has no meaning. */
+/** Writes a text to the environment's log as it stands; a '%' in it has no meaning. A line that it
+ * does not end waits for the text that ends it, or for another line or the environment's end. */
 void KVXmsg(KVXenv *env, const char *text);
 
 /** The environment's last error text, "" when there was none. Belongs to the library. */
@@ -877,6 +880,7 @@ int KVXwritebatchjsonsolution(KVXbatch *batch, const char *filename);
  */
 int KVXconverttofixed(KVXmodel *model);
 
+#pragma GCC visibility pop
 #ifdef __cplusplus
 }
 #endif

@@ -1,5 +1,5 @@
-// The development solver's objects: what stands behind the handles of korvex.h, and the guard that
-// every exported function runs in. Files with one concern each implement the functions on them.
+// The development solver's objects: what stands behind the handles of korvex.h. Files with one
+// concern each implement the functions on them.
 #ifndef KORVEX_SOLVER_MODEL_H
 #define KORVEX_SOLVER_MODEL_H
 
@@ -9,6 +9,7 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstdio>
 #include <functional>
 #include <map>
 #include <memory>
@@ -19,15 +20,6 @@
 #include <vector>
 
 namespace korvex {
-
-// A failure: thrown inside the solver, turned into status and error text by the guard.
-struct Failure {
-    int status;
-    std::string text;
-};
-
-// printf into a Failure; a '%' in an argument has no meaning.
-[[noreturn]] void fail(int status, const char *format, ...) __attribute__((format(printf, 2, 3)));
 
 struct Entry {
     int index;
@@ -101,6 +93,23 @@ struct Solution {
     std::vector<double> duals, slacks;   // one a constraint
 };
 
+// What a model is, without its environment, runs and results.
+struct ModelData {
+    std::string name;
+    int objsense = KVX_MINIMIZE;
+    double objcon = 0;
+    std::vector<Variable> vars;
+    std::vector<Constraint> constrs;
+    std::vector<QuadraticTerm> quadratic;
+    std::vector<Sos> sos;
+    std::vector<QuadraticConstraint> qconstrs;
+    std::vector<GeneralConstraint> genconstrs;
+    std::vector<Objective> objectives; // empty: one objective, in the variables
+    int objNumber = 0;
+    int scenarioNumber = 0;
+    bool hasBasis = false; // the basis fields hold a basis to start from
+};
+
 class Log; // log.cpp: console, file and callback of an environment; shared by its models
 class Run; // run.cpp: a run that is going on
 
@@ -110,36 +119,55 @@ using ParameterValue = std::variant<int, double, std::string>;
 
 struct KVXenv {
     bool started = false;
-    bool ownedByModel = false;
+    KVXmodel *owner = nullptr; // the model that the environment belongs to, if any
     std::vector<korvex::ParameterValue> parameters; // in the order of the table in params.cpp
     std::shared_ptr<korvex::Log> log;
+    std::shared_ptr<std::FILE> logFile; // of the parameter "LogFile"
     std::string error;
 };
 
-struct KVXmodel {
+struct KVXmodel : korvex::ModelData {
     KVXenv env; // the model's own: a copy of its environment's parameters, the same log
-    std::string name;
-    int objsense = KVX_MINIMIZE;
-    double objcon = 0;
-    std::vector<korvex::Variable> vars;
-    std::vector<korvex::Constraint> constrs;
-    std::vector<korvex::QuadraticTerm> quadratic;
-    std::vector<korvex::Sos> sos;
-    std::vector<korvex::QuadraticConstraint> qconstrs;
-    std::vector<korvex::GeneralConstraint> genconstrs;
-    std::vector<korvex::Objective> objectives; // empty: one objective, in the variables
-    int objNumber = 0;
-
     korvex::Solution solution;
+    bool hasIis = false; // the iis fields hold the result of KVXcomputeIIS
     std::vector<std::vector<korvex::ParameterValue>> tuneResults; // best first
 
     KVXcallback callback = nullptr;
     void *callbackData = nullptr;
     std::atomic<bool> terminate{false}; // latches until the next run takes notice
     std::atomic<bool> running{false};
-    std::unique_ptr<korvex::Run> run; // the present run, or the last background one until KVXsync
+    std::chrono::steady_clock::time_point runStart; // set before running
+    std::shared_ptr<korvex::Run> run; // the present run, or the last background one until KVXsync
 
     std::map<int, std::unique_ptr<KVXenv>> concurrentEnvs, multiobjEnvs;
+
+    KVXmodel() {
+        env.started = true;
+        env.owner = this;
+    }
 };
+
+namespace korvex {
+
+// A new model of an environment, which must have been started.
+std::unique_ptr<KVXmodel> makeModel(const KVXenv &env);
+
+// The same, with the data of another model but no solution.
+std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, const ModelData &data);
+
+// To be called after every change that may change the optimum: forgets the solution and the IIS.
+void touch(KVXmodel &model);
+
+// run.cpp: terminates the model's background run, if there is one, and waits for it; fails with
+// KVX_ERROR_IN_PROGRESS inside one of its callbacks.
+void endRun(KVXmodel &model);
+
+// The name of an element, made of its index when it has none.
+std::string varName(const ModelData &model, int index);
+std::string constrName(const ModelData &model, int index);
+std::string qconstrName(const ModelData &model, int index);
+std::string genconstrName(const ModelData &model, int index);
+
+} // namespace korvex
 
 #endif

@@ -1,81 +1,10 @@
 // Placeholders for functions that are not there yet: weak, so that a real one wins.
-#include "korvex.h"
+#include "model.h"
 
-__attribute__((weak)) int KVXemptyenvadvinternal(KVXenv **, int, int, int, int, void *, void *,
-                                                 void *, void *, void *, void *, void *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXloadenvadv(KVXenv **, const char *, int, int, int, int, void *, void *,
-                                        void *, void *, int, int, void *, void *, void *, void *,
-                                        void *, void *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXstartenv(KVXenv *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) KVXenv *KVXgetenv(KVXmodel *) {
-    return nullptr;
-}
-__attribute__((weak)) KVXenv *KVXgetconcurrentenv(KVXmodel *, int) {
-    return nullptr;
-}
-__attribute__((weak)) void KVXdiscardconcurrentenvs(KVXmodel *) {}
-__attribute__((weak)) KVXenv *KVXgetmultiobjenv(KVXmodel *, int) {
-    return nullptr;
-}
-__attribute__((weak)) void KVXdiscardmultiobjenvs(KVXmodel *) {}
-__attribute__((weak)) void KVXfreeenv(KVXenv *) {}
-__attribute__((weak)) void KVXversion(int *, int *, int *) {}
-__attribute__((weak)) void KVXmsg(KVXenv *, const char *) {}
-__attribute__((weak)) const char *KVXgeterrormsg(KVXenv *) {
-    return "not supported";
-}
-__attribute__((weak)) int KVXgetintparam(KVXenv *, const char *, int *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXgetdblparam(KVXenv *, const char *, double *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXgetlongstrparam(KVXenv *, const char *, char *, int, int *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXgetintparaminfo(KVXenv *, const char *, int *, int *, int *, int *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXgetdblparaminfo(KVXenv *, const char *, double *, double *, double *,
-                                             double *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXgetstrparaminfo(KVXenv *, const char *, char *, char *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXsetintparam(KVXenv *, const char *, int) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXsetdblparam(KVXenv *, const char *, double) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXsetstrparam(KVXenv *, const char *, const char *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXsetparam(KVXenv *, const char *, const char *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXresetparams(KVXenv *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXwriteparams(KVXenv *, const char *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXreadparams(KVXenv *, const char *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXgetlogcallbackfuncenv(KVXenv *, KVXlogcallback *, void **) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXsetlogcallbackfuncenv(KVXenv *, KVXlogcallback, void *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
+namespace korvex {
+__attribute__((weak)) void endRun(KVXmodel &) {}
+} // namespace korvex
+
 __attribute__((weak)) int KVXnewmodel(KVXenv *, KVXmodel **, const char *, int, const double *,
                                       const double *, const double *, const char *,
                                       const char *const *) {
@@ -485,9 +414,6 @@ __attribute__((weak)) int KVXgettuneresult(KVXmodel *, int) {
 }
 __attribute__((weak)) int KVXcomputeIIS(KVXmodel *) {
     return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) const char *KVXgetmerrormsg(KVXmodel *) {
-    return "not supported";
 }
 __attribute__((weak)) int KVXgetcbwhatinfo(void *, int, int *, int *) {
     return KVX_ERROR_NOT_SUPPORTED;

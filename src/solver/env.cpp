@@ -1,0 +1,125 @@
+// Environments: making, starting, freeing, and those that belong to a model.
+#include "guard.h"
+#include "log.h"
+#include "params.h"
+
+using namespace korvex;
+
+namespace {
+
+// Also after a failure *envP receives an environment: it holds the error text.
+template <class Body>
+int newEnv(KVXenv **envP, int interfacenum, int major, int minor, int technical,
+           Body &&configure) noexcept {
+    if (!envP)
+        return KVX_ERROR_NULL_ARGUMENT;
+    *envP = nullptr;
+    std::string unused;
+    int status = guarded(unused, [&] {
+        auto env = std::make_unique<KVXenv>();
+        env->parameters = defaultParameters();
+        env->log = std::make_shared<Log>();
+        *envP = env.release();
+    });
+    if (status != KVX_OK)
+        return status;
+    return guarded(*envP, [&] {
+        if (interfacenum != KVX_INTERFACE_JAVA)
+            fail(KVX_ERROR_INVALID_ARGUMENT, "interface number %d isn't known", interfacenum);
+        if (major != KVX_VERSION_MAJOR)
+            fail(KVX_ERROR_VERSION, "the caller is version %d.%d.%d, the solver library %d.%d.%d",
+                 major, minor, technical, KVX_VERSION_MAJOR, KVX_VERSION_MINOR,
+                 KVX_VERSION_TECHNICAL);
+        configure(**envP);
+    });
+}
+
+// An environment of a model, made when it is first asked for.
+KVXenv *modelEnv(KVXmodel &model, std::map<int, std::unique_ptr<KVXenv>> &envs, int number) {
+    std::unique_ptr<KVXenv> &env = envs[number];
+    if (!env) {
+        env = std::make_unique<KVXenv>(model.env);
+        env->error.clear();
+    }
+    return env.get();
+}
+
+} // namespace
+
+int KVXemptyenvadvinternal(KVXenv **envP, int interfacenum, int major, int minor, int technical,
+                           void *, void *, void *, void *, void *, void *, void *) {
+    return newEnv(envP, interfacenum, major, minor, technical, [](KVXenv &) {});
+}
+
+int KVXloadenvadv(KVXenv **envP, const char *logfile, int interfacenum, int major, int minor,
+                  int technical, void *, void *, void *, void *, int key, int extra, void *, void *,
+                  void *, void *, void *, void *) {
+    return newEnv(envP, interfacenum, major, minor, technical, [&](KVXenv &env) {
+        if (key != KVX_LOADENV_KEY)
+            fail(KVX_ERROR_INVALID_ARGUMENT, "the eleventh argument isn't KVX_LOADENV_KEY");
+        setParam(env, "LogToConsole", extra ? 0 : 1);
+        if (logfile)
+            setParam(env, "LogFile", std::string(logfile));
+        env.started = true;
+    });
+}
+
+int KVXstartenv(KVXenv *env) {
+    return guarded(env, [&] {
+        if (env->started)
+            fail(KVX_ERROR_INVALID_ARGUMENT, "the environment has been started already");
+        env->started = true;
+    });
+}
+
+KVXenv *KVXgetenv(KVXmodel *model) {
+    return model ? &model->env : nullptr;
+}
+
+KVXenv *KVXgetconcurrentenv(KVXmodel *model, int num) {
+    KVXenv *env = nullptr;
+    guarded(model, [&] {
+        if (num < 0)
+            fail(KVX_ERROR_INDEX_OUT_OF_RANGE, "concurrent environment %d", num);
+        env = modelEnv(*model, model->concurrentEnvs, num);
+    });
+    return env;
+}
+
+void KVXdiscardconcurrentenvs(KVXmodel *model) {
+    guarded(model, [&] { model->concurrentEnvs.clear(); });
+}
+
+KVXenv *KVXgetmultiobjenv(KVXmodel *model, int index) {
+    KVXenv *env = nullptr;
+    guarded(model, [&] {
+        if (index < 0 || static_cast<size_t>(index) >= model->objectives.size())
+            fail(KVX_ERROR_INDEX_OUT_OF_RANGE, "there is no objective %d", index);
+        env = modelEnv(*model, model->multiobjEnvs, index);
+    });
+    return env;
+}
+
+void KVXdiscardmultiobjenvs(KVXmodel *model) {
+    guarded(model, [&] { model->multiobjEnvs.clear(); });
+}
+
+void KVXfreeenv(KVXenv *env) {
+    if (!env || env->owner)
+        return;
+    std::string unused;
+    guarded(unused, [&] { env->log->flush(*env); });
+    delete env;
+}
+
+void KVXversion(int *major, int *minor, int *technical) {
+    const int version[] = {KVX_VERSION_MAJOR, KVX_VERSION_MINOR, KVX_VERSION_TECHNICAL};
+    int *const results[] = {major, minor, technical};
+    for (int i = 0; i < 3; i++)
+        if (results[i])
+            *results[i] = version[i];
+}
+
+const char *KVXgeterrormsg(KVXenv *env) {
+    return env ? env->error.c_str() : "";
+}

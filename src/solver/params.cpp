@@ -1,0 +1,301 @@
+#include "params.h"
+
+#include "guard.h"
+#include "log.h"
+#include "text.h"
+
+#include <cmath>
+#include <cstring>
+#include <fstream>
+#include <limits>
+
+namespace korvex {
+namespace {
+
+struct Parameter {
+    const char *name;
+    ParameterValue standard, minimum, maximum;
+};
+
+constexpr int maxInt = std::numeric_limits<int>::max();
+
+const std::vector<Parameter> &table() {
+    static const std::vector<Parameter> parameters = {
+        {"TimeLimit", 1e100, 0.0, 1e100},
+        {"MIPGap", 1e-4, 0.0, 1e100},
+        {"MIPGapAbs", 1e-10, 0.0, 1e100},
+        {"NodeLimit", 1e100, 0.0, 1e100},
+        {"IterationLimit", 1e100, 0.0, 1e100},
+        {"SolutionLimit", maxInt, 1, maxInt},
+        {"FeasibilityTol", 1e-6, 1e-9, 1e-2},
+        {"OptimalityTol", 1e-6, 1e-9, 1e-2},
+        {"IntegralityTol", 1e-6, 1e-9, 1e-1},
+        {"Method", -1, -1, 2},
+        {"Presolve", 1, 0, 1},
+        {"Cuts", 1, 0, 1},
+        {"Heuristics", 1, 0, 1},
+        {"Threads", 0, 0, 1024},
+        {"Seed", 0, 0, maxInt},
+        {"LazyConstraints", 0, 0, 1},
+        {"LogToConsole", 1, 0, 1},
+        {"LogFile", "", "", ""},
+        {"LogInterval", 5.0, 0.1, 1e100},
+        {"ResultFile", "", "", ""},
+        {"TuneTimeLimit", 60.0, 0.0, 1e100},
+        {"TuneCriterion", 0, 0, 0},
+    };
+    return parameters;
+}
+
+const char *typeName(const ParameterValue &value) {
+    static const char *const names[] = {"an integer", "a number", "a text"};
+    return names[value.index()];
+}
+
+size_t position(const char *name) {
+    needed(name, "the parameter name");
+    for (size_t i = 0; i < table().size(); i++)
+        if (equalIgnoringCase(table()[i].name, name))
+            return i;
+    fail(KVX_ERROR_UNKNOWN_PARAMETER, "unknown parameter \"%s\"", validUtf8(name).c_str());
+}
+
+// The position of a parameter of the type T.
+template <class T>
+size_t position(const char *name) {
+    size_t i = position(name);
+    const ParameterValue &standard = table()[i].standard;
+    if (!std::holds_alternative<T>(standard))
+        fail(KVX_ERROR_UNKNOWN_PARAMETER, "parameter %s is %s", table()[i].name,
+             typeName(standard));
+    return i;
+}
+
+std::string asText(const ParameterValue &value) {
+    if (auto number = std::get_if<int>(&value))
+        return std::to_string(*number);
+    if (auto number = std::get_if<double>(&value))
+        return toText(*number);
+    return std::get<std::string>(value);
+}
+
+// The value as parameter number i may take it.
+ParameterValue checked(size_t i, ParameterValue value) {
+    const auto &[name, standard, minimum, maximum] = table()[i];
+    if (std::holds_alternative<double>(standard) && std::holds_alternative<int>(value))
+        value = static_cast<double>(std::get<int>(value));
+    if (value.index() != standard.index())
+        fail(KVX_ERROR_INVALID_ARGUMENT, "parameter %s is %s", name, typeName(standard));
+    if (auto text = std::get_if<std::string>(&value)) {
+        if (!isName(*text))
+            fail(KVX_ERROR_INVALID_ARGUMENT,
+                 "the value of parameter %s isn't UTF-8 text without control characters", name);
+    } else if (!(value >= minimum && value <= maximum)) { // nor is a NaN
+        fail(KVX_ERROR_VALUE_OUT_OF_RANGE, "parameter %s must be between %s and %s, not %s", name,
+             asText(minimum).c_str(), asText(maximum).c_str(), asText(value).c_str());
+    }
+    return value;
+}
+
+ParameterValue fromText(size_t i, const std::string &text) {
+    const auto &[name, standard, minimum, maximum] = table()[i];
+    ParameterValue value = standard;
+    bool good = true;
+    if (auto integer = std::get_if<int>(&value))
+        good = parse(text, *integer);
+    else if (auto number = std::get_if<double>(&value))
+        good = parse(text, *number);
+    else
+        value = text;
+    if (!good)
+        fail(KVX_ERROR_INVALID_ARGUMENT, "parameter %s: \"%s\" isn't %s", name,
+             validUtf8(text).c_str(), typeName(standard));
+    return checked(i, value);
+}
+
+// Copies as much of a text as fits; doesn't end within a character.
+void copyText(const std::string &text, char *buffer, size_t capacity) {
+    size_t length = std::min(text.size(), capacity - 1);
+    while (length < text.size() && length > 0 && (text[length] & 0xC0) == 0x80)
+        length--;
+    std::memcpy(buffer, text.data(), length);
+    buffer[length] = '\0';
+}
+
+template <class T>
+int getParam(KVXenv *env, const char *name, T *value) {
+    return guardedRead(env, [&] {
+        needed(value, "value");
+        *value = std::get<T>(env->parameters[position<T>(name)]);
+    });
+}
+
+template <class T>
+int getParamInfo(KVXenv *env, const char *name, T *current, T *minimum, T *maximum, T *standard) {
+    return guardedRead(env, [&] {
+        size_t i = position<T>(name);
+        for (T *result : {current, minimum, maximum, standard})
+            needed(result, "a result");
+        *current = std::get<T>(env->parameters[i]);
+        *minimum = std::get<T>(table()[i].minimum);
+        *maximum = std::get<T>(table()[i].maximum);
+        *standard = std::get<T>(table()[i].standard);
+    });
+}
+
+} // namespace
+
+std::vector<ParameterValue> defaultParameters() {
+    std::vector<ParameterValue> values;
+    for (const Parameter &parameter : table())
+        values.push_back(parameter.standard);
+    return values;
+}
+
+int intParam(const KVXenv &env, const char *name) {
+    return std::get<int>(env.parameters[position(name)]);
+}
+
+double dblParam(const KVXenv &env, const char *name) {
+    return std::get<double>(env.parameters[position(name)]);
+}
+
+const std::string &strParam(const KVXenv &env, const char *name) {
+    return std::get<std::string>(env.parameters[position(name)]);
+}
+
+// The log reads parameters on any thread, so they change under its lock.
+void setParams(KVXenv &env, std::vector<ParameterValue> values) {
+    static const size_t logFile = position("LogFile");
+    std::shared_ptr<std::FILE> file = env.logFile;
+    if (values[logFile] != env.parameters[logFile])
+        file = openLogFile(std::get<std::string>(values[logFile]));
+    auto lock = env.log->lock();
+    env.parameters.swap(values);
+    env.logFile.swap(file);
+}
+
+void setParam(KVXenv &env, const char *name, const ParameterValue &value) {
+    size_t i = position(name);
+    std::vector<ParameterValue> values = env.parameters;
+    values[i] = checked(i, value);
+    setParams(env, std::move(values));
+}
+
+void setParamFromText(KVXenv &env, const char *name, const std::string &text) {
+    setParam(env, name, fromText(position(name), text));
+}
+
+void writeParams(const KVXenv &env, std::ostream &file) {
+    for (size_t i = 0; i < table().size(); i++)
+        if (env.parameters[i] != table()[i].standard)
+            file << table()[i].name << ' ' << asText(env.parameters[i]) << '\n';
+}
+
+void readParams(KVXenv &env, std::istream &file, const std::string &filename) {
+    std::vector<ParameterValue> values = env.parameters;
+    std::string line;
+    for (int number = 1; std::getline(file, line); number++) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        if (line.empty() || line[0] == '#')
+            continue;
+        size_t end = std::min(line.find(' '), line.size());
+        try {
+            size_t i = position(line.substr(0, end).c_str());
+            values[i] = fromText(i, end < line.size() ? line.substr(end + 1) : "");
+        } catch (const Failure &failure) {
+            fail(failure.status, "%s, line %d: %s", filename.c_str(), number, failure.text.c_str());
+        }
+    }
+    if (file.bad())
+        fail(KVX_ERROR_FILE_READ, "%s: can't be read", filename.c_str());
+    setParams(env, std::move(values));
+}
+
+} // namespace korvex
+
+using namespace korvex;
+
+int KVXgetintparam(KVXenv *env, const char *name, int *value) {
+    return getParam(env, name, value);
+}
+
+int KVXgetdblparam(KVXenv *env, const char *name, double *value) {
+    return getParam(env, name, value);
+}
+
+int KVXgetlongstrparam(KVXenv *env, const char *name, char *buffer, int capacity, int *length) {
+    return guardedRead(env, [&] {
+        const std::string &value =
+            std::get<std::string>(env->parameters[position<std::string>(name)]);
+        needed(buffer, "buffer");
+        needed(length, "length");
+        if (capacity < 1)
+            fail(KVX_ERROR_INVALID_ARGUMENT, "capacity %d is below 1", capacity);
+        copyText(value, buffer, static_cast<size_t>(capacity));
+        *length = static_cast<int>(value.size());
+    });
+}
+
+int KVXgetintparaminfo(KVXenv *env, const char *name, int *current, int *minimum, int *maximum,
+                       int *standard) {
+    return getParamInfo(env, name, current, minimum, maximum, standard);
+}
+
+int KVXgetdblparaminfo(KVXenv *env, const char *name, double *current, double *minimum,
+                       double *maximum, double *standard) {
+    return getParamInfo(env, name, current, minimum, maximum, standard);
+}
+
+int KVXgetstrparaminfo(KVXenv *env, const char *name, char *current, char *standard) {
+    return guardedRead(env, [&] {
+        size_t i = position<std::string>(name);
+        needed(current, "current");
+        needed(standard, "standard");
+        copyText(std::get<std::string>(env->parameters[i]), current, KVX_TEXT_SIZE);
+        copyText(std::get<std::string>(table()[i].standard), standard, KVX_TEXT_SIZE);
+    });
+}
+
+int KVXsetintparam(KVXenv *env, const char *name, int value) {
+    return guarded(env, [&] { setParam(*env, table()[position<int>(name)].name, value); });
+}
+
+int KVXsetdblparam(KVXenv *env, const char *name, double value) {
+    return guarded(env, [&] { setParam(*env, table()[position<double>(name)].name, value); });
+}
+
+int KVXsetstrparam(KVXenv *env, const char *name, const char *value) {
+    return guarded(env, [&] {
+        size_t i = position<std::string>(name);
+        setParam(*env, table()[i].name, std::string(needed(value, "value")));
+    });
+}
+
+int KVXsetparam(KVXenv *env, const char *name, const char *value) {
+    return guarded(env, [&] { setParamFromText(*env, name, needed(value, "value")); });
+}
+
+int KVXresetparams(KVXenv *env) {
+    return guarded(env, [&] { setParams(*env, defaultParameters()); });
+}
+
+int KVXwriteparams(KVXenv *env, const char *filename) {
+    return guardedRead(env, [&] {
+        std::ofstream file(needed(filename, "filename"));
+        writeParams(*env, file);
+        file.close();
+        if (!file)
+            fail(KVX_ERROR_FILE_WRITE, "%s: can't be written", filename);
+    });
+}
+
+int KVXreadparams(KVXenv *env, const char *filename) {
+    return guarded(env, [&] {
+        std::ifstream file(needed(filename, "filename"));
+        if (!file)
+            fail(KVX_ERROR_FILE_READ, "%s: can't be opened", filename);
+        readParams(*env, file, filename);
+    });
+}
