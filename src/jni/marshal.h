@@ -15,6 +15,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <tuple>
 
 // The definition of a native method. A definition that differs from the header that javac made of
 // the Java class doesn't compile.
@@ -214,6 +215,12 @@ class Scratch {
         call.write(slot, buffer(), count);
     }
 
+    template <class Array>
+    void offer(Array slot, jint count) {
+        if (slot != nullptr)
+            write(slot, count);
+    }
+
     // Frees it ahead of the others.
     void release() { call.release(place); }
 
@@ -222,6 +229,43 @@ class Scratch {
 
     Call &call;
     const int place;
+};
+
+// Buffers of equal length that lie beside each other: sparse lists, triplets, points. Each step
+// goes through them in order.
+template <class... Elements>
+class Parallel {
+  public:
+    // Braces, since they alone fix the order in which the places are reserved.
+    explicit Parallel(Call &call) : buffers{Scratch<Elements>(call)...}, call(call) {}
+
+    void allocate(jint count) {
+        std::apply([=](auto &...buffer) { (buffer.allocate(count), ...); }, buffers);
+    }
+    template <class... Arrays>
+    void copy(jint count, Arrays... arrays) {
+        std::apply([=](auto &...buffer) { (buffer.copy(arrays, count), ...); }, buffers);
+    }
+    template <class... Arrays>
+    void take(jint count, Arrays... arrays) {
+        allocate(count);
+        copy(count, arrays...);
+    }
+    template <class... Arrays>
+    void write(jint count, Arrays... arrays) {
+        std::apply([=](auto &...buffer) { (buffer.write(arrays, count), ...); }, buffers);
+    }
+    // True if all arrays are given and hold `count` elements; a short one ends the measuring.
+    template <class... Arrays>
+    bool fit(jint count, Arrays... arrays) const {
+        return call.ok() && ((arrays != nullptr) && ...) &&
+               ((call.jni->GetArrayLength(arrays) >= count) && ...);
+    }
+
+    std::tuple<Scratch<Elements>...> buffers;
+
+  private:
+    Call &call;
 };
 
 enum class Order { javaFirst, nativeFirst };
