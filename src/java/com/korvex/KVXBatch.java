@@ -1,22 +1,169 @@
 package com.korvex;
 
-/** A local object for one batch request. */
-public final class KVXBatch {
-    KVXBatch() {}
+/**
+ * A local object for one batch request, whose attributes are those of the last {@link #update}.
+ * Closing it leaves the request alone. A use after closing throws {@link IllegalStateException}.
+ */
+public final class KVXBatch implements AutoCloseable {
+    private final KVXEnv env;
+    private final Handle handle;
 
+    /**
+     * Makes an object for a request.
+     *
+     * @param env the environment to reach it by
+     * @param id the request's ID, as {@link KVXModel#optimizeBatch} returned it
+     * @throws KVXException if there is no such request
+     */
+    public KVXBatch(KVXEnv env, String id) {
+        this.env = env;
+        long environment = env.handle.acquire();
+        long[] slot = new long[1];
+        int status = KorvexJni.newbatch(slot, environment, id);
+        if (status != KVX.OK) {
+            String text = KorvexJni.geterrormsg(environment);
+            env.handle.release();
+            throw new KVXException(status, text);
+        }
+        handle = new Handle("the batch", slot[0],
+                            batch -> KorvexJni.geterrormsg(environment), this::free);
+    }
+
+    private void free(long batch) {
+        KorvexJni.freebatch(batch);
+        env.handle.release();
+    }
+
+    /** Fetches the request's present state. */
+    public void update() { handle.call(this::jniupdate); }
+
+    /**
+     * Reads an int attribute, as of the last update.
+     *
+     * @param attribute its name
+     * @return its value
+     */
+    public int getInt(String attribute) {
+        int[] slot = new int[1];
+        handle.call(batch -> getintattr(batch, attribute, slot));
+        return slot[0];
+    }
+
+    /**
+     * Reads a text attribute, as of the last update.
+     *
+     * @param attribute its name
+     * @return its value
+     */
+    public String getString(String attribute) {
+        String[] slot = new String[1];
+        handle.call(batch -> getstrattr(batch, attribute, slot));
+        return slot[0];
+    }
+
+    /** Submits the failed or aborted request again. */
+    public void retry() { handle.call(this::jniretry); }
+
+    /** Aborts the request. */
+    public void abort() { handle.call(this::jniabort); }
+
+    /** Removes the ended request and its data: its ID is unknown from now on. */
+    public void discard() { handle.call(this::jnidiscard); }
+
+    /**
+     * Returns the solution of the completed request as JSON.
+     *
+     * @return the text
+     */
+    public String jsonSolution() {
+        String[] slot = new String[1];
+        handle.call(batch -> jnigetjsonsolution(batch, slot));
+        return slot[0];
+    }
+
+    /**
+     * Writes the solution of the completed request to a JSON file.
+     *
+     * @param file name of the file
+     */
+    public void writeJsonSolution(String file) {
+        handle.call(batch -> jniwritejsonsolution(batch, file));
+    }
+
+    /**
+     * Returns the native handle, for {@link KorvexJni}. Keep this object open while using it.
+     *
+     * @return the handle
+     */
+    public long handle() {
+        long batch = handle.acquire();
+        handle.release();
+        return batch;
+    }
+
+    /** Frees this object; the request goes on. Does nothing the second time. */
+    @Override
+    public void close() {
+        if (handle.shut())
+            handle.release();
+    }
+
+    /**
+     * Refreshes the attributes.
+     *
+     * @return the solver's status
+     */
     native int jniupdate(long batch);
 
+    /**
+     * Reads an int attribute.
+     *
+     * @param valueslot element 0 receives it if the result is 0
+     * @return 0, {@link KVX#ERROR_NULL_ARGUMENT} for a null name, or the solver's status
+     */
     native int getintattr(long batch, String attrname, int[] valueslot);
 
+    /**
+     * Reads a text attribute.
+     *
+     * @param valueslot element 0 receives it if the result is 0
+     * @return 0, {@link KVX#ERROR_NULL_ARGUMENT} for a null name, or the solver's status
+     */
     native int getstrattr(long batch, String attrname, String[] valueslot);
 
+    /**
+     * Submits a failed or aborted request again.
+     *
+     * @return the solver's status
+     */
     native int jniretry(long batch);
 
+    /**
+     * Aborts a request.
+     *
+     * @return the solver's status
+     */
     native int jniabort(long batch);
 
+    /**
+     * Removes an ended request.
+     *
+     * @return the solver's status
+     */
     native int jnidiscard(long batch);
 
+    /**
+     * Reads the solution as JSON.
+     *
+     * @param textslot element 0 receives it if the result is 0
+     * @return the solver's status
+     */
     native int jnigetjsonsolution(long batch, String[] textslot);
 
+    /**
+     * Writes the solution to a JSON file.
+     *
+     * @return 0, {@link KVX#ERROR_NULL_ARGUMENT} for a null name, or the solver's status
+     */
     native int jniwritejsonsolution(long batch, String filename);
 }

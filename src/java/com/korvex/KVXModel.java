@@ -1,19 +1,675 @@
 package com.korvex;
 
-/** A model. */
-public final class KVXModel {
-    KVXModel() {}
+import java.util.Objects;
+import java.util.function.LongUnaryOperator;
 
-    native int jnioptimize(long model, int useCallback, int async, long[] recordslot,
-                           String[] errorslot, int cbarg);
+/**
+ * A model: one native handle, the runs on it and the access to its attributes. Building a model
+ * goes through the natives of {@link KorvexJni} with {@link #handle}.
+ *
+ * <p><b>Threads.</b> One thread at a time may use a model. {@link #terminate} and {@link #close}
+ * may be called by any thread at any moment: what another thread is doing in the model is ended,
+ * and its last call to return frees the native half. A use after closing throws {@link
+ * IllegalStateException}.
+ *
+ * <p><b>Exceptions in callbacks.</b> What a callback, or the log's consumer, throws ends the run.
+ * The method that started the run throws it on; after {@link #optimizeAsync} that is {@link #sync}
+ * or {@link #close}. Whatever else went wrong in that run is suppressed by it.
+ */
+public final class KVXModel implements AutoCloseable {
+    private final KVXEnv env;
+    private final Handle handle;
+    private final Thrown thrown = new Thrown();
+    private volatile KVXCallback callback;
 
-    native int jnitune(long model, int useCallback, String[] errorslot, int cbarg);
+    // The run that is going on; guarded by this.
+    private boolean running;
+    private volatile Thread starter; // null if it is asynchronous
+    private volatile Thread callbackThread;
+    private KVXCallback runCallback;
+    private int numVars;
 
-    native int jnicomputeIIS(long model, int useCallback, String[] errorslot, int cbarg);
+    // The asynchronous run that must be waited for; guarded by the lock.
+    private final Object asyncLock = new Object();
+    private boolean asynchronous;
+    private long record;
 
-    native int jniunsetcallback(long model);
+    /** Set by the bridge before each call of {@link #fromjni}: the model's handle. */
+    private long cbmodel;
+    /** Set likewise: the handle of this invocation. */
+    private long cbdata;
+    /** Set likewise: why the callback is called. */
+    private int where;
 
-    native int jnioptimizebatch(long model, String[] idslot);
+    private KVXModel(KVXEnv env, LongUnaryOperator maker, int failure) {
+        this.env = env;
+        long environment = env.handle.acquire();
+        long[] model = new long[1];
+        try {
+            env.logging(() -> model[0] = maker.applyAsLong(environment));
+            if (model[0] == 0)
+                throw new KVXException(failure, KorvexJni.geterrormsg(environment));
+        } catch (RuntimeException | Error e) {
+            if (model[0] != 0)
+                KorvexJni.freemodel(model[0]);
+            env.handle.release();
+            throw e;
+        }
+        handle = new Handle("the model", model[0], KVXModel::errorText, this::free);
+    }
 
-    native int jniconverttofixed(long model);
+    private void free(long model) {
+        KorvexJni.freemodel(model);
+        env.handle.release();
+    }
+
+    /** A model's own environment carries its error text. */
+    private static String errorText(long model) {
+        return KorvexJni.geterrormsg(KorvexJni.getenv(model));
+    }
+
+    /**
+     * Makes a model without variables and constraints.
+     *
+     * @param env its environment
+     * @param name its name, or null
+     * @throws KVXException if the solver refuses
+     */
+    public KVXModel(KVXEnv env, String name) {
+        this(env,
+             environment
+             -> KorvexJni.newmodel(new int[1], environment, name, 0, null, null, null, null, null),
+             KVX.ERROR_INTERNAL);
+    }
+
+    /**
+     * Reads a model file.
+     *
+     * @param env the environment for the model
+     * @param file name of the file
+     * @return the model
+     * @throws KVXException if that fails; its message names file and line
+     */
+    public static KVXModel read(KVXEnv env, String file) {
+        Objects.requireNonNull(file);
+        return new KVXModel(
+            env, environment -> KorvexJni.readmodel(environment, file), KVX.ERROR_FILE_READ);
+    }
+
+    /**
+     * Takes a model over that a native of {@link KorvexJni} made.
+     *
+     * @param env the environment it was made in
+     * @param model its handle; it belongs to the new object from now on
+     * @return the model
+     * @throws KVXException if the handle is 0, with the environment's error text
+     */
+    public static KVXModel adopt(KVXEnv env, long model) {
+        return new KVXModel(env, environment -> model, KVX.ERROR_INVALID_ARGUMENT);
+    }
+
+    /**
+     * Returns the native handle, for {@link KorvexJni}. Keep this object open while using it.
+     *
+     * @return the handle
+     */
+    public long handle() {
+        long model = handle.acquire();
+        handle.release();
+        return model;
+    }
+
+    /**
+     * Returns the environment that the model was made in.
+     *
+     * @return the environment
+     */
+    public KVXEnv env() { return env; }
+
+    /**
+     * Returns the model's own parameters.
+     *
+     * @return the parameters
+     */
+    public KVXParams params() { return new KVXParams(handle, KorvexJni::getenv); }
+
+    /**
+     * Sets the callback of the runs that begin from now on.
+     *
+     * @param callback the callback, or null for none
+     */
+    public void setCallback(KVXCallback callback) { this.callback = callback; }
+
+    /**
+     * Solves the model. A limit, an interruption or infeasibility is no failure: the attribute
+     * "Status" tells.
+     *
+     * @throws KVXException if the solver fails
+     */
+    public void optimize() {
+        run((model, useCallback, error) -> jnioptimize(model, useCallback, 0, null, error, 0));
+    }
+
+    /**
+     * Tries several parameter settings on the model, for {@link #loadTuneResult}.
+     *
+     * @throws KVXException if the solver fails
+     */
+    public void tune() {
+        run((model, useCallback, error) -> jnitune(model, useCallback, error, 0));
+    }
+
+    /**
+     * Finds an irreducible infeasible subsystem; the attributes "IISConstr", "IISLB", "IISUB" and
+     * "IISSOS" tell what belongs to it.
+     *
+     * @throws KVXException if the solver fails, or the model is feasible
+     */
+    public void computeIIS() {
+        run((model, useCallback, error) -> jnicomputeIIS(model, useCallback, error, 0));
+    }
+
+    private interface Driver {
+        int run(long model, int useCallback, String[] error);
+    }
+
+    private void run(Driver driver) {
+        String[] error = new String[1];
+        long model = begin(Thread.currentThread());
+        try {
+            env.logging(() -> {
+                int status = driver.run(model, runCallback == null ? 0 : 1, error);
+                if (status != KVX.OK)
+                    thrown.add(new KVXException(status, error[0]));
+            });
+        } catch (Throwable t) {
+            thrown.add(t);
+        } finally {
+            end();
+        }
+        thrown.rethrow();
+    }
+
+    /**
+     * Starts to solve the model on a thread of the solver's own, for {@link #sync} to wait for.
+     * Until then other uses of the model but {@link #terminate} are refused.
+     *
+     * @throws KVXException if the solver fails
+     */
+    public void optimizeAsync() {
+        String[] error = new String[1];
+        long[] slot = new long[1];
+        boolean[] started = new boolean[1];
+        long model = begin(null);
+        try {
+            env.logging(() -> {
+                synchronized (asyncLock) {
+                    int status =
+                        jnioptimize(model, runCallback == null ? 0 : 1, 1, slot, error, 0);
+                    if (status != KVX.OK)
+                        throw new KVXException(status, error[0]);
+                    record = slot[0];
+                    asynchronous = true;
+                    started[0] = true;
+        }
+    });
+}
+finally {
+    if (!started[0])
+        end();
+    else if (handle.isShut())
+        finish(model); // Who closed the model saw nothing to wait for yet.
+}
+}
+
+/**
+ * Waits for the end of the run that {@link #optimizeAsync} started; returns at once if there is
+ * none.
+ *
+ * @throws KVXException if the run failed, and with {@link KVX#ERROR_IN_PROGRESS} inside a
+ *     callback of that run, which can't wait for itself: the run goes on then
+ */
+public void sync() {
+    long model = handle.acquire();
+    try {
+        finish(model);
+    } finally {
+        handle.release();
+    }
+}
+
+private void finish(long model) {
+    String[] error = new String[1];
+    // Without the lock, which the thread that waits for this run may hold, and without the
+    // record, which goes on to serve the run.
+    if (inCallback()) {
+        int status = KorvexJni.sync(model, 0, error);
+        throw new KVXException(status, error[0]);
+    }
+    synchronized (asyncLock) {
+        if (!asynchronous)
+            return;
+        int status = KorvexJni.sync(model, record, error);
+        if (status == KVX.ERROR_IN_PROGRESS)
+            throw new KVXException(status, error[0]);
+        record = 0;
+        asynchronous = false;
+        if (status != KVX.OK)
+            thrown.add(new KVXException(status, error[0]));
+        end();
+    }
+    thrown.rethrow();
+}
+
+/**
+ * Asks the run that is going on to end soon, or the next one to end at once. Any thread may
+ * call this at any time; after the model was closed it does nothing.
+ */
+public void terminate() {
+    long model = handle.acquireIfAlive();
+    if (model == 0)
+        return;
+    try {
+        KorvexJni.terminate(model);
+    } finally {
+        handle.release();
+    }
+}
+
+/** Begins a run that is a user of the handle. The starter is null if it is asynchronous. */
+private long begin(Thread starter) {
+    long model = handle.acquire();
+    try {
+        synchronized (this) {
+            if (running)
+                throw new IllegalStateException("a run of the model is going on");
+            numVars = getInt("NumVars");
+            runCallback = callback;
+            this.starter = starter;
+            running = true;
+        }
+    } catch (RuntimeException | Error e) {
+        handle.release();
+        throw e;
+    }
+    env.started(this);
+    return model;
+}
+
+private void end() {
+    env.ended(this);
+    synchronized (this) {
+        running = false;
+        runCallback = null;
+    }
+    handle.release();
+}
+
+/**
+ * Ends the run that is going on because of a throwable, and keeps that for whoever waits.
+ * Returns whether a run is going on.
+ */
+synchronized boolean fail(Throwable throwable) {
+    if (!running)
+        return false;
+    thrown.add(throwable);
+    terminate();
+    return true;
+}
+
+boolean inForeignCallback() { return inCallback() && starter == null; }
+
+private boolean inCallback() { return callbackThread == Thread.currentThread(); }
+
+/** Called by the bridge, on whatever thread the solver chose; nothing may escape from it. */
+private void fromjni() {
+    Thread outer = callbackThread;
+    callbackThread = Thread.currentThread();
+    try {
+        KVXCallbackContext context = new KVXCallbackContext(this, cbdata, where, numVars);
+        try {
+            if (!thrown.pending())
+                runCallback.call(context);
+        } finally {
+            context.end();
+        }
+    } catch (Throwable t) {
+        fail(t);
+    } finally {
+        callbackThread = outer;
+    }
+}
+
+/** The text for a status that a callback was answered with. */
+String errorText() { return errorText(cbmodel); }
+
+int stopObjective(long cbdata, int objective) {
+    return KorvexJni.stoponemultiobj(cbmodel, cbdata, objective);
+}
+
+/**
+ * Loads a setting that {@link #tune} found into the model's parameters.
+ *
+ * @param index its number, from 0, the best, to the attribute "TuneResultCount" - 1; -1 for the
+ *     latest found
+ */
+public void loadTuneResult(int index) {
+    handle.call(model -> KorvexJni.gettuneresult(model, index));
+}
+
+/** Fixes the discrete variables at the best solution, in place, and makes them continuous. */
+public void convertToFixed() { handle.call(this::jniconverttofixed); }
+
+/**
+ * Submits a copy of the model as a batch request.
+ *
+ * @return the request's ID, for {@link KVXBatch}
+ */
+public String optimizeBatch() {
+    String[] slot = new String[1];
+    handle.call(model -> jnioptimizebatch(model, slot));
+    return slot[0];
+}
+
+/**
+ * Reads a solution, start, basis or parameter file into the model.
+ *
+ * @param file its name, which tells the format
+ */
+public void read(String file) {
+    env.logging(() -> handle.call(model -> KorvexJni.read(model, file)));
+}
+
+/**
+ * Writes a model, solution, start, basis or parameter file.
+ *
+ * @param file its name, which tells the format
+ */
+public void write(String file) {
+    env.logging(() -> handle.call(model -> KorvexJni.write(model, file)));
+}
+
+/**
+ * Returns the solution as JSON.
+ *
+ * @return the text
+ */
+public String jsonSolution() {
+    String[] slot = new String[1];
+    handle.call(model -> KorvexJni.getJSONSolution(model, slot));
+    return slot[0];
+}
+
+/**
+ * Reads an int attribute of the model.
+ *
+ * @param attribute its name
+ * @return its value
+ */
+public int getInt(String attribute) {
+    int[] slot = new int[1];
+    handle.call(model -> KorvexJni.getintattrlist(model, attribute, 0, -1, null, slot));
+    return slot[0];
+}
+
+/**
+ * Reads a double attribute of the model.
+ *
+ * @param attribute its name
+ * @return its value
+ */
+public double getDouble(String attribute) {
+    double[] slot = new double[1];
+    handle.call(model -> KorvexJni.getdblattrlist(model, attribute, 0, -1, null, slot));
+    return slot[0];
+}
+
+/**
+ * Reads a text attribute of the model.
+ *
+ * @param attribute its name
+ * @return its value
+ */
+public String getString(String attribute) {
+    String[] slot = new String[1];
+    handle.call(model -> KorvexJni.getstrattrlist(model, attribute, 0, -1, null, slot));
+    return slot[0];
+}
+
+/**
+ * Reads an int attribute of successive variables, constraints and so on.
+ *
+ * @param attribute its name
+ * @param start index of the first element
+ * @param count number of elements
+ * @return a value an element
+ */
+public int[] getInts(String attribute, int start, int count) {
+    int[] values = new int[count];
+    if (isRange(start, count))
+        handle.call(
+            model -> KorvexJni.getintattrlist(model, attribute, start, count, null, values));
+    return values;
+}
+
+/**
+ * Reads a double attribute of successive variables, constraints and so on.
+ *
+ * @param attribute its name
+ * @param start index of the first element
+ * @param count number of elements
+ * @return a value an element
+ */
+public double[] getDoubles(String attribute, int start, int count) {
+    double[] values = new double[count];
+    if (isRange(start, count))
+        handle.call(
+            model -> KorvexJni.getdblattrlist(model, attribute, start, count, null, values));
+    return values;
+}
+
+/**
+ * Reads a character attribute of successive variables, constraints and so on.
+ *
+ * @param attribute its name
+ * @param start index of the first element
+ * @param count number of elements
+ * @return a value an element
+ */
+public char[] getChars(String attribute, int start, int count) {
+    char[] values = new char[count];
+    if (isRange(start, count))
+        handle.call(
+            model -> KorvexJni.getcharattrlist(model, attribute, start, count, null, values));
+    return values;
+}
+
+/**
+ * Reads a text attribute of successive variables, constraints and so on.
+ *
+ * @param attribute its name
+ * @param start index of the first element
+ * @param count number of elements
+ * @return a value an element
+ */
+public String[] getStrings(String attribute, int start, int count) {
+    String[] values = new String[count];
+    if (isRange(start, count))
+        handle.call(
+            model -> KorvexJni.getstrattrlist(model, attribute, start, count, null, values));
+    return values;
+}
+
+/**
+ * Sets an int attribute of the model.
+ *
+ * @param attribute its name
+ * @param value its value
+ */
+public void set(String attribute, int value) {
+    int[] slot = {value};
+    handle.call(model -> KorvexJni.setintattrlist(model, attribute, 0, -1, null, slot));
+}
+
+/**
+ * Sets a double attribute of the model.
+ *
+ * @param attribute its name
+ * @param value its value
+ */
+public void set(String attribute, double value) {
+    double[] slot = {value};
+    handle.call(model -> KorvexJni.setdblattrlist(model, attribute, 0, -1, null, slot));
+}
+
+/**
+ * Sets a text attribute of the model.
+ *
+ * @param attribute its name
+ * @param value its value; may be null
+ */
+public void set(String attribute, String value) {
+    String[] slot = {value};
+    handle.call(model -> KorvexJni.setstrattrlist(model, attribute, 0, -1, null, slot));
+}
+
+/**
+ * Sets an int attribute of successive variables, constraints and so on.
+ *
+ * @param attribute its name
+ * @param start index of the first element
+ * @param values a value an element
+ */
+public void set(String attribute, int start, int[] values) {
+    int count = values.length;
+    if (isRange(start, count))
+        handle.call(
+            model -> KorvexJni.setintattrlist(model, attribute, start, count, null, values));
+}
+
+/**
+ * Sets a double attribute of successive variables, constraints and so on.
+ *
+ * @param attribute its name
+ * @param start index of the first element
+ * @param values a value an element
+ */
+public void set(String attribute, int start, double[] values) {
+    int count = values.length;
+    if (isRange(start, count))
+        handle.call(
+            model -> KorvexJni.setdblattrlist(model, attribute, start, count, null, values));
+}
+
+/**
+ * Sets a character attribute of successive variables, constraints and so on.
+ *
+ * @param attribute its name
+ * @param start index of the first element
+ * @param values a value an element
+ */
+public void set(String attribute, int start, char[] values) {
+    int count = values.length;
+    if (isRange(start, count))
+        handle.call(
+            model -> KorvexJni.setcharattrlist(model, attribute, start, count, null, values));
+}
+
+/**
+ * Sets a text attribute of successive variables, constraints and so on.
+ *
+ * @param attribute its name
+ * @param start index of the first element
+ * @param values a value an element; they may be null
+ */
+public void set(String attribute, int start, String[] values) {
+    int count = values.length;
+    if (isRange(start, count))
+        handle.call(
+            model -> KorvexJni.setstrattrlist(model, attribute, start, count, null, values));
+}
+
+/** A start of -1 or a count of 0 would ask for something else. */
+private static boolean isRange(int start, int count) {
+    if (start < 0)
+        throw new IndexOutOfBoundsException("start " + start);
+    return count > 0;
+}
+
+/**
+ * Frees the model. A run that is going on is terminated; an asynchronous one is waited for.
+ * While another thread is in a call on the model, this returns and the end of that call frees
+ * it. Does nothing the second time.
+ *
+ * @throws IllegalStateException inside the model's own callback
+ */
+@Override
+public void close() {
+    if (inCallback())
+        throw new IllegalStateException("a model can't be closed inside its own callback");
+    if (!handle.shut())
+        return;
+    terminate();
+    long model = handle.acquireIfAlive();
+    try {
+        finish(model);
+    } finally {
+        handle.release();
+        handle.release();
+    }
+}
+
+/**
+ * Solves the model, or starts to. With a callback, a record binds this object to the model for
+ * the length of the run: before each call of {@link #fromjni} the bridge stores {@link
+ * #cbmodel}, {@link #cbdata} and {@link #where}.
+ *
+ * @param model handle of the model
+ * @param useCallback non-zero to install the callback
+ * @param async non-zero to return as soon as the run has begun
+ * @param recordslot element 0 receives the handle of the record for {@link KorvexJni#sync}: only
+ *     with a callback, and only if an asynchronous run has begun; may be null otherwise
+ * @param errorslot element 0 receives the model's error text when the result isn't 0
+ * @param cbarg handed to the solver with the callback; 0
+ * @return 0, {@link KVX#ERROR_OUT_OF_MEMORY}, {@link KVX#ERROR_CALLBACK} when this object can't
+ *     be bound, or the solver's status
+ */
+native int jnioptimize(long model, int useCallback, int async, long[] recordslot,
+                       String[] errorslot, int cbarg);
+
+/**
+ * Tunes the model. Arguments and result as for {@link #jnioptimize}.
+ *
+ * @return the status
+ */
+native int jnitune(long model, int useCallback, String[] errorslot, int cbarg);
+
+/**
+ * Finds an irreducible infeasible subsystem. Arguments and result as for {@link #jnioptimize}.
+ *
+ * @return the status
+ */
+native int jnicomputeIIS(long model, int useCallback, String[] errorslot, int cbarg);
+
+/**
+ * Removes the model's callback. A record stays as it is until {@link KorvexJni#sync} has it.
+ *
+ * @return the solver's status
+ */
+native int jniunsetcallback(long model);
+
+/**
+ * Submits a copy of the model as a batch request.
+ *
+ * @param idslot element 0 receives the request's ID if the result is 0
+ * @return the solver's status
+ */
+native int jnioptimizebatch(long model, String[] idslot);
+
+/**
+ * Fixes the discrete variables at the best solution, in place, and makes them continuous.
+ *
+ * @return the solver's status
+ */
+native int jniconverttofixed(long model);
 }

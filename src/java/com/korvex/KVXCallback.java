@@ -1,0 +1,15 @@
+package com.korvex;
+
+/** Is told of a run's progress and may act on it. */
+@FunctionalInterface
+public interface KVXCallback {
+    /**
+     * Called by the solver during a run: on the thread that runs {@link KVXModel#optimize}, on a
+     * thread of the solver's own after {@link KVXModel#optimizeAsync}, and never by two threads at
+     * once for one model. Whatever it throws ends the run and is thrown on by the method that
+     * started the run, or waits for it; no further call is made then.
+     *
+     * @param context the present call; of no use after it
+     */
+    void call(KVXCallbackContext context);
+}

@@ -1,0 +1,195 @@
+package com.korvex;
+
+import java.util.function.LongToIntFunction;
+
+/**
+ * One call of a {@link KVXCallback}: why it is made, what can be asked for, what can be done. Which
+ * what code belongs to which where code, and its type, is said at the codes in {@link KVX}. A
+ * context works on the callback's thread until the callback returns; otherwise its methods throw
+ * {@link IllegalStateException}.
+ */
+public final class KVXCallbackContext {
+    private final KVXModel model;
+    private final long cbdata;
+    private final int where;
+    private final int numVars;
+    private final Thread thread = Thread.currentThread();
+    private volatile boolean over;
+
+    KVXCallbackContext(KVXModel model, long cbdata, int where, int numVars) {
+        this.model = model;
+        this.cbdata = cbdata;
+        this.where = where;
+        this.numVars = numVars;
+    }
+
+    void end() { over = true; }
+
+    /**
+     * Returns the model that is being solved.
+     *
+     * @return the model
+     */
+    public KVXModel model() { return model; }
+
+    /**
+     * Returns why the callback is called.
+     *
+     * @return one of the where codes of {@link KVX}, {@code CB_POLLING} to {@code CB_TUNE}
+     */
+    public int where() { return where; }
+
+    /**
+     * Returns the seconds since the run began.
+     *
+     * @return the seconds
+     */
+    public double runtime() { return getDouble(KVX.CB_RUNTIME); }
+
+    /**
+     * Reads an int.
+     *
+     * @param what a what code of an int that belongs to {@link #where}
+     * @return the value
+     * @throws KVXException if the code is of another type ({@link KVX#ERROR_WRONG_INFO_TYPE}) or of
+     *     another where
+     */
+    public int getInt(int what) {
+        int[] slot = new int[1];
+        check(cb -> KorvexJni.cbgetintinfo(cb, where, what, slot));
+        return slot[0];
+    }
+
+    /**
+     * Reads a double.
+     *
+     * @param what a what code of a double that belongs to {@link #where}
+     * @return the value
+     * @throws KVXException if the code is of another type ({@link KVX#ERROR_WRONG_INFO_TYPE}) or of
+     *     another where
+     */
+    public double getDouble(int what) { return getDoubles(what, 1)[0]; }
+
+    /**
+     * Reads a vector with a value a variable: {@link KVX#CB_MIPSOL_SOL}, {@link KVX#CB_MIPNODE_REL}
+     * or {@link KVX#CB_MULTIOBJ_SOL}.
+     *
+     * @param what its what code
+     * @return the values
+     * @throws KVXException if the code belongs to another where
+     */
+    public double[] getVector(int what) { return getDoubles(what, numVars); }
+
+    private double[] getDoubles(int what, int count) {
+        // The length of the array decides how much native memory the solver may fill.
+        boolean vector =
+            what == KVX.CB_MIPSOL_SOL || what == KVX.CB_MIPNODE_REL || what == KVX.CB_MULTIOBJ_SOL;
+        double[] slot = new double[vector ? numVars : count];
+        check(cb -> KorvexJni.cbgetdblinfo(cb, where, what, slot));
+        return slot;
+    }
+
+    /**
+     * Returns the log line that a call with {@link KVX#CB_MESSAGE} is about.
+     *
+     * @return the line, or null elsewhere
+     */
+    public String message() { return KorvexJni.cbgetstrinfo(valid(), where, KVX.CB_MSG_STRING); }
+
+    /**
+     * Adds a cut that the node's relaxation breaks; it must not cut off integer solutions.
+     *
+     * @param ind variable indices
+     * @param val their coefficients
+     * @param sense {@link KVX#LESS_EQUAL}, {@link KVX#GREATER_EQUAL} or {@link KVX#EQUAL}
+     * @param rhs right-hand side
+     */
+    public void addCut(int[] ind, double[] val, char sense, double rhs) {
+        addRow(ind, val, sense, rhs, 1);
+    }
+
+    /**
+     * Adds a constraint that solutions must obey; the parameter "LazyConstraints" must be 1.
+     *
+     * @param ind variable indices
+     * @param val their coefficients
+     * @param sense {@link KVX#LESS_EQUAL}, {@link KVX#GREATER_EQUAL} or {@link KVX#EQUAL}
+     * @param rhs right-hand side
+     */
+    public void addLazy(int[] ind, double[] val, char sense, double rhs) {
+        addRow(ind, val, sense, rhs, 0);
+    }
+
+    private void addRow(int[] ind, double[] val, char sense, double rhs, int cut) {
+        if (ind.length != val.length)
+            throw new IllegalArgumentException(ind.length + " indices, " + val.length + " values");
+        check(cb -> KorvexJni.cbcutorlazy(cb, ind.length, ind, val, sense, rhs, cut));
+    }
+
+    /**
+     * Proposes a solution.
+     *
+     * @param solution a value a variable, {@link KVX#UNDEFINED} where none is known
+     * @return its objective value, {@link KVX#INFINITY} if it isn't feasible or not yet known
+     */
+    public double propose(double[] solution) {
+        if (solution.length != numVars)
+            throw new IllegalArgumentException(solution.length + " values, " + numVars +
+                                               " variables");
+        double[] slot = new double[1];
+        check(cb -> KorvexJni.cbsolution(cb, solution, slot));
+        return slot[0];
+    }
+
+    /**
+     * Changes an int parameter of the run that is going on.
+     *
+     * @param name its name
+     * @param value its value
+     */
+    public void set(String name, int value) {
+        check(cb -> KorvexJni.cbsetintparam(cb, name, value));
+    }
+
+    /**
+     * Changes a double parameter of the run that is going on.
+     *
+     * @param name its name
+     * @param value its value
+     */
+    public void set(String name, double value) {
+        check(cb -> KorvexJni.cbsetdblparam(cb, name, value));
+    }
+
+    /**
+     * Changes a text parameter of the run that is going on.
+     *
+     * @param name its name
+     * @param value its value
+     */
+    public void set(String name, String value) {
+        check(cb -> KorvexJni.cbsetstrparam(cb, name, value));
+    }
+
+    /** Ends the present phase and goes on. */
+    public void proceed() { check(KorvexJni::proceed); }
+
+    /**
+     * Ends the optimisation of one of several objectives and goes on with the next.
+     *
+     * @param objective its number
+     */
+    public void stopObjective(int objective) { check(cb -> model.stopObjective(cb, objective)); }
+
+    private void check(LongToIntFunction nativeCall) {
+        int status = nativeCall.applyAsInt(valid());
+        if (status != KVX.OK)
+            throw new KVXException(status, model.errorText());
+    }
+
+    private long valid() {
+        if (over || Thread.currentThread() != thread)
+            throw new IllegalStateException("a callback's context works inside that callback only");
+        return cbdata;
+    }
+}
