@@ -121,22 +121,24 @@ public final class KVXEnv implements AutoCloseable {
     public synchronized void setLog(Consumer<String> consumer) {
         refuseConsumer();
         refuseForeignThread();
-        handle.call(env -> {
-            int status = KVX.OK;
-            // Whoever has the turn has bound the log to its own thread; it stays bound then.
-            if (turn.tryLock()) {
-                try {
-                    status = jniSetLogCB(env, consumer == null ? 0 : 1);
-                } finally {
-                    turn.unlock();
-                }
+        handle.call(env -> bind(env, consumer));
+    }
+
+    private int bind(long env, Consumer<String> consumer) {
+        int status = KVX.OK;
+        // Whoever has the turn has bound the log to its own thread; it stays bound then.
+        if (turn.tryLock()) {
+            try {
+                status = jniSetLogCB(env, consumer == null ? 0 : 1);
+            } finally {
+                turn.unlock();
             }
-            synchronized (delivery) {
-                log = status == KVX.OK ? consumer : null;
-                logFailed = false;
-            }
-            return status;
-        });
+        }
+        synchronized (delivery) {
+            log = status == KVX.OK ? consumer : null;
+            logFailed = false;
+        }
+        return status;
     }
 
     /**
@@ -178,19 +180,18 @@ public final class KVXEnv implements AutoCloseable {
         refuseConsumer();
         if (!turn.isHeldByCurrentThread())
             refuseForeignThread();
-        turn.lock();
-        if (turn.getHoldCount() > 1)
-            return;
-        // A model that is open keeps a closed environment alive.
+        // An open model keeps a closed environment alive.
         long env = handle.acquireIfAlive();
-        int status = jniSetLogCB(env, 1);
-        if (status == KVX.OK)
-            logFailed = false;
-        else
-            turn.unlock();
+        if (env == 0)
+            throw new IllegalStateException("the environment is closed");
+        turn.lock();
+        int status = turn.getHoldCount() > 1 ? KVX.OK : jniSetLogCB(env, 1);
         handle.release();
-        if (status != KVX.OK)
+        if (status != KVX.OK) {
+            turn.unlock();
             throw new KVXException(status, "the log callback can't be installed");
+        }
+        logFailed = false;
     }
 
     /** A line that is being delivered must not be bound anew, nor followed by one inside it. */

@@ -197,479 +197,479 @@ public final class KVXModel implements AutoCloseable {
      * @throws KVXException if the solver fails
      */
     public void optimizeAsync() {
-        String[] error = new String[1];
-        long[] slot = new long[1];
         boolean[] started = new boolean[1];
         long model = begin(null);
         try {
-            env.logging(() -> {
-                synchronized (asyncLock) {
-                    int status =
-                        jnioptimize(model, runCallback == null ? 0 : 1, 1, slot, error, 0);
-                    if (status != KVX.OK)
-                        throw new KVXException(status, error[0]);
-                    record = slot[0];
-                    asynchronous = true;
-                    started[0] = true;
-        }
-    });
-}
-finally {
-    if (!started[0])
-        end();
-    else if (handle.isShut())
-        finish(model); // Who closed the model saw nothing to wait for yet.
-}
-}
-
-/**
- * Waits for the end of the run that {@link #optimizeAsync} started; returns at once if there is
- * none.
- *
- * @throws KVXException if the run failed, and with {@link KVX#ERROR_IN_PROGRESS} inside a
- *     callback of that run, which can't wait for itself: the run goes on then
- */
-public void sync() {
-    long model = handle.acquire();
-    try {
-        finish(model);
-    } finally {
-        handle.release();
-    }
-}
-
-private void finish(long model) {
-    String[] error = new String[1];
-    // Without the lock, which the thread that waits for this run may hold, and without the
-    // record, which goes on to serve the run.
-    if (inCallback()) {
-        int status = KorvexJni.sync(model, 0, error);
-        throw new KVXException(status, error[0]);
-    }
-    synchronized (asyncLock) {
-        if (!asynchronous)
-            return;
-        int status = KorvexJni.sync(model, record, error);
-        if (status == KVX.ERROR_IN_PROGRESS)
-            throw new KVXException(status, error[0]);
-        record = 0;
-        asynchronous = false;
-        if (status != KVX.OK)
-            thrown.add(new KVXException(status, error[0]));
-        end();
-    }
-    thrown.rethrow();
-}
-
-/**
- * Asks the run that is going on to end soon, or the next one to end at once. Any thread may
- * call this at any time; after the model was closed it does nothing.
- */
-public void terminate() {
-    long model = handle.acquireIfAlive();
-    if (model == 0)
-        return;
-    try {
-        KorvexJni.terminate(model);
-    } finally {
-        handle.release();
-    }
-}
-
-/** Begins a run that is a user of the handle. The starter is null if it is asynchronous. */
-private long begin(Thread starter) {
-    long model = handle.acquire();
-    try {
-        synchronized (this) {
-            if (running)
-                throw new IllegalStateException("a run of the model is going on");
-            numVars = getInt("NumVars");
-            runCallback = callback;
-            this.starter = starter;
-            running = true;
-        }
-    } catch (RuntimeException | Error e) {
-        handle.release();
-        throw e;
-    }
-    env.started(this);
-    return model;
-}
-
-private void end() {
-    env.ended(this);
-    synchronized (this) {
-        running = false;
-        runCallback = null;
-    }
-    handle.release();
-}
-
-/**
- * Ends the run that is going on because of a throwable, and keeps that for whoever waits.
- * Returns whether a run is going on.
- */
-synchronized boolean fail(Throwable throwable) {
-    if (!running)
-        return false;
-    thrown.add(throwable);
-    terminate();
-    return true;
-}
-
-boolean inForeignCallback() { return inCallback() && starter == null; }
-
-private boolean inCallback() { return callbackThread == Thread.currentThread(); }
-
-/** Called by the bridge, on whatever thread the solver chose; nothing may escape from it. */
-private void fromjni() {
-    Thread outer = callbackThread;
-    callbackThread = Thread.currentThread();
-    try {
-        KVXCallbackContext context = new KVXCallbackContext(this, cbdata, where, numVars);
-        try {
-            if (!thrown.pending())
-                runCallback.call(context);
+            env.logging(() -> started[0] = start(model));
         } finally {
-            context.end();
+            if (!started[0])
+                end();
+            else if (handle.isShut())
+                finish(model); // Who closed the model saw nothing to wait for yet.
         }
-    } catch (Throwable t) {
-        fail(t);
-    } finally {
-        callbackThread = outer;
     }
-}
 
-/** The text for a status that a callback was answered with. */
-String errorText() { return errorText(cbmodel); }
+    private boolean start(long model) {
+        String[] error = new String[1];
+        long[] slot = new long[1];
+        synchronized (asyncLock) {
+            int status = jnioptimize(model, runCallback == null ? 0 : 1, 1, slot, error, 0);
+            if (status != KVX.OK)
+                throw new KVXException(status, error[0]);
+            record = slot[0];
+            asynchronous = true;
+        }
+        return true;
+    }
 
-int stopObjective(long cbdata, int objective) {
-    return KorvexJni.stoponemultiobj(cbmodel, cbdata, objective);
-}
+    /**
+     * Waits for the end of the run that {@link #optimizeAsync} started; returns at once if there is
+     * none.
+     *
+     * @throws KVXException if the run failed, and with {@link KVX#ERROR_IN_PROGRESS} inside a
+     *     callback of that run, which can't wait for itself: the run goes on then
+     */
+    public void sync() {
+        long model = handle.acquire();
+        try {
+            finish(model);
+        } finally {
+            handle.release();
+        }
+    }
 
-/**
- * Loads a setting that {@link #tune} found into the model's parameters.
- *
- * @param index its number, from 0, the best, to the attribute "TuneResultCount" - 1; -1 for the
- *     latest found
- */
-public void loadTuneResult(int index) {
-    handle.call(model -> KorvexJni.gettuneresult(model, index));
-}
+    private void finish(long model) {
+        String[] error = new String[1];
+        // Without the lock, which the thread that waits for this run may hold, and without the
+        // record, which goes on to serve the run.
+        if (inCallback()) {
+            int status = KorvexJni.sync(model, 0, error);
+            throw new KVXException(status, error[0]);
+        }
+        synchronized (asyncLock) {
+            if (!asynchronous)
+                return;
+            int status = KorvexJni.sync(model, record, error);
+            if (status == KVX.ERROR_IN_PROGRESS)
+                throw new KVXException(status, error[0]);
+            record = 0;
+            asynchronous = false;
+            if (status != KVX.OK)
+                thrown.add(new KVXException(status, error[0]));
+            end();
+        }
+        thrown.rethrow();
+    }
 
-/** Fixes the discrete variables at the best solution, in place, and makes them continuous. */
-public void convertToFixed() { handle.call(this::jniconverttofixed); }
+    /**
+     * Asks the run that is going on to end soon, or the next one to end at once. Any thread may
+     * call this at any time; after the model was closed it does nothing.
+     */
+    public void terminate() {
+        long model = handle.acquireIfAlive();
+        if (model == 0)
+            return;
+        try {
+            KorvexJni.terminate(model);
+        } finally {
+            handle.release();
+        }
+    }
 
-/**
- * Submits a copy of the model as a batch request.
- *
- * @return the request's ID, for {@link KVXBatch}
- */
-public String optimizeBatch() {
-    String[] slot = new String[1];
-    handle.call(model -> jnioptimizebatch(model, slot));
-    return slot[0];
-}
+    /** Begins a run that is a user of the handle. The starter is null if it is asynchronous. */
+    private long begin(Thread starter) {
+        long model = handle.acquire();
+        try {
+            synchronized (this) {
+                if (running)
+                    throw new IllegalStateException("a run of the model is going on");
+                numVars = getInt("NumVars");
+                runCallback = callback;
+                this.starter = starter;
+                running = true;
+            }
+        } catch (RuntimeException | Error e) {
+            handle.release();
+            throw e;
+        }
+        env.started(this);
+        return model;
+    }
 
-/**
- * Reads a solution, start, basis or parameter file into the model.
- *
- * @param file its name, which tells the format
- */
-public void read(String file) {
-    env.logging(() -> handle.call(model -> KorvexJni.read(model, file)));
-}
-
-/**
- * Writes a model, solution, start, basis or parameter file.
- *
- * @param file its name, which tells the format
- */
-public void write(String file) {
-    env.logging(() -> handle.call(model -> KorvexJni.write(model, file)));
-}
-
-/**
- * Returns the solution as JSON.
- *
- * @return the text
- */
-public String jsonSolution() {
-    String[] slot = new String[1];
-    handle.call(model -> KorvexJni.getJSONSolution(model, slot));
-    return slot[0];
-}
-
-/**
- * Reads an int attribute of the model.
- *
- * @param attribute its name
- * @return its value
- */
-public int getInt(String attribute) {
-    int[] slot = new int[1];
-    handle.call(model -> KorvexJni.getintattrlist(model, attribute, 0, -1, null, slot));
-    return slot[0];
-}
-
-/**
- * Reads a double attribute of the model.
- *
- * @param attribute its name
- * @return its value
- */
-public double getDouble(String attribute) {
-    double[] slot = new double[1];
-    handle.call(model -> KorvexJni.getdblattrlist(model, attribute, 0, -1, null, slot));
-    return slot[0];
-}
-
-/**
- * Reads a text attribute of the model.
- *
- * @param attribute its name
- * @return its value
- */
-public String getString(String attribute) {
-    String[] slot = new String[1];
-    handle.call(model -> KorvexJni.getstrattrlist(model, attribute, 0, -1, null, slot));
-    return slot[0];
-}
-
-/**
- * Reads an int attribute of successive variables, constraints and so on.
- *
- * @param attribute its name
- * @param start index of the first element
- * @param count number of elements
- * @return a value an element
- */
-public int[] getInts(String attribute, int start, int count) {
-    int[] values = new int[count];
-    if (isRange(start, count))
-        handle.call(
-            model -> KorvexJni.getintattrlist(model, attribute, start, count, null, values));
-    return values;
-}
-
-/**
- * Reads a double attribute of successive variables, constraints and so on.
- *
- * @param attribute its name
- * @param start index of the first element
- * @param count number of elements
- * @return a value an element
- */
-public double[] getDoubles(String attribute, int start, int count) {
-    double[] values = new double[count];
-    if (isRange(start, count))
-        handle.call(
-            model -> KorvexJni.getdblattrlist(model, attribute, start, count, null, values));
-    return values;
-}
-
-/**
- * Reads a character attribute of successive variables, constraints and so on.
- *
- * @param attribute its name
- * @param start index of the first element
- * @param count number of elements
- * @return a value an element
- */
-public char[] getChars(String attribute, int start, int count) {
-    char[] values = new char[count];
-    if (isRange(start, count))
-        handle.call(
-            model -> KorvexJni.getcharattrlist(model, attribute, start, count, null, values));
-    return values;
-}
-
-/**
- * Reads a text attribute of successive variables, constraints and so on.
- *
- * @param attribute its name
- * @param start index of the first element
- * @param count number of elements
- * @return a value an element
- */
-public String[] getStrings(String attribute, int start, int count) {
-    String[] values = new String[count];
-    if (isRange(start, count))
-        handle.call(
-            model -> KorvexJni.getstrattrlist(model, attribute, start, count, null, values));
-    return values;
-}
-
-/**
- * Sets an int attribute of the model.
- *
- * @param attribute its name
- * @param value its value
- */
-public void set(String attribute, int value) {
-    int[] slot = {value};
-    handle.call(model -> KorvexJni.setintattrlist(model, attribute, 0, -1, null, slot));
-}
-
-/**
- * Sets a double attribute of the model.
- *
- * @param attribute its name
- * @param value its value
- */
-public void set(String attribute, double value) {
-    double[] slot = {value};
-    handle.call(model -> KorvexJni.setdblattrlist(model, attribute, 0, -1, null, slot));
-}
-
-/**
- * Sets a text attribute of the model.
- *
- * @param attribute its name
- * @param value its value; may be null
- */
-public void set(String attribute, String value) {
-    String[] slot = {value};
-    handle.call(model -> KorvexJni.setstrattrlist(model, attribute, 0, -1, null, slot));
-}
-
-/**
- * Sets an int attribute of successive variables, constraints and so on.
- *
- * @param attribute its name
- * @param start index of the first element
- * @param values a value an element
- */
-public void set(String attribute, int start, int[] values) {
-    int count = values.length;
-    if (isRange(start, count))
-        handle.call(
-            model -> KorvexJni.setintattrlist(model, attribute, start, count, null, values));
-}
-
-/**
- * Sets a double attribute of successive variables, constraints and so on.
- *
- * @param attribute its name
- * @param start index of the first element
- * @param values a value an element
- */
-public void set(String attribute, int start, double[] values) {
-    int count = values.length;
-    if (isRange(start, count))
-        handle.call(
-            model -> KorvexJni.setdblattrlist(model, attribute, start, count, null, values));
-}
-
-/**
- * Sets a character attribute of successive variables, constraints and so on.
- *
- * @param attribute its name
- * @param start index of the first element
- * @param values a value an element
- */
-public void set(String attribute, int start, char[] values) {
-    int count = values.length;
-    if (isRange(start, count))
-        handle.call(
-            model -> KorvexJni.setcharattrlist(model, attribute, start, count, null, values));
-}
-
-/**
- * Sets a text attribute of successive variables, constraints and so on.
- *
- * @param attribute its name
- * @param start index of the first element
- * @param values a value an element; they may be null
- */
-public void set(String attribute, int start, String[] values) {
-    int count = values.length;
-    if (isRange(start, count))
-        handle.call(
-            model -> KorvexJni.setstrattrlist(model, attribute, start, count, null, values));
-}
-
-/** A start of -1 or a count of 0 would ask for something else. */
-private static boolean isRange(int start, int count) {
-    if (start < 0)
-        throw new IndexOutOfBoundsException("start " + start);
-    return count > 0;
-}
-
-/**
- * Frees the model. A run that is going on is terminated; an asynchronous one is waited for.
- * While another thread is in a call on the model, this returns and the end of that call frees
- * it. Does nothing the second time.
- *
- * @throws IllegalStateException inside the model's own callback
- */
-@Override
-public void close() {
-    if (inCallback())
-        throw new IllegalStateException("a model can't be closed inside its own callback");
-    if (!handle.shut())
-        return;
-    terminate();
-    long model = handle.acquireIfAlive();
-    try {
-        finish(model);
-    } finally {
-        handle.release();
+    private void end() {
+        env.ended(this);
+        synchronized (this) {
+            running = false;
+            runCallback = null;
+        }
         handle.release();
     }
-}
 
-/**
- * Solves the model, or starts to. With a callback, a record binds this object to the model for
- * the length of the run: before each call of {@link #fromjni} the bridge stores {@link
- * #cbmodel}, {@link #cbdata} and {@link #where}.
- *
- * @param model handle of the model
- * @param useCallback non-zero to install the callback
- * @param async non-zero to return as soon as the run has begun
- * @param recordslot element 0 receives the handle of the record for {@link KorvexJni#sync}: only
- *     with a callback, and only if an asynchronous run has begun; may be null otherwise
- * @param errorslot element 0 receives the model's error text when the result isn't 0
- * @param cbarg handed to the solver with the callback; 0
- * @return 0, {@link KVX#ERROR_OUT_OF_MEMORY}, {@link KVX#ERROR_CALLBACK} when this object can't
- *     be bound, or the solver's status
- */
-native int jnioptimize(long model, int useCallback, int async, long[] recordslot,
-                       String[] errorslot, int cbarg);
+    /**
+     * Ends the run that is going on because of a throwable, and keeps that for whoever waits.
+     * Returns whether a run is going on.
+     */
+    synchronized boolean fail(Throwable throwable) {
+        if (!running)
+            return false;
+        thrown.add(throwable);
+        terminate();
+        return true;
+    }
 
-/**
- * Tunes the model. Arguments and result as for {@link #jnioptimize}.
- *
- * @return the status
- */
-native int jnitune(long model, int useCallback, String[] errorslot, int cbarg);
+    boolean inForeignCallback() { return inCallback() && starter == null; }
 
-/**
- * Finds an irreducible infeasible subsystem. Arguments and result as for {@link #jnioptimize}.
- *
- * @return the status
- */
-native int jnicomputeIIS(long model, int useCallback, String[] errorslot, int cbarg);
+    private boolean inCallback() { return callbackThread == Thread.currentThread(); }
 
-/**
- * Removes the model's callback. A record stays as it is until {@link KorvexJni#sync} has it.
- *
- * @return the solver's status
- */
-native int jniunsetcallback(long model);
+    /** Called by the bridge, on whatever thread the solver chose; nothing may escape from it. */
+    private void fromjni() {
+        Thread outer = callbackThread;
+        callbackThread = Thread.currentThread();
+        try {
+            KVXCallbackContext context = new KVXCallbackContext(this, cbdata, where, numVars);
+            try {
+                if (!thrown.pending())
+                    runCallback.call(context);
+            } finally {
+                context.end();
+            }
+        } catch (Throwable t) {
+            fail(t);
+        } finally {
+            callbackThread = outer;
+        }
+    }
 
-/**
- * Submits a copy of the model as a batch request.
- *
- * @param idslot element 0 receives the request's ID if the result is 0
- * @return the solver's status
- */
-native int jnioptimizebatch(long model, String[] idslot);
+    /** The text for a status that a callback was answered with. */
+    String errorText() { return errorText(cbmodel); }
 
-/**
- * Fixes the discrete variables at the best solution, in place, and makes them continuous.
- *
- * @return the solver's status
- */
-native int jniconverttofixed(long model);
+    int stopObjective(long cbdata, int objective) {
+        return KorvexJni.stoponemultiobj(cbmodel, cbdata, objective);
+    }
+
+    /**
+     * Loads a setting that {@link #tune} found into the model's parameters.
+     *
+     * @param index its number, from 0, the best, to the attribute "TuneResultCount" - 1; -1 for the
+     *     latest found
+     */
+    public void loadTuneResult(int index) {
+        handle.call(model -> KorvexJni.gettuneresult(model, index));
+    }
+
+    /** Fixes the discrete variables at the best solution, in place, and makes them continuous. */
+    public void convertToFixed() { handle.call(this::jniconverttofixed); }
+
+    /**
+     * Submits a copy of the model as a batch request.
+     *
+     * @return the request's ID, for {@link KVXBatch}
+     */
+    public String optimizeBatch() {
+        String[] slot = new String[1];
+        handle.call(model -> jnioptimizebatch(model, slot));
+        return slot[0];
+    }
+
+    /**
+     * Reads a solution, start, basis or parameter file into the model.
+     *
+     * @param file its name, which tells the format
+     */
+    public void read(String file) {
+        env.logging(() -> handle.call(model -> KorvexJni.read(model, file)));
+    }
+
+    /**
+     * Writes a model, solution, start, basis or parameter file.
+     *
+     * @param file its name, which tells the format
+     */
+    public void write(String file) {
+        env.logging(() -> handle.call(model -> KorvexJni.write(model, file)));
+    }
+
+    /**
+     * Returns the solution as JSON.
+     *
+     * @return the text
+     */
+    public String jsonSolution() {
+        String[] slot = new String[1];
+        handle.call(model -> KorvexJni.getJSONSolution(model, slot));
+        return slot[0];
+    }
+
+    /**
+     * Reads an int attribute of the model.
+     *
+     * @param attribute its name
+     * @return its value
+     */
+    public int getInt(String attribute) {
+        int[] slot = new int[1];
+        handle.call(model -> KorvexJni.getintattrlist(model, attribute, 0, -1, null, slot));
+        return slot[0];
+    }
+
+    /**
+     * Reads a double attribute of the model.
+     *
+     * @param attribute its name
+     * @return its value
+     */
+    public double getDouble(String attribute) {
+        double[] slot = new double[1];
+        handle.call(model -> KorvexJni.getdblattrlist(model, attribute, 0, -1, null, slot));
+        return slot[0];
+    }
+
+    /**
+     * Reads a text attribute of the model.
+     *
+     * @param attribute its name
+     * @return its value
+     */
+    public String getString(String attribute) {
+        String[] slot = new String[1];
+        handle.call(model -> KorvexJni.getstrattrlist(model, attribute, 0, -1, null, slot));
+        return slot[0];
+    }
+
+    /**
+     * Reads an int attribute of successive variables, constraints and so on.
+     *
+     * @param attribute its name
+     * @param start index of the first element
+     * @param count number of elements
+     * @return a value an element
+     */
+    public int[] getInts(String attribute, int start, int count) {
+        int[] values = new int[count];
+        if (isRange(start, count))
+            handle.call(
+                model -> KorvexJni.getintattrlist(model, attribute, start, count, null, values));
+        return values;
+    }
+
+    /**
+     * Reads a double attribute of successive variables, constraints and so on.
+     *
+     * @param attribute its name
+     * @param start index of the first element
+     * @param count number of elements
+     * @return a value an element
+     */
+    public double[] getDoubles(String attribute, int start, int count) {
+        double[] values = new double[count];
+        if (isRange(start, count))
+            handle.call(
+                model -> KorvexJni.getdblattrlist(model, attribute, start, count, null, values));
+        return values;
+    }
+
+    /**
+     * Reads a character attribute of successive variables, constraints and so on.
+     *
+     * @param attribute its name
+     * @param start index of the first element
+     * @param count number of elements
+     * @return a value an element
+     */
+    public char[] getChars(String attribute, int start, int count) {
+        char[] values = new char[count];
+        if (isRange(start, count))
+            handle.call(
+                model -> KorvexJni.getcharattrlist(model, attribute, start, count, null, values));
+        return values;
+    }
+
+    /**
+     * Reads a text attribute of successive variables, constraints and so on.
+     *
+     * @param attribute its name
+     * @param start index of the first element
+     * @param count number of elements
+     * @return a value an element
+     */
+    public String[] getStrings(String attribute, int start, int count) {
+        String[] values = new String[count];
+        if (isRange(start, count))
+            handle.call(
+                model -> KorvexJni.getstrattrlist(model, attribute, start, count, null, values));
+        return values;
+    }
+
+    /**
+     * Sets an int attribute of the model.
+     *
+     * @param attribute its name
+     * @param value its value
+     */
+    public void set(String attribute, int value) {
+        int[] slot = {value};
+        handle.call(model -> KorvexJni.setintattrlist(model, attribute, 0, -1, null, slot));
+    }
+
+    /**
+     * Sets a double attribute of the model.
+     *
+     * @param attribute its name
+     * @param value its value
+     */
+    public void set(String attribute, double value) {
+        double[] slot = {value};
+        handle.call(model -> KorvexJni.setdblattrlist(model, attribute, 0, -1, null, slot));
+    }
+
+    /**
+     * Sets a text attribute of the model.
+     *
+     * @param attribute its name
+     * @param value its value; may be null
+     */
+    public void set(String attribute, String value) {
+        String[] slot = {value};
+        handle.call(model -> KorvexJni.setstrattrlist(model, attribute, 0, -1, null, slot));
+    }
+
+    /**
+     * Sets an int attribute of successive variables, constraints and so on.
+     *
+     * @param attribute its name
+     * @param start index of the first element
+     * @param values a value an element
+     */
+    public void set(String attribute, int start, int[] values) {
+        int count = values.length;
+        if (isRange(start, count))
+            handle.call(
+                model -> KorvexJni.setintattrlist(model, attribute, start, count, null, values));
+    }
+
+    /**
+     * Sets a double attribute of successive variables, constraints and so on.
+     *
+     * @param attribute its name
+     * @param start index of the first element
+     * @param values a value an element
+     */
+    public void set(String attribute, int start, double[] values) {
+        int count = values.length;
+        if (isRange(start, count))
+            handle.call(
+                model -> KorvexJni.setdblattrlist(model, attribute, start, count, null, values));
+    }
+
+    /**
+     * Sets a character attribute of successive variables, constraints and so on.
+     *
+     * @param attribute its name
+     * @param start index of the first element
+     * @param values a value an element
+     */
+    public void set(String attribute, int start, char[] values) {
+        int count = values.length;
+        if (isRange(start, count))
+            handle.call(
+                model -> KorvexJni.setcharattrlist(model, attribute, start, count, null, values));
+    }
+
+    /**
+     * Sets a text attribute of successive variables, constraints and so on.
+     *
+     * @param attribute its name
+     * @param start index of the first element
+     * @param values a value an element; they may be null
+     */
+    public void set(String attribute, int start, String[] values) {
+        int count = values.length;
+        if (isRange(start, count))
+            handle.call(
+                model -> KorvexJni.setstrattrlist(model, attribute, start, count, null, values));
+    }
+
+    /** A start of -1 or a count of 0 would ask for something else. */
+    private static boolean isRange(int start, int count) {
+        if (start < 0)
+            throw new IndexOutOfBoundsException("start " + start);
+        return count > 0;
+    }
+
+    /**
+     * Frees the model. A run that is going on is terminated; an asynchronous one is waited for.
+     * While another thread is in a call on the model, this returns and the end of that call frees
+     * it. Does nothing the second time.
+     *
+     * @throws IllegalStateException inside the model's own callback
+     */
+    @Override
+    public void close() {
+        if (inCallback())
+            throw new IllegalStateException("a model can't be closed inside its own callback");
+        if (!handle.shut())
+            return;
+        terminate();
+        long model = handle.acquireIfAlive();
+        try {
+            finish(model);
+        } finally {
+            handle.release();
+            handle.release();
+        }
+    }
+
+    /**
+     * Solves the model, or starts to. With a callback, a record binds this object to the model for
+     * the length of the run: before each call of {@link #fromjni} the bridge stores {@link
+     * #cbmodel}, {@link #cbdata} and {@link #where}.
+     *
+     * @param model handle of the model
+     * @param useCallback non-zero to install the callback
+     * @param async non-zero to return as soon as the run has begun
+     * @param recordslot element 0 receives the handle of the record for {@link KorvexJni#sync}:
+     *     only with a callback, and only if an asynchronous run has begun; may be null otherwise
+     * @param errorslot element 0 receives the model's error text when the result isn't 0
+     * @param cbarg handed to the solver with the callback; 0
+     * @return 0, {@link KVX#ERROR_OUT_OF_MEMORY}, {@link KVX#ERROR_CALLBACK} when this object can't
+     *     be bound, or the solver's status
+     */
+    native int jnioptimize(long model, int useCallback, int async, long[] recordslot,
+                           String[] errorslot, int cbarg);
+
+    /**
+     * Tunes the model. Arguments and result as for {@link #jnioptimize}.
+     *
+     * @return the status
+     */
+    native int jnitune(long model, int useCallback, String[] errorslot, int cbarg);
+
+    /**
+     * Finds an irreducible infeasible subsystem. Arguments and result as for {@link #jnioptimize}.
+     *
+     * @return the status
+     */
+    native int jnicomputeIIS(long model, int useCallback, String[] errorslot, int cbarg);
+
+    /**
+     * Removes the model's callback. A record stays as it is until {@link KorvexJni#sync} has it.
+     *
+     * @return the solver's status
+     */
+    native int jniunsetcallback(long model);
+
+    /**
+     * Submits a copy of the model as a batch request.
+     *
+     * @param idslot element 0 receives the request's ID if the result is 0
+     * @return the solver's status
+     */
+    native int jnioptimizebatch(long model, String[] idslot);
+
+    /**
+     * Fixes the discrete variables at the best solution, in place, and makes them continuous.
+     *
+     * @return the solver's status
+     */
+    native int jniconverttofixed(long model);
 }

@@ -1,0 +1,244 @@
+import com.korvex.KVX;
+import com.korvex.KVXEnv;
+import com.korvex.KVXException;
+import com.korvex.KVXModel;
+import java.io.IOException;
+import java.math.BigDecimal;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Locale;
+import java.util.concurrent.CountDownLatch;
+import java.util.function.DoubleSupplier;
+
+/** Solves a model file, shows the progress that callbacks report, and prints the result. */
+public final class Solve {
+    private static final String USAGE = String.join(
+        "\n", "Usage: solve [MODEL] [OPTION]...",
+        "Solves a model file (.mps or .lp, also .gz or .bz2); a facility location model by default.",
+        "", "  --set NAME=VALUE  set a parameter of the solver; may be given several times",
+        "  --time-limit S    end after S seconds", "  --threads N       use N threads",
+        "  --async           solve on a thread of the solver's own and wait for it",
+        "  --quiet           show no progress", "  --log             show the solver's log",
+        "  --json FILE       write the solution as JSON",
+        "  --write FILE      write the solution (.sol), start (.mst), basis (.bas) or model",
+        "  --help            show this", "",
+        "Exit status: 0 optimal, 1 failure, 2 bad usage or unreadable model, 3 infeasible or",
+        "unbounded, 4 ended by a limit or an interruption (Ctrl-C).");
+
+    /** The words for the values of the attribute "Status", from KVX.STATUS_LOADED on. */
+    private static final List<String> WORDS = List.of(
+        "error", "optimal", "infeasible", "unbounded", "infeasible_or_unbounded", "time_limit",
+        "node_limit", "iteration_limit", "solution_limit", "interrupted", "numeric");
+
+    private static final class UsageException extends Exception {
+        private static final long serialVersionUID = 1;
+
+        UsageException(String message) { super(message); }
+    }
+
+    private String modelFile =
+        Path.of(System.getProperty("korvex.examples", "examples"), "models", "facilities.mps")
+            .toString();
+    private final List<String[]> parameters = new ArrayList<>();
+    private boolean async, quiet, log;
+    private String jsonFile, resultFile;
+
+    private final Progress progress = new Progress();
+    private final CountDownLatch reported = new CountDownLatch(1);
+    private volatile int exitStatus = 1;
+
+    /**
+     * Runs the program.
+     *
+     * @param args the command line
+     */
+    public static void main(String[] args) {
+        Locale.setDefault(Locale.ROOT);
+        if (List.of(args).contains("--help")) {
+            System.out.println(USAGE);
+            return;
+        }
+        Solve solve = new Solve();
+        try {
+            solve.parse(args);
+            solve.run();
+        } catch (UsageException e) {
+            System.err.println("solve: " + e.getMessage());
+            solve.exitStatus = 2;
+        } catch (KVXException | IOException | UnsatisfiedLinkError e) {
+            System.err.println("solve: " + e.getMessage());
+        } finally {
+            solve.reported.countDown();
+        }
+        System.exit(solve.exitStatus);
+    }
+
+    private void parse(String[] args) throws UsageException {
+        boolean modelGiven = false;
+        for (int i = 0; i < args.length; i++) {
+            String option = args[i];
+            switch (option) {
+            case "--async":
+                async = true;
+                continue;
+            case "--quiet":
+                quiet = true;
+                continue;
+            case "--log":
+                log = true;
+                continue;
+            default:
+            }
+            if (!option.startsWith("-")) {
+                if (modelGiven)
+                    throw new UsageException("more than one model: " + option);
+                modelGiven = true;
+                modelFile = option;
+                continue;
+            }
+            if (!List.of("--set", "--time-limit", "--threads", "--json", "--write")
+                     .contains(option))
+                throw new UsageException("unknown option " + option + "; see --help");
+            if (++i == args.length)
+                throw new UsageException(option + " needs a value");
+            String value = args[i];
+            switch (option) {
+            case "--set":
+                int equals = value.indexOf('=');
+                if (equals < 1)
+                    throw new UsageException("--set needs NAME=VALUE, not " + value);
+                parameters.add(
+                    new String[] {value.substring(0, equals), value.substring(equals + 1)});
+                break;
+            case "--time-limit":
+                parameters.add(new String[] {"TimeLimit", value});
+                break;
+            case "--threads":
+                parameters.add(new String[] {"Threads", value});
+                break;
+            case "--json":
+                jsonFile = value;
+                break;
+            default:
+                resultFile = value;
+            }
+        }
+    }
+
+    private void run() throws UsageException, IOException {
+        try (KVXEnv env = KVXEnv.empty()) {
+            env.params().set("LogToConsole", 0);
+            for (String[] parameter : parameters)
+                setParameter(env, parameter[0], parameter[1]);
+            env.start();
+            if (log)
+                env.setLog(progress::line);
+            try (KVXModel model = read(env)) {
+                if (!quiet)
+                    describe(model);
+                solve(model);
+                report(model);
+            }
+        }
+    }
+
+    private static void setParameter(KVXEnv env, String name, String value) throws UsageException {
+        try {
+            env.params().parse(name, value);
+        } catch (KVXException e) {
+            throw new UsageException(e.getMessage());
+        }
+    }
+
+    private KVXModel read(KVXEnv env) throws UsageException {
+        try {
+            return KVXModel.read(env, modelFile);
+        } catch (KVXException e) {
+            throw new UsageException(e.getMessage());
+        }
+    }
+
+    private void describe(KVXModel model) {
+        System.out.printf("Model: %s, %d variables (%d discrete), %d constraints, %d nonzeros%n",
+                          modelFile, model.getInt("NumVars"), model.getInt("NumIntVars"),
+                          model.getInt("NumConstrs"), model.getInt("NumNZs"));
+    }
+
+    private void solve(KVXModel model) {
+        if (!quiet)
+            model.setCallback(progress);
+        // Ctrl-C ends the process by running its shutdown hooks: this one lets the result be
+        // printed first. It is the last to know the exit status, so it ends the process with it.
+        Runtime.getRuntime().addShutdownHook(new Thread(() -> {
+            if (reported.getCount() == 0)
+                return;
+            model.terminate();
+            try {
+                reported.await();
+            } catch (InterruptedException e) {
+                Thread.currentThread().interrupt();
+            }
+            System.out.flush();
+            Runtime.getRuntime().halt(exitStatus);
+        }));
+        if (async) {
+            model.optimizeAsync();
+            model.sync();
+        } else {
+            model.optimize();
+        }
+        progress.end();
+    }
+
+    private void report(KVXModel model) throws IOException {
+        int status = model.getInt("Status");
+        if (jsonFile != null)
+            Files.writeString(Path.of(jsonFile), model.jsonSolution() + "\n");
+        if (resultFile != null)
+            model.write(resultFile);
+        if (!quiet)
+            System.out.println(progress.origin());
+        System.out.println("Status: " + WORDS.get(status - KVX.STATUS_LOADED));
+        System.out.println("Objective: " + number(() -> model.getDouble("ObjVal")));
+        System.out.println("Bound: " + number(() -> model.getDouble("ObjBound")));
+        System.out.println("Gap: " + number(() -> model.getDouble("MIPGap")));
+        System.out.printf("Time: %.2f s%n", model.getDouble("Runtime"));
+        exitStatus = exitStatus(status);
+    }
+
+    private static int exitStatus(int status) {
+        switch (status) {
+        case KVX.STATUS_OPTIMAL:
+            return 0;
+        case KVX.STATUS_INFEASIBLE:
+        case KVX.STATUS_UNBOUNDED:
+        case KVX.STATUS_INFEASIBLE_OR_UNBOUNDED:
+            return 3;
+        case KVX.STATUS_TIME_LIMIT:
+        case KVX.STATUS_NODE_LIMIT:
+        case KVX.STATUS_ITERATION_LIMIT:
+        case KVX.STATUS_SOLUTION_LIMIT:
+        case KVX.STATUS_INTERRUPTED:
+            return 4;
+        default:
+            return 1;
+        }
+    }
+
+    /** A value in full precision, or "-" when there is none. */
+    private static String number(DoubleSupplier attribute) {
+        double value;
+        try {
+            value = attribute.getAsDouble();
+        } catch (KVXException e) {
+            if (e.status() != KVX.ERROR_DATA_NOT_AVAILABLE)
+                throw e;
+            return "-";
+        }
+        if (Double.isNaN(value) || Math.abs(value) >= KVX.INFINITY)
+            return "-";
+        return new BigDecimal(Double.toString(value)).stripTrailingZeros().toPlainString();
+    }
+}
