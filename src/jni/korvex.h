@@ -616,8 +616,9 @@ int KVXaddgenconstrTan(KVXmodel *model, const char *name, int xvar, int yvar, co
 /** y = 1 / (1 + e^-x). */
 int KVXaddgenconstrLogistic(KVXmodel *model, const char *name, int xvar, int yvar,
                             const char *options);
-/** resvar = an expression tree of nlcount nodes: operation code, constant or variable index (as a
- * double), and parent node (-1 for the root) of each. */
+/** resvar = an expression tree of nlcount nodes: operation code (KVX_NL_), constant or variable index
+ * (as a double), and parent node of each. The first node is the root, with parent -1; every other
+ * comes after its parent, operands in their order. */
 int KVXaddgenconstrNL(KVXmodel *model, const char *name, int resvar, int nlcount,
                       const int *opcodes, const double *data, const int *parents);
 
@@ -703,6 +704,22 @@ int KVXgetgenconstrNL(KVXmodel *model, int genconstr, int *resvarP, int *nlcount
 #define KVX_GENCONSTR_TAN 16
 #define KVX_GENCONSTR_LOGISTIC 17
 #define KVX_GENCONSTR_NL 18
+
+#define KVX_NL_CONSTANT 0 /**< leaf: its data is the number */
+#define KVX_NL_VARIABLE 1 /**< leaf: its data is the variable's index */
+#define KVX_NL_PLUS 2     /**< sum of any number of operands */
+#define KVX_NL_MINUS 3
+#define KVX_NL_MULTIPLY 4 /**< product of any number of operands */
+#define KVX_NL_DIVIDE 5
+#define KVX_NL_NEGATE 6
+#define KVX_NL_POWER 7
+#define KVX_NL_SQRT 8
+#define KVX_NL_EXP 9
+#define KVX_NL_LOG 10 /**< natural logarithm */
+#define KVX_NL_SIN 11
+#define KVX_NL_COS 12
+#define KVX_NL_TAN 13
+#define KVX_NL_LOGISTIC 14
 
 int KVXgetintattr(KVXmodel *model, const char *name, int *value);
 int KVXgetintattrelement(KVXmodel *model, const char *name, int element, int *value);

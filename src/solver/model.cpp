@@ -57,6 +57,34 @@ std::string genconstrName(const ModelData &model, int index) {
 
 using namespace korvex;
 
+int KVXupdatemodel(KVXmodel *model) {
+    return guarded(model, [] {}); // Changes are made at once: nothing is pending.
+}
+
+int KVXreset(KVXmodel *model, int clearall) {
+    return guarded(model, [&] {
+        touch(*model);
+        if (clearall) {
+            model->hasBasis = false;
+            for (Variable &var : model->vars) {
+                var.start = KVX_UNDEFINED;
+                var.basis = KVX_NONBASIC_LOWER;
+            }
+            for (Constraint &constr : model->constrs)
+                constr.basis = KVX_BASIC;
+        }
+    });
+}
+
+int KVXfreemodel(KVXmodel *model) {
+    if (!model)
+        return KVX_OK;
+    int status = guardedRead(model, [&] { endRun(*model); });
+    if (status == KVX_OK)
+        delete model;
+    return status;
+}
+
 const char *KVXgetmerrormsg(KVXmodel *model) {
     return model ? model->env.error.c_str() : "";
 }

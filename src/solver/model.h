@@ -14,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 #include <thread>
 #include <variant>
@@ -69,8 +70,9 @@ struct GeneralConstraint {
     int kind; // KVX_GENCONSTR_
     std::string name, options;
     int first = 0, second = 0;   // resvar or x; argvar or y; binvar and binval
-    std::vector<int> vars;       // operands; lind; opcodes
-    std::vector<double> values;  // x points; coefficients; lval; data
+    std::vector<int> vars;       // operands; opcodes
+    std::vector<Entry> linear;   // of an indicator
+    std::vector<double> values;  // x points; coefficients; data
     std::vector<double> values2; // y points
     std::vector<int> parents;
     double number = 0; // constant, which, base, exponent, rhs
@@ -88,7 +90,7 @@ struct Solution {
     int status = KVX_STATUS_LOADED;
     bool hasX = false, hasDuals = false, hasBasis = false;
     double objval = 0, bound = 0, runtime = 0, nodes = 0, iterations = 0;
-    int solutions = 0;
+    int solutions = 0, barrierIterations = 0;
     std::vector<double> x, reducedCosts; // one a variable
     std::vector<double> duals, slacks;   // one a constraint
 };
@@ -140,6 +142,7 @@ struct KVXmodel : korvex::ModelData {
     std::shared_ptr<korvex::Run> run; // the present run, or the last background one until KVXsync
 
     std::map<int, std::unique_ptr<KVXenv>> concurrentEnvs, multiobjEnvs;
+    std::set<std::string> madeNames; // of elements without one, handed out as attributes
 
     KVXmodel() {
         env.started = true;
@@ -157,6 +160,11 @@ std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, const ModelData &data);
 
 // To be called after every change that may change the optimum: forgets the solution and the IIS.
 void touch(KVXmodel &model);
+
+// general.cpp: the variables without which a general constraint means nothing; renumbers all of its
+// variables after a deletion and drops deleted ones from its linear part.
+std::vector<int> dependsOn(const GeneralConstraint &constr);
+void renumberVariables(GeneralConstraint &constr, const std::vector<int> &numbers);
 
 // run.cpp: terminates the model's background run, if there is one, and waits for it; fails with
 // KVX_ERROR_IN_PROGRESS inside one of its callbacks.

@@ -1,0 +1,175 @@
+#include "input.h"
+
+#include "text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace korvex {
+
+size_t readCount(int count, const char *what) {
+    if (count < 0)
+        fail(KVX_ERROR_INVALID_ARGUMENT, "%s: the count %d is negative", what, count);
+    return static_cast<size_t>(count);
+}
+
+size_t readIndex(int index, size_t limit, const char *what) {
+    if (index < 0 || static_cast<size_t>(index) >= limit)
+        fail(KVX_ERROR_INDEX_OUT_OF_RANGE, "%s %d: there are %zu", what, index, limit);
+    return static_cast<size_t>(index);
+}
+
+void readRange(int start, size_t length, size_t limit, const char *what) {
+    if (length > limit - readIndex(start, limit, what))
+        fail(KVX_ERROR_INDEX_OUT_OF_RANGE, "%zu %s from %d on: there are %zu", length, what, start,
+             limit);
+}
+
+double readFinite(double value, const char *what) {
+    if (!std::isfinite(value))
+        fail(KVX_ERROR_INVALID_ARGUMENT, "%s must be a finite number", what);
+    return value;
+}
+
+std::string readName(const char *name) {
+    if (name && !isName(name))
+        fail(KVX_ERROR_INVALID_ARGUMENT, "a name must be UTF-8 text without control characters");
+    return name ? name : "";
+}
+
+namespace {
+
+Range readBounds(Range range, const char *what, size_t index) {
+    if (std::isnan(range.lower) || std::isnan(range.upper))
+        fail(KVX_ERROR_INVALID_ARGUMENT, "%s %zu: a bound isn't a number", what, index);
+    range.lower = std::max(range.lower, -KVX_INFINITY);
+    range.upper = std::min(range.upper, KVX_INFINITY);
+    if (range.lower > range.upper || range.lower >= KVX_INFINITY || range.upper <= -KVX_INFINITY)
+        fail(KVX_ERROR_INVALID_ARGUMENT, "%s %zu: the bounds %s and %s contradict each other", what,
+             index, toText(range.lower).c_str(), toText(range.upper).c_str());
+    return range;
+}
+
+} // namespace
+
+Range readDomain(Range domain, size_t index) {
+    if (!std::memchr("CBISN", domain.kind, 5))
+        fail(KVX_ERROR_INVALID_ARGUMENT, "variable %zu: unknown type (character code %d)", index,
+             domain.kind);
+    if (domain.kind == KVX_BINARY) {
+        domain.lower = domain.lower < 0 ? 0 : domain.lower;
+        domain.upper = domain.upper > 1 ? 1 : domain.upper;
+    }
+    return readBounds(domain, "variable", index);
+}
+
+Range readSides(Range sides, size_t index) {
+    return readBounds(sides, "constraint", index);
+}
+
+char readSense(char sense) {
+    if (!std::memchr("<>=", sense, 3))
+        fail(KVX_ERROR_INVALID_ARGUMENT, "unknown constraint sense (character code %d)", sense);
+    return sense;
+}
+
+int readObjSense(int sense) {
+    if (sense != KVX_MINIMIZE && sense != KVX_MAXIMIZE)
+        fail(KVX_ERROR_INVALID_ARGUMENT, "unknown objective sense %d", sense);
+    return sense;
+}
+
+Range sidesOf(char sense, double rhs, size_t index) {
+    Range sides{-KVX_INFINITY, KVX_INFINITY, readSense(sense)};
+    if (sense != KVX_GREATER_EQUAL)
+        sides.upper = rhs;
+    if (sense != KVX_LESS_EQUAL)
+        sides.lower = rhs;
+    return readSides(sides, index);
+}
+
+char senseOf(double lower, double upper) {
+    if (lower == upper)
+        return KVX_EQUAL;
+    return upper >= KVX_INFINITY && lower > -KVX_INFINITY ? KVX_GREATER_EQUAL : KVX_LESS_EQUAL;
+}
+
+std::vector<Entry> ListReader::read(int count, const int *ind, const double *val) {
+    readArray(count, ind, "indices");
+    readArray(count, val, "coefficients");
+    std::vector<Entry> list;
+    list.reserve(static_cast<size_t>(count));
+    for (int k = 0; k < count; k++) {
+        size_t &place = position[readIndex(ind[k], position.size(), what)];
+        double value = readFinite(val[k], "a coefficient");
+        if (place) {
+            list[place - 1].value += value;
+        } else {
+            list.push_back({ind[k], value});
+            place = list.size();
+        }
+    }
+    for (const Entry &entry : list)
+        position[static_cast<size_t>(entry.index)] = 0;
+    list.erase(std::remove_if(list.begin(), list.end(), [](Entry e) { return e.value == 0; }),
+               list.end());
+    return list;
+}
+
+std::vector<int> readBegins(int count, int total, const int *beg) {
+    size_t lists = readCount(count, "lists");
+    std::vector<int> begins(lists + 1, 0);
+    if (readCount(total, "entries") && lists)
+        std::copy(needed(beg, "begins"), beg + lists, begins.begin());
+    else if (total > 0)
+        fail(KVX_ERROR_INVALID_ARGUMENT, "%d entries for no list", total);
+    begins.back() = total;
+    for (size_t k = 0; k < lists; k++)
+        if (begins[k] < 0 || begins[k] > begins[k + 1])
+            fail(KVX_ERROR_INVALID_ARGUMENT, "begin %zu, %d, isn't between 0 and its successor, %d",
+                 k, begins[k], begins[k + 1]);
+    return begins;
+}
+
+std::vector<std::vector<Entry>> readLists(int count, int total, const int *beg, const int *ind,
+                                          const double *val, size_t limit, const char *what) {
+    std::vector<int> begins = readBegins(count, total, beg);
+    readArray(total, ind, "indices");
+    readArray(total, val, "coefficients");
+    ListReader reader(limit, what);
+    std::vector<std::vector<Entry>> lists(begins.size() - 1);
+    for (size_t k = 0; k < lists.size(); k++)
+        if (int length = begins[k + 1] - begins[k]; length > 0)
+            lists[k] = reader.read(length, ind + begins[k], val + begins[k]);
+    return lists;
+}
+
+std::vector<QuadraticTerm> readQuadratic(int count, const int *qrow, const int *qcol,
+                                         const double *qval, size_t limit) {
+    readArray(count, qrow, "quadratic rows");
+    readArray(count, qcol, "quadratic columns");
+    readArray(count, qval, "quadratic coefficients");
+    std::vector<QuadraticTerm> terms;
+    for (int k = 0; k < count; k++) {
+        readIndex(qrow[k], limit, "variable");
+        readIndex(qcol[k], limit, "variable");
+        terms.push_back({qrow[k], qcol[k], readFinite(qval[k], "a quadratic coefficient")});
+    }
+    return terms;
+}
+
+std::pair<std::vector<double>, std::vector<double>> readPoints(int count, const double *x,
+                                                               const double *y) {
+    readArray(count, x, "x");
+    readArray(count, y, "y");
+    for (int k = 0; k < count; k++) {
+        readFinite(x[k], "a breakpoint");
+        readFinite(y[k], "a breakpoint");
+        if (k > 0 && x[k] < x[k - 1])
+            fail(KVX_ERROR_INVALID_ARGUMENT, "breakpoint %d: x decreases", k);
+    }
+    return {std::vector<double>(x, x + count), std::vector<double>(y, y + count)};
+}
+
+} // namespace korvex

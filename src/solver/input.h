@@ -1,0 +1,112 @@
+// Checks of what callers hand in: every function here fails with a text when something is wrong, so
+// that a model is only changed after all of its new data have been read.
+#ifndef KORVEX_SOLVER_INPUT_H
+#define KORVEX_SOLVER_INPUT_H
+
+#include "guard.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace korvex {
+
+// A count that isn't negative.
+size_t readCount(int count, const char *what);
+
+// An index below the limit.
+size_t readIndex(int index, size_t limit, const char *what);
+
+// length items from start on; at least one.
+void readRange(int start, size_t length, size_t limit, const char *what);
+
+// A number that isn't a NaN and not infinite.
+double readFinite(double value, const char *what);
+
+// A name; "" for null.
+std::string readName(const char *name);
+
+// An array of count entries may be null only when the count is 0.
+template <class T>
+const T *readArray(int count, const T *array, const char *what) {
+    return readCount(count, what) ? needed(array, what) : array;
+}
+
+// The domain of a variable or the two sides of a row, and its type or sense character.
+struct Range {
+    double lower, upper;
+    char kind;
+};
+
+// Known types, no NaN, no contradiction; the bounds of a binary variable lie within 0 and 1, those
+// beyond +-KVX_INFINITY at it.
+Range readDomain(Range domain, size_t index);
+Range readSides(Range sides, size_t index);
+
+// The sides of a row of that sense, and the sense of a row with those sides.
+Range sidesOf(char sense, double rhs, size_t index);
+char senseOf(double lower, double upper);
+
+char readSense(char sense);
+int readObjSense(int sense);
+
+// Reads sparse lists: sums entries of equal index at the place of the first, drops zeros.
+class ListReader {
+  public:
+    ListReader(size_t limit, const char *what) : position(limit), what(what) {}
+    std::vector<Entry> read(int count, const int *ind, const double *val);
+
+  private:
+    std::vector<size_t> position; // of each index in the list being read, plus one; 0: not in it
+    const char *what;
+};
+
+// The begins of count lists in compressed sparse layout, and the total behind them.
+std::vector<int> readBegins(int count, int total, const int *beg);
+
+// count such lists.
+std::vector<std::vector<Entry>> readLists(int count, int total, const int *beg, const int *ind,
+                                          const double *val, size_t limit, const char *what);
+
+std::vector<QuadraticTerm> readQuadratic(int count, const int *qrow, const int *qcol,
+                                         const double *qval, size_t limit);
+
+// Breakpoints, by non-decreasing x.
+std::pair<std::vector<double>, std::vector<double>> readPoints(int count, const double *x,
+                                                               const double *y);
+
+// What is left of a list after a deletion: deleted items dropped, the others renumbered.
+template <class Term, class... Index>
+void renumber(std::vector<Term> &terms, const std::vector<int> &numbers, Index... index) {
+    auto isGone = [&](Term &term) {
+        ((term.*index = numbers[static_cast<size_t>(term.*index)]), ...);
+        return ((term.*index < 0) || ...);
+    };
+    terms.erase(std::remove_if(terms.begin(), terms.end(), isGone), terms.end());
+}
+
+// Stores a datum where the caller wants it.
+template <class T>
+void store(T *target, const T &value) {
+    if (target)
+        *target = value;
+}
+template <class T>
+void storeAll(T *target, const std::vector<T> &values) {
+    if (target)
+        std::copy(values.begin(), values.end(), target);
+}
+inline void storeEntries(int *ind, double *val, const std::vector<Entry> &entries) {
+    for (size_t k = 0; k < entries.size(); k++) {
+        if (ind)
+            ind[k] = entries[k].index;
+        if (val)
+            val[k] = entries[k].value;
+    }
+}
+inline int intSize(size_t size) {
+    return static_cast<int>(size);
+}
+
+} // namespace korvex
+
+#endif
