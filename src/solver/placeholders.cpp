@@ -1,9 +1,5 @@
 // Placeholders for functions that are not there yet: weak, so that a real one wins.
-#include "model.h"
-
-namespace korvex {
-__attribute__((weak)) void endRun(KVXmodel &) {}
-} // namespace korvex
+#include "korvex.h"
 
 __attribute__((weak)) int KVXcopymodeltoenv(KVXmodel *, KVXenv *, KVXmodel **) {
     return KVX_ERROR_NOT_SUPPORTED;
@@ -52,21 +48,6 @@ __attribute__((weak)) int KVXgetjsonsolution(KVXmodel *, char **) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
 __attribute__((weak)) void KVXfree(void *) {}
-__attribute__((weak)) int KVXsetcallbackfuncadv(KVXmodel *, KVXcallback, void *, int) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXsetcallbackfunc(KVXmodel *, KVXcallback, void *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXoptimize(KVXmodel *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXoptimizeasync(KVXmodel *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXsync(KVXmodel *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
 __attribute__((weak)) int KVXtunemodel(KVXmodel *) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
@@ -76,37 +57,16 @@ __attribute__((weak)) int KVXgettuneresult(KVXmodel *, int) {
 __attribute__((weak)) int KVXcomputeIIS(KVXmodel *) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
-__attribute__((weak)) int KVXgetcbwhatinfo(void *, int, int *, int *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXcbget(void *, int, int, void *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
 __attribute__((weak)) int KVXcbcut(void *, int, const int *, const double *, char, double) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
 __attribute__((weak)) int KVXcblazy(void *, int, const int *, const double *, char, double) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
-__attribute__((weak)) int KVXcbsolution(void *, const double *, double *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXcbsetintparam(void *, const char *, int) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXcbsetdblparam(void *, const char *, double) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXcbsetstrparam(void *, const char *, const char *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
 __attribute__((weak)) int KVXcbproceed(void *) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
 __attribute__((weak)) int KVXcbstoponemultiobj(KVXmodel *, void *, int) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXterminate(KVXmodel *) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
 __attribute__((weak)) int KVXFSolve(KVXmodel *, SparseVector *, SparseVector *) {

@@ -1,0 +1,123 @@
+#include "optimize.h"
+
+#include "guard.h"
+
+#include <algorithm>
+
+namespace korvex {
+namespace {
+
+const char *statusText(int status) {
+    switch (status) {
+    case KVX_STATUS_OPTIMAL:
+        return "Optimal solution found";
+    case KVX_STATUS_INFEASIBLE:
+        return "Model is infeasible";
+    case KVX_STATUS_UNBOUNDED:
+        return "Model is unbounded";
+    case KVX_STATUS_INFEASIBLE_OR_UNBOUNDED:
+        return "Model is infeasible or unbounded";
+    case KVX_STATUS_TIME_LIMIT:
+        return "Time limit reached";
+    case KVX_STATUS_NODE_LIMIT:
+        return "Node limit reached";
+    case KVX_STATUS_ITERATION_LIMIT:
+        return "Iteration limit reached";
+    case KVX_STATUS_SOLUTION_LIMIT:
+        return "Solution limit reached";
+    case KVX_STATUS_INTERRUPTED:
+        return "Interrupted";
+    default:
+        return "Stopped by numerical trouble";
+    }
+}
+
+// Refuses what can't be solved.
+void check(const KVXmodel &model) {
+    if (!model.quadratic.empty() || !model.qconstrs.empty() || !model.sos.empty() ||
+        !model.genconstrs.empty() || !model.objectives.empty())
+        fail(KVX_ERROR_NOT_SUPPORTED, "only linear models can be solved");
+}
+
+void sayHead(Run &run) {
+    size_t entries = 0;
+    long integers = 0;
+    for (const Variable &var : run.model.vars) {
+        entries += var.column.size();
+        integers += var.type != KVX_CONTINUOUS;
+    }
+    run.say("Optimizing a model with %zu rows, %zu columns (%ld of them discrete) and %zu nonzeros",
+            run.model.constrs.size(), run.model.vars.size(), integers, entries);
+}
+
+void sayEnd(Run &run, const Solution &solution) {
+    run.say("%s: %.0f iterations, %.0f nodes, %s seconds", statusText(solution.status),
+            solution.iterations, solution.nodes, shown(run.elapsed()).c_str());
+    if (solution.hasX)
+        run.say("Objective %s, bound %s, gap %s %%", shown(solution.objval).c_str(),
+                shown(solution.bound).c_str(),
+                shown(100 * relativeGap(solution.objval, solution.bound)).c_str());
+}
+
+// Stores what was found, for the model's own rows and columns: the problem may have more.
+void store(Run &run, const Outcome &outcome) {
+    KVXmodel &model = run.model;
+    const size_t columns = model.vars.size(), rows = model.constrs.size();
+    auto first = [](auto &values, size_t count) {
+        return std::vector<double>(values.begin(), values.begin() + static_cast<long>(count));
+    };
+    Solution &solution = model.solution;
+    solution.status = outcome.status;
+    solution.bound = run.bound;
+    solution.nodes = run.nodes;
+    solution.iterations = run.iterations;
+    solution.solutions = run.solutions;
+    if (!outcome.x.empty()) {
+        solution.hasX = true;
+        solution.objval = run.bestObjective;
+        solution.x = first(outcome.x, columns);
+        for (const Constraint &constr : model.constrs) {
+            double slack = constr.sense == KVX_GREATER_EQUAL ? constr.lower : constr.upper;
+            for (const Entry &entry : constr.row)
+                slack -= entry.value * solution.x[static_cast<size_t>(entry.index)];
+            solution.slacks.push_back(slack);
+        }
+    }
+    if (!outcome.duals.empty()) {
+        solution.hasDuals = true;
+        solution.duals = first(outcome.duals, rows);
+        solution.reducedCosts = first(outcome.reducedCosts, columns);
+    }
+    if (!outcome.basis.empty()) {
+        solution.hasBasis = model.hasBasis = true;
+        for (size_t j = 0; j < columns; j++)
+            model.vars[j].basis = outcome.basis[j];
+        for (size_t i = 0; i < rows; i++)
+            model.constrs[i].basis = outcome.rowBasis[i];
+    }
+}
+
+} // namespace
+
+void optimize(Run &run) {
+    check(run.model);
+    sayHead(run);
+    Problem problem(run.model);
+    Outcome outcome;
+    if (run.poll()) {
+        outcome.status = run.stopped();
+    } else if (problem.isMip) {
+        outcome = solveMip(run, problem);
+    } else {
+        ClpSimplex lp;
+        outcome = solveLp(run, problem, lp);
+        if (!outcome.x.empty()) {
+            run.solutions = 1;
+            run.bestObjective = run.bound = outcome.objective;
+        }
+    }
+    store(run, outcome);
+    sayEnd(run, run.model.solution);
+}
+
+} // namespace korvex

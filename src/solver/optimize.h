@@ -1,0 +1,77 @@
+// Solving: a model as COIN's solvers take it, and what they make of it.
+#ifndef KORVEX_SOLVER_OPTIMIZE_H
+#define KORVEX_SOLVER_OPTIMIZE_H
+
+#include "run.h"
+
+#include <ClpEventHandler.hpp>
+#include <ClpSimplex.hpp>
+#include <CoinPackedMatrix.hpp>
+
+namespace korvex {
+
+// Takes COIN's own messages and lets them go nowhere. Not for two threads at once.
+class Silence : public CoinMessageHandler {
+  public:
+    int print() override { return 0; }
+    CoinMessageHandler *clone() const override { return new Silence(*this); }
+};
+
+// A linear model, with integer columns or without, as a minimisation. COIN's solvers don't take
+// models without rows or columns: such a model gets a free row or a column that is fixed at 0.
+struct Problem {
+    explicit Problem(const ModelData &model);
+
+    void load(ClpSimplex &lp) const;
+
+    // The objective value of a point in the model's own sense.
+    double objective(const std::vector<double> &x) const;
+
+    // The largest violation of a bound or row, relative to the size of what it violates.
+    double violation(const std::vector<double> &x) const;
+
+    // Rounds the integer columns of a point that are known.
+    void round(std::vector<double> &x) const;
+
+    int sense; // KVX_MINIMIZE or KVX_MAXIMIZE: the factor between costs and the model's objective
+    double constant;
+    std::vector<double> cost, lower, upper, rowLower, rowUpper;
+    std::vector<char> integer;
+    bool isMip = false;
+    CoinPackedMatrix matrix; // by columns
+    mutable Silence silence;
+};
+
+// What a solver found. The point itself is in a vector of its own, since a MIP run holds it.
+struct Outcome {
+    int status = KVX_STATUS_NUMERIC;
+    std::vector<double> x;                   // empty: none
+    double objective = 0;                    // in the model's own sense, like the rest
+    std::vector<double> duals, reducedCosts; // empty: none
+    std::vector<int> basis, rowBasis;        // KVX_BASIC and so on; empty: none
+};
+
+// Ends what simplex does when the run has to end; for the run's linear model itself it also reports
+// the progress.
+class SimplexWatch : public ClpEventHandler {
+  public:
+    SimplexWatch(Run &run, bool itself) : run(run), itself(itself) {}
+    int event(Event event) override;
+    ClpEventHandler *clone() const override { return new SimplexWatch(*this); }
+
+  private:
+    Run &run;
+    bool itself;
+};
+
+// Solves the problem without its integrality; lp is left as it was solved.
+Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp);
+
+Outcome solveMip(Run &run, const Problem &problem);
+
+// Solves the run's model and stores the solution.
+void optimize(Run &run);
+
+} // namespace korvex
+
+#endif
