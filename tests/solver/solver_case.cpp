@@ -1,0 +1,122 @@
+#include "solver_case.h"
+
+#include <sstream>
+
+int intAttr(const Model &model, const char *name) {
+    int value = 0;
+    EXPECT_EQ(KVX_OK, KVXgetintattr(model.get(), name, &value)) << KVXgetmerrormsg(model.get());
+    return value;
+}
+
+double dblAttr(const Model &model, const char *name) {
+    double value = 0;
+    EXPECT_EQ(KVX_OK, KVXgetdblattr(model.get(), name, &value)) << KVXgetmerrormsg(model.get());
+    return value;
+}
+
+namespace {
+
+template <class T>
+std::ostream &operator<<(std::ostream &out, const std::vector<T> &values) {
+    for (const T &value : values)
+        out << ' ' << value;
+    return out << '\n';
+}
+
+template <class T, class Get>
+void describeAttrs(std::ostream &out, KVXmodel *model, std::vector<const char *> names, int size,
+                   Get get) {
+    for (const char *name : names) {
+        std::vector<T> values(static_cast<size_t>(size));
+        EXPECT_EQ(KVX_OK, get(model, name, 0, size, values.data())) << name;
+        out << name << values;
+    }
+}
+
+// read(numP, beg, ind, val): one of the readers of sparse lists.
+template <class Read>
+void describeLists(std::ostream &out, int count, Read read) {
+    int num = 0;
+    EXPECT_EQ(KVX_OK, read(&num, nullptr, nullptr, nullptr));
+    auto size = static_cast<size_t>(num);
+    std::vector<int> beg(static_cast<size_t>(count) + 1), ind(size);
+    std::vector<double> val(size);
+    EXPECT_EQ(KVX_OK, read(&num, beg.data(), ind.data(), val.data()));
+    out << "lists" << beg << ind << val;
+}
+
+} // namespace
+
+std::string described(KVXmodel *model) {
+    std::ostringstream out;
+    auto count = [&](const char *name) {
+        int value = 0;
+        EXPECT_EQ(KVX_OK, KVXgetintattr(model, name, &value));
+        out << name << ' ' << value << '\n';
+        return value;
+    };
+    for (const char *name : {"ModelSense", "NumQNZs", "NumIntVars", "NumBinVars", "NumObj"})
+        count(name);
+    const int vars = count("NumVars"), constrs = count("NumConstrs"), sos = count("NumSOS"),
+              qconstrs = count("NumQConstrs"), genconstrs = count("NumGenConstrs");
+    describeAttrs<double>(out, model, {"LB", "UB", "Obj", "ObjN", "Start"}, vars,
+                          KVXgetdblattrarray);
+    describeAttrs<char>(out, model, {"VarType"}, vars, KVXgetcharattrarray);
+    describeAttrs<const char *>(out, model, {"VarName"}, vars, KVXgetstrattrarray);
+    describeAttrs<double>(out, model, {"RHS", "RowLower", "RowUpper"}, constrs, KVXgetdblattrarray);
+    describeAttrs<char>(out, model, {"Sense"}, constrs, KVXgetcharattrarray);
+    describeAttrs<const char *>(out, model, {"ConstrName"}, constrs, KVXgetstrattrarray);
+    describeAttrs<double>(out, model, {"QCRHS"}, qconstrs, KVXgetdblattrarray);
+    describeAttrs<const char *>(out, model, {"QCName"}, qconstrs, KVXgetstrattrarray);
+    describeAttrs<int>(out, model, {"GenConstrType"}, genconstrs, KVXgetintattrarray);
+    describeAttrs<const char *>(out, model, {"GenConstrName"}, genconstrs, KVXgetstrattrarray);
+    describeLists(out, vars, [&](int *num, int *beg, int *ind, double *val) {
+        return KVXgetvars(model, num, beg, ind, val, 0, vars);
+    });
+    describeLists(out, constrs, [&](int *num, int *beg, int *ind, double *val) {
+        return KVXgetconstrs(model, num, beg, ind, val, 0, constrs);
+    });
+    std::vector<int> types(static_cast<size_t>(sos));
+    describeLists(out, sos, [&](int *num, int *beg, int *ind, double *val) {
+        return KVXgetsos(model, num, types.data(), beg, ind, val, 0, sos);
+    });
+    out << "types" << types;
+    int rows[32], cols[32], ind[32], num = 0, qnum = 0, first = 0, second = 0;
+    double val[32], qval[32], rhs = 0;
+    auto terms = [&] {
+        for (int k = 0; k < num; k++)
+            out << ' ' << ind[k] << ':' << val[k];
+        for (int k = 0; k < qnum; k++)
+            out << ' ' << rows[k] << '*' << cols[k] << ':' << qval[k];
+        out << '\n';
+    };
+    EXPECT_EQ(KVX_OK, KVXgetq(model, &qnum, rows, cols, qval));
+    terms();
+    for (int q = 0; q < qconstrs; q++) {
+        EXPECT_EQ(KVX_OK, KVXgetqconstr(model, q, &num, ind, val, &qnum, rows, cols, qval));
+        terms();
+    }
+    qnum = 0;
+    for (int j = 0; j < vars; j++) {
+        EXPECT_EQ(KVX_OK, KVXgetpwlobj(model, j, &qnum, val, qval));
+        for (int k = 0; k < qnum; k++)
+            out << j << ": (" << val[k] << ", " << qval[k] << ")\n";
+    }
+    qnum = 0;
+    for (int g = 0; g < genconstrs; g++) {
+        char sense = 0;
+        if (KVXgetgenconstrIndicator(model, g, &first, &second, &num, ind, val, &sense, &rhs) ==
+            0) {
+            out << first << '=' << second << "->" << sense << rhs;
+            terms();
+        } else if (KVXgetgenconstrMax(model, g, &first, &num, ind, &rhs) == 0) {
+            out << first << "=max " << rhs << std::vector<int>(ind, ind + num);
+        } else if (KVXgetgenconstrNL(model, g, &first, &num, ind, val, rows) == 0) {
+            out << first << "=nl";
+            terms();
+        } else if (KVXgetgenconstrPow(model, g, &first, &second, &rhs) == 0) {
+            out << second << '=' << first << '^' << rhs << '\n';
+        }
+    }
+    return out.str();
+}
