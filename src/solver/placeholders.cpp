@@ -69,21 +69,6 @@ __attribute__((weak)) int KVXcbproceed(void *) {
 __attribute__((weak)) int KVXcbstoponemultiobj(KVXmodel *, void *, int) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
-__attribute__((weak)) int KVXFSolve(KVXmodel *, SparseVector *, SparseVector *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXBSolve(KVXmodel *, SparseVector *, SparseVector *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXBinvColj(KVXmodel *, int, SparseVector *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXBinvRowi(KVXmodel *, int, SparseVector *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXgetBasisHead(KVXmodel *, int *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
 __attribute__((weak)) int KVXoptimizebatch(KVXmodel *, char *) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
