@@ -9,20 +9,27 @@ struct Plain : Scratch<Element> {
     Plain(Call &call, Order) : Scratch<Element>(call) {}
 };
 
+// The solver functions of a value type, whose names differ in one word.
+#define ELEMENT_FUNCTIONS(type)                                                                    \
+    static constexpr auto getElement = KVXget##type##attrelement;                                  \
+    static constexpr auto getRange = KVXget##type##attrarray;                                      \
+    static constexpr auto getList = KVXget##type##attrlist;                                        \
+    static constexpr auto setElement = KVXset##type##attrelement;                                  \
+    static constexpr auto setRange = KVXset##type##attrarray;                                      \
+    static constexpr auto setList = KVXset##type##attrlist
+
+#define ALL_FUNCTIONS(type)                                                                        \
+    static constexpr bool hasScalar = true;                                                        \
+    static constexpr auto getScalar = KVXget##type##attr;                                          \
+    static constexpr auto setScalar = KVXset##type##attr;                                          \
+    ELEMENT_FUNCTIONS(type)
+
 struct IntAttribute {
     using Value = jint;
     using Array = jintArray;
     using ReadBuffer = Plain<jint>;
     using WriteBuffer = Plain<jint>;
-    static constexpr bool hasScalar = true;
-    static constexpr auto getScalar = KVXgetintattr;
-    static constexpr auto getElement = KVXgetintattrelement;
-    static constexpr auto getRange = KVXgetintattrarray;
-    static constexpr auto getList = KVXgetintattrlist;
-    static constexpr auto setScalar = KVXsetintattr;
-    static constexpr auto setElement = KVXsetintattrelement;
-    static constexpr auto setRange = KVXsetintattrarray;
-    static constexpr auto setList = KVXsetintattrlist;
+    ALL_FUNCTIONS(int);
 };
 
 struct DoubleAttribute {
@@ -30,15 +37,7 @@ struct DoubleAttribute {
     using Array = jdoubleArray;
     using ReadBuffer = Plain<jdouble>;
     using WriteBuffer = Plain<jdouble>;
-    static constexpr bool hasScalar = true;
-    static constexpr auto getScalar = KVXgetdblattr;
-    static constexpr auto getElement = KVXgetdblattrelement;
-    static constexpr auto getRange = KVXgetdblattrarray;
-    static constexpr auto getList = KVXgetdblattrlist;
-    static constexpr auto setScalar = KVXsetdblattr;
-    static constexpr auto setElement = KVXsetdblattrelement;
-    static constexpr auto setRange = KVXsetdblattrarray;
-    static constexpr auto setList = KVXsetdblattrlist;
+    ALL_FUNCTIONS(dbl);
 };
 
 struct CharAttribute {
@@ -47,12 +46,7 @@ struct CharAttribute {
     using ReadBuffer = Chars;
     using WriteBuffer = Chars;
     static constexpr bool hasScalar = false;
-    static constexpr auto getElement = KVXgetcharattrelement;
-    static constexpr auto getRange = KVXgetcharattrarray;
-    static constexpr auto getList = KVXgetcharattrlist;
-    static constexpr auto setElement = KVXsetcharattrelement;
-    static constexpr auto setRange = KVXsetcharattrarray;
-    static constexpr auto setList = KVXsetcharattrlist;
+    ELEMENT_FUNCTIONS(char);
 };
 
 struct StringAttribute {
@@ -60,15 +54,7 @@ struct StringAttribute {
     using Array = jobjectArray;
     using ReadBuffer = Plain<const char *>;
     using WriteBuffer = Names;
-    static constexpr bool hasScalar = true;
-    static constexpr auto getScalar = KVXgetstrattr;
-    static constexpr auto getElement = KVXgetstrattrelement;
-    static constexpr auto getRange = KVXgetstrattrarray;
-    static constexpr auto getList = KVXgetstrattrlist;
-    static constexpr auto setScalar = KVXsetstrattr;
-    static constexpr auto setElement = KVXsetstrattrelement;
-    static constexpr auto setRange = KVXsetstrattrarray;
-    static constexpr auto setList = KVXsetstrattrlist;
+    ALL_FUNCTIONS(str);
 };
 
 // count < 0: the model's own value; 0: element `start`; else a list of elements if `start` is -1,
@@ -123,7 +109,11 @@ jint writeAttribute(JNIEnv *jni, jlong handle, jstring attrname, jint start, jin
     Call call(jni);
     const char *name = call.requiredText(attrname);
     const Shape shape = shapeOf<Attribute>(start, count);
-    if (shape == Shape::list) {
+    if (shape == Shape::range) {
+        Buffer buffer(call, Order::nativeFirst);
+        buffer.take(values, count);
+        call.invoke(Attribute::setRange, model, name, start, count, buffer);
+    } else if (shape == Shape::list) {
         Scratch<jint> indices(call);
         Buffer buffer(call, Order::nativeFirst);
         indices.allocate(count);
@@ -131,10 +121,6 @@ jint writeAttribute(JNIEnv *jni, jlong handle, jstring attrname, jint start, jin
         indices.copy(ind, count);
         buffer.copy(values, count);
         call.invoke(Attribute::setList, model, name, count, indices, buffer);
-    } else if (shape == Shape::range) {
-        Buffer buffer(call, Order::nativeFirst);
-        buffer.take(values, count);
-        call.invoke(Attribute::setRange, model, name, start, count, buffer);
     } else {
         const typename Attribute::Value value = call.first(values);
         if constexpr (Attribute::hasScalar)

@@ -11,7 +11,8 @@ class Result {
     void allocateRecord() { x.allocateZeroed(1); }
 
     void allocateBuffers(jintArray capacityslot, const char *function) {
-        x->len = call.first(capacityslot);
+        if (call.ok())
+            call.jni->GetIntArrayRegion(capacityslot, 0, 1, &x->len);
         if (x->len < 1)
             return;
         KORVassert(x->ind == NULL, function);
@@ -50,7 +51,7 @@ jint solveWithBasis(JNIEnv *jni, Solve *solve, const char *function, jlong model
     b.allocateZeroed(1);
     x.allocateRecord();
     if (!call.ok())
-        return call.status();
+        return call.status(); // the records are written to at once
     b->len = blen;
     if (b->len >= 1) {
         KORVassert(b->ind == NULL, function);
@@ -76,7 +77,7 @@ jint readInverse(JNIEnv *jni, InverseReader *reader, const char *function, jlong
     Result x(call);
     x.allocateRecord();
     if (!call.ok())
-        return call.status();
+        return call.status(); // the record is written to at once
     x.allocateBuffers(capacityslot, function);
     call.invoke(reader, asModel(model), index, x);
     x.write(capacityslot, xind, xval);

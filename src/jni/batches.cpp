@@ -1,4 +1,4 @@
-// Batches: submitting a model as a request, and following that request; and fixing a model.
+// Batches: submitting a model as a request, and following that request.
 #include "marshal.h"
 
 JNI_METHOD(jint, KVXModel, jnioptimizebatch)
@@ -17,7 +17,7 @@ JNI_METHOD(jint, KorvexJni, newbatch)
     KVXbatch *batch = nullptr;
     const char *text = call.requiredText(id);
     if (!call.ok())
-        return call.status();
+        return call.status(); // the slot is written after a solver call only
     call.invoke(KVXgetbatch, asEnv(env), text, &batch);
     call.writeHandle(batchslot, batch);
     return call.status();
@@ -61,8 +61,4 @@ JNI_METHOD(jint, KVXBatch, jnigetjsonsolution)
 JNI_METHOD(jint, KVXBatch, jniwritejsonsolution)
 (JNIEnv *jni, jobject, jlong batch, jstring filename) {
     return invokeWithText(jni, KVXwritebatchjsonsolution, asBatch(batch), filename);
-}
-
-JNI_METHOD(jint, KVXModel, jniconverttofixed)(JNIEnv *, jobject, jlong model) {
-    return KVXconverttofixed(asModel(model));
 }

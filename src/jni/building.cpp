@@ -1,6 +1,6 @@
 // Building and editing the linear part of a model: variables, linear constraints, deletion,
 // coefficients; and the clean-up of sparse lists.
-#include "marshal.h"
+#include "sparse.h"
 
 JNI_METHOD(jint, KorvexJni, addvars)
 (JNIEnv *jni, jclass, jlong model, jint numvars, jint numnz, jintArray beg, jintArray ind,

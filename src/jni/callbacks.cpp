@@ -9,8 +9,8 @@ constexpr jint nodeRelaxation = KVX_CB_MIPNODE_REL;
 constexpr jint objectiveSolution = KVX_CB_MULTIOBJ_SOL;
 constexpr jint messageText = KVX_CB_MSG_STRING;
 
-// A datum that the solver declares to be a scalar of the given type. Codes that the solver doesn't
-// set are as good as wrong ones.
+// A datum that the solver declares to be a scalar of the given type. Type codes that the solver
+// doesn't set are as good as wrong ones; the status of the question adds nothing.
 template <class Value, class Array>
 jint readScalar(JNIEnv *jni, jlong cbdata, jint where, jint what, jint requiredType, Array slot) {
     Call call(jni);

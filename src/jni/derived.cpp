@@ -1,4 +1,4 @@
-// Models made from other models, and the feasibility relaxation of a model.
+// Models made from other models; and models fixed or relaxed for feasibility in place.
 #include "marshal.h"
 
 namespace {
@@ -32,6 +32,10 @@ DERIVED_MODEL(dualmodel, KVXdualmodel)
 DERIVED_MODEL(feasibility, KVXfeasibility)
 DERIVED_MODEL(linearize, KVXlinearizemodel)
 DERIVED_MODEL(singlescenariomodel, KVXsinglescenariomodel)
+
+JNI_METHOD(jint, KVXModel, jniconverttofixed)(JNIEnv *, jobject, jlong model) {
+    return KVXconverttofixed(asModel(model));
+}
 
 JNI_METHOD(jint, KorvexJni, feasrelax)
 (JNIEnv *jni, jclass, jlong handle, jint ival1, jint ival2, jdoubleArray varpen1,

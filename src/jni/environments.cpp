@@ -12,8 +12,8 @@ struct Version {
 // Of the bridge itself.
 constexpr Version own = {13, 0, 3};
 
-// The library asks for arguments that nobody uses any more.
-constexpr void *unused = nullptr;
+// The library's reserved arguments.
+constexpr void *reserved = nullptr;
 
 // Tells the environment's log when the Java side was made for another version than the bridge. The
 // longest line takes 98 bytes.
@@ -33,8 +33,8 @@ JNI_METHOD(jint, KorvexJni, createenv)
 (JNIEnv *jni, jclass, jlongArray envslot, jint major, jint minor, jint technical) {
     Call call(jni);
     KVXenv *env = nullptr;
-    call.invoke(KVXemptyenvadvinternal, &env, KVX_INTERFACE_JAVA, major, minor, technical, unused,
-                unused, unused, unused, unused, unused, unused);
+    call.invoke(KVXemptyenvadvinternal, &env, KVX_INTERFACE_JAVA, major, minor, technical, reserved,
+                reserved, reserved, reserved, reserved, reserved, reserved);
     call.writeHandle(envslot, env);
     return call.status();
 }
@@ -46,10 +46,10 @@ JNI_METHOD(jint, KorvexJni, loadenv)
     KVXenv *env = nullptr;
     const char *text = call.text(str);
     if (!call.ok())
-        return call.status();
-    call.invoke(KVXloadenvadv, &env, text, KVX_INTERFACE_JAVA, major, minor, technical, unused,
-                unused, unused, unused, KVX_LOADENV_KEY, extra, unused, unused, unused, unused,
-                unused, unused);
+        return call.status(); // the slot is written after a solver call only
+    call.invoke(KVXloadenvadv, &env, text, KVX_INTERFACE_JAVA, major, minor, technical, reserved,
+                reserved, reserved, reserved, KVX_LOADENV_KEY, extra, reserved, reserved, reserved,
+                reserved, reserved, reserved);
     call.writeHandle(envslot, env);
     if (call.ok())
         warnOfMismatch(env, {major, minor, technical});

@@ -1,6 +1,6 @@
 // General constraints, adding: nineteen kinds in nine shapes. Arrays are copied before any text is
 // fetched.
-#include "marshal.h"
+#include "sparse.h"
 
 namespace {
 
@@ -13,8 +13,8 @@ jint addOverList(JNIEnv *jni,
     Call call(jni);
     Scratch<jint> operands(call);
     operands.take(vars, nvars);
-    const char *text = call.text(name);
-    call.invoke(adder, asModel(model), text, resvar, nvars, operands, number...);
+    const char *nameText = call.text(name);
+    call.invoke(adder, asModel(model), nameText, resvar, nvars, operands, number...);
     return call.status();
 }
 
@@ -25,9 +25,9 @@ jint addFunction(JNIEnv *jni,
                  jlong model, jstring name, jint var1, jint var2, jstring options,
                  Number... number) {
     Call call(jni);
-    const char *text = call.text(name);
+    const char *nameText = call.text(name);
     const char *optionText = call.text(options);
-    call.invoke(adder, asModel(model), text, var1, var2, optionText, number...);
+    call.invoke(adder, asModel(model), nameText, var1, var2, optionText, number...);
     return call.status();
 }
 
@@ -77,8 +77,8 @@ FUNCTION_WITH_DOUBLE_ADDER(addgenconstrpow, KVXaddgenconstrPow)
 JNI_METHOD(jint, KorvexJni, addgenconstrabs)
 (JNIEnv *jni, jclass, jlong model, jstring name, jint var1, jint var2) {
     Call call(jni);
-    const char *text = call.text(name);
-    call.invoke(KVXaddgenconstrAbs, asModel(model), text, var1, var2);
+    const char *nameText = call.text(name);
+    call.invoke(KVXaddgenconstrAbs, asModel(model), nameText, var1, var2);
     return call.status();
 }
 
@@ -89,8 +89,9 @@ JNI_METHOD(jint, KorvexJni, addgenconstrpwl)
     Parallel<jdouble, jdouble> points(call);
     auto &[abscissae, ordinates] = points.buffers;
     points.take(npts, x, y);
-    const char *text = call.text(name);
-    call.invoke(KVXaddgenconstrPWL, asModel(model), text, var1, var2, npts, abscissae, ordinates);
+    const char *nameText = call.text(name);
+    call.invoke(KVXaddgenconstrPWL, asModel(model), nameText, var1, var2, npts, abscissae,
+                ordinates);
     return call.status();
 }
 
@@ -100,9 +101,9 @@ JNI_METHOD(jint, KorvexJni, addgenconstrpoly)
     Call call(jni);
     Scratch<jdouble> coefficients(call);
     coefficients.take(coefs, ncoef);
-    const char *text = call.text(name);
+    const char *nameText = call.text(name);
     const char *optionText = call.text(options);
-    call.invoke(KVXaddgenconstrPoly, asModel(model), text, var1, var2, ncoef, coefficients,
+    call.invoke(KVXaddgenconstrPoly, asModel(model), nameText, var1, var2, ncoef, coefficients,
                 optionText);
     return call.status();
 }
@@ -114,8 +115,8 @@ JNI_METHOD(jint, KorvexJni, addgenconstrindicator)
     Parallel<jint, jdouble> terms(call);
     auto &[indices, coefficients] = terms.buffers;
     terms.take(numlnz, lind, lval);
-    const char *text = call.text(name);
-    call.invoke(KVXaddgenconstrIndicator, asModel(model), text, binvar, binval, numlnz, indices,
+    const char *nameText = call.text(name);
+    call.invoke(KVXaddgenconstrIndicator, asModel(model), nameText, binvar, binval, numlnz, indices,
                 coefficients, narrow(sense), rhs);
     return call.status();
 }
@@ -127,7 +128,8 @@ JNI_METHOD(jint, KorvexJni, addgenconstrnl)
     Parallel<jint, jdouble, jint> expression(call);
     auto &[opcodes, data, parents] = expression.buffers;
     expression.take(nlcount, nlint1, nldbl, nlint2);
-    const char *text = call.text(name);
-    call.invoke(KVXaddgenconstrNL, asModel(model), text, resvar, nlcount, opcodes, data, parents);
+    const char *nameText = call.text(name);
+    call.invoke(KVXaddgenconstrNL, asModel(model), nameText, resvar, nlcount, opcodes, data,
+                parents);
     return call.status();
 }

@@ -1,6 +1,6 @@
 // General constraints, reading back: first the scalars, each for the slot that wants it; then,
 // where arrays are given, the arrays, in the size that the first answer told.
-#include "marshal.h"
+#include "sparse.h"
 
 namespace {
 

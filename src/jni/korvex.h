@@ -8,9 +8,12 @@
  *    After a failure KVXgeterrormsg (environment) or KVXgetmerrormsg (model) explains it, and the
  *    model stays as it was. Output arguments are written on success only.
  *  - Arrays belong to the caller and are only used during the call. Indices count from 0. A count
- *    of 0 goes with arrays that may be null.
- *  - Texts are NUL-terminated UTF-8. A text that the library hands out belongs to the library and
- *    stays valid until the next call on the same object, except where KVXfree is named.
+ *    of 0 or less goes with arrays that may be null; a negative one is refused with
+ *    KVX_ERROR_INVALID_ARGUMENT, except where a function takes it as 0.
+ *  - Texts are NUL-terminated UTF-8. (From Java they come in JNI's modified form, in which a
+ *    character beyond U+FFFF is two surrogates of three bytes each, and go back as they came.) A
+ *    text that the library hands out belongs to the library and stays valid until the next call on
+ *    the same object, except where KVXfree is named.
  *  - Bounds of +-KVX_INFINITY or beyond mean "no bound".
  *  - A null handle is refused with KVX_ERROR_INVALID_ARGUMENT.
  *  - An object may be used by one thread at a time; KVXterminate and KVXmsg may be called from any
@@ -26,8 +29,6 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
-/* Exported also by a library that is compiled with hidden visibility. */
-#pragma GCC visibility push(default)
 
 /** An environment: parameters, log and error text. */
 typedef struct KVXenv KVXenv;
@@ -416,6 +417,8 @@ int KVXcopymodeltoenv(KVXmodel *model, KVXenv *env, KVXmodel **newP);
 int KVXrelaxmodel(KVXmodel *model, KVXmodel **newP);
 /** The linear model in which discrete variables are fixed at the best solution. */
 int KVXfixmodel(KVXmodel *model, KVXmodel **newP);
+/** The same in place. */
+int KVXconverttofixed(KVXmodel *model);
 /** The model after presolve; same optimal value. */
 int KVXpresolvemodel(KVXmodel *model, KVXmodel **newP);
 /** The dual of a linear model; same optimal value. */
@@ -591,6 +594,8 @@ int KVXaddgenconstrIndicator(KVXmodel *model, const char *name, int binvar, int 
 /** y = piecewise-linear function of x through npts breakpoints of non-decreasing xpts. */
 int KVXaddgenconstrPWL(KVXmodel *model, const char *name, int xvar, int yvar, int npts,
                        const double *xpts, const double *ypts);
+/* The options of the functions that follow are kept with the constraint, without a meaning. */
+
 /** y = coefs[0] x^(ncoef-1) + ... + coefs[ncoef-1]. */
 int KVXaddgenconstrPoly(KVXmodel *model, const char *name, int xvar, int yvar, int ncoef,
                         const double *coefs, const char *options);
@@ -616,9 +621,9 @@ int KVXaddgenconstrTan(KVXmodel *model, const char *name, int xvar, int yvar, co
 /** y = 1 / (1 + e^-x). */
 int KVXaddgenconstrLogistic(KVXmodel *model, const char *name, int xvar, int yvar,
                             const char *options);
-/** resvar = an expression tree of nlcount nodes: operation code (KVX_NL_), constant or variable index
- * (as a double), and parent node of each. The first node is the root, with parent -1; every other
- * comes after its parent, operands in their order. */
+/** resvar = an expression tree of nlcount nodes: operation code (KVX_NL_), constant or variable
+ * index (as a double), and parent node of each. The first node is the root, with parent -1; every
+ * other comes after its parent, operands in their order. */
 int KVXaddgenconstrNL(KVXmodel *model, const char *name, int resvar, int nlcount,
                       const int *opcodes, const double *data, const int *parents);
 
@@ -846,11 +851,13 @@ int KVXterminate(KVXmodel *model);
  * Basis of a solved linear model. Rows of basic variables are numbered as in KVXgetBasisHead. The
  * basis matrix B has the columns of the model's variables and, for constraint i, the i-th unit
  * vector (the row's logical variable).
+ *
+ * A result vector must have room for what it receives: at most NumConstrs entries, for
+ * KVXBinvRowi NumVars + NumConstrs. A len that is too small gives KVX_ERROR_INVALID_ARGUMENT; on
+ * return it never exceeds what it was.
  */
 
-/** Solves B x = b. @param b indices count constraints @param x indices count basic positions; a
- * capacity of NumConstrs always suffices, a smaller one gives KVX_ERROR_INVALID_ARGUMENT when it
- * does not hold the result */
+/** Solves B x = b. @param b indices count constraints @param x indices count basic positions */
 int KVXFSolve(KVXmodel *model, SparseVector *b, SparseVector *x);
 /** Solves B^T x = b. @param b indices count basic positions @param x indices count constraints */
 int KVXBSolve(KVXmodel *model, SparseVector *b, SparseVector *x);
@@ -858,8 +865,8 @@ int KVXBSolve(KVXmodel *model, SparseVector *b, SparseVector *x);
 int KVXBinvColj(KVXmodel *model, int j, SparseVector *x);
 /** Row i of B^-1 A, over NumVars structural and NumConstrs logical columns. */
 int KVXBinvRowi(KVXmodel *model, int i, SparseVector *x);
-/** The basic variables. @param head receives NumConstrs indices: a variable's, or NumVars + i for
- * the logical of constraint i */
+/** The basic variables. @param head room for NumConstrs indices, however many are wanted: a
+ * variable's, or NumVars + i for the logical of constraint i */
 int KVXgetBasisHead(KVXmodel *model, int *head);
 
 /* ---------------------------------------------------------------------------------------------
@@ -867,7 +874,7 @@ int KVXgetBasisHead(KVXmodel *model, int *head);
  *
  * Attributes of a batch, as of the last KVXupdatebatch: int "BatchStatus" (KVX_BATCH_),
  * "BatchErrorCode"; string "BatchID", "BatchErrorMessage", "SubmitTime", "EndTime" (ISO 8601, UTC;
- * "" if there is none yet).
+ * "" if there is none yet). The error text of a failed call is the environment's.
  */
 
 /** Submits a copy of the model. @param id receives the request's ID in at most KVX_TEXT_SIZE bytes,
@@ -893,11 +900,7 @@ int KVXdiscardbatch(KVXbatch *batch);
 int KVXgetbatchjsonsolution(KVXbatch *batch, char **textP);
 /** Writes that solution to a file (.json, also .gz or .bz2). */
 int KVXwritebatchjsonsolution(KVXbatch *batch, const char *filename);
-/** Fixes the model's discrete variables at the best solution, in place, and makes them continuous.
- */
-int KVXconverttofixed(KVXmodel *model);
 
-#pragma GCC visibility pop
 #ifdef __cplusplus
 }
 #endif

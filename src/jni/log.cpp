@@ -1,6 +1,15 @@
 // Log forwarding: a KVXEnv object receives its environment's log lines.
 #include "upcall.h"
 
+namespace {
+
+jint install(JNIEnv *jni, jobject self, KVXenv *env, JavaCallbackInfo **record) {
+    const jint status = bindLogCallback(jni, self, env, record);
+    return status == 0 ? KVXsetlogcallbackfuncenv(env, myjavalogcallback, *record) : status;
+}
+
+} // namespace
+
 // The record of an environment is known to the solver only, which is asked for it. It is released
 // once the solver has let go of it: a line may arrive on another thread at any moment.
 JNI_METHOD(jint, KVXEnv, jniSetLogCB)(JNIEnv *jni, jobject self, jlong handle, jint enable) {
@@ -12,8 +21,8 @@ JNI_METHOD(jint, KVXEnv, jniSetLogCB)(JNIEnv *jni, jobject self, jlong handle, j
         old = nullptr; // whatever the slot holds, it was not handed over
     else if (enable == 0)
         status = KVXsetlogcallbackfuncenv(env, nullptr, nullptr);
-    else if ((status = bindLogCallback(jni, self, env, &replacement)) == 0)
-        status = KVXsetlogcallbackfuncenv(env, myjavalogcallback, replacement);
+    else
+        status = install(jni, self, env, &replacement);
 
     // After a failure no callback stays installed.
     const bool letGo = status == 0 || KVXsetlogcallbackfuncenv(env, nullptr, nullptr) == 0;

@@ -135,7 +135,7 @@ void Call::writeHandle(jlongArray slot, const void *object) {
     jni->SetLongArrayRegion(slot, 0, 1, &handle);
 }
 
-bool Call::offerCount(jintArray slot, jint count) {
+bool Call::handshake(jintArray slot, jint count) {
     if (!ok())
         return false;
     const jint capacity = first(slot);
@@ -147,6 +147,11 @@ int Call::reserve() {
     KORVassert(places_ < mostPlaces, __func__);
     scratch_[places_] = nullptr;
     return places_++;
+}
+
+Call::Elements &Call::reserveNames() {
+    KORVassert(names_ < mostNames, __func__);
+    return name_[names_++];
 }
 
 void Call::allocate(int place, jint count, size_t width) {
@@ -196,9 +201,7 @@ void Chars::write(jcharArray slot, jint count) {
     call.write(slot, to, count);
 }
 
-Names::Names(Call &call, Order order) : Pair(call, order), elements(call.name_[call.names_++]) {
-    KORVassert(call.names_ <= Call::mostNames, __func__);
-}
+Names::Names(Call &call, Order order) : Pair(call, order), elements(call.reserveNames()) {}
 
 void Names::copy(jobjectArray array, jint count, Nulls nulls) {
     if (!call.ok())

@@ -15,7 +15,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <tuple>
 
 // The definition of a native method. A definition that differs from the header that javac made of
 // the Java class doesn't compile.
@@ -28,7 +27,8 @@ constexpr jint ERROR_WRONG_INFO_TYPE = KVX_ERROR_WRONG_INFO_TYPE;
 constexpr jint ERROR_CALLBACK = KVX_ERROR_CALLBACK;
 
 // Guards a condition that only a programming error in the bridge can break. `function` is the name
-// of the exported function, also where several share the code.
+// of the exported function, also where several share the code; where the fixed room of a Call ran
+// out, of the Call's member.
 #define KORVassert(condition, function)                                                            \
     ((condition) ? static_cast<void>(0) : assertionFailed(#condition, __FILE__, __LINE__, function))
 [[noreturn]] void assertionFailed(const char *condition, const char *file, int line,
@@ -51,7 +51,7 @@ inline jlong asHandle(const void *object) {
     return reinterpret_cast<jlong>(object);
 }
 
-// `count` and a closing entry, in 32 bits.
+// `count` and a closing entry, in 32 bits: the end of the last item, or of a text.
 inline jint closed(jint count) {
     return static_cast<jint>(static_cast<uint32_t>(count) + 1u);
 }
@@ -134,7 +134,7 @@ class Call {
 
     // The capacity-and-count handshake: element 0 of `slot` is the capacity of the caller's arrays
     // and becomes `count`. True if the arrays are to be filled.
-    bool offerCount(jintArray slot, jint count);
+    bool handshake(jintArray slot, jint count);
 
     JNIEnv *const jni;
 
@@ -158,6 +158,7 @@ class Call {
 
     const char *fetch(jstring string, bool element);
     int reserve();
+    Elements &reserveNames();
     void allocate(int place, jint count, size_t width);
     void allocateZeroed(int place, jint count, size_t width);
     void allocateBytes(int place, size_t size);
@@ -229,43 +230,6 @@ class Scratch {
 
     Call &call;
     const int place;
-};
-
-// Buffers of equal length that lie beside each other: sparse lists, triplets, points. Each step
-// goes through them in order.
-template <class... Elements>
-class Parallel {
-  public:
-    // Braces, since they alone fix the order in which the places are reserved.
-    explicit Parallel(Call &call) : buffers{Scratch<Elements>(call)...}, call(call) {}
-
-    void allocate(jint count) {
-        std::apply([=](auto &...buffer) { (buffer.allocate(count), ...); }, buffers);
-    }
-    template <class... Arrays>
-    void copy(jint count, Arrays... arrays) {
-        std::apply([=](auto &...buffer) { (buffer.copy(arrays, count), ...); }, buffers);
-    }
-    template <class... Arrays>
-    void take(jint count, Arrays... arrays) {
-        allocate(count);
-        copy(count, arrays...);
-    }
-    template <class... Arrays>
-    void write(jint count, Arrays... arrays) {
-        std::apply([=](auto &...buffer) { (buffer.write(arrays, count), ...); }, buffers);
-    }
-    // True if all arrays are given and hold `count` elements; a short one ends the measuring.
-    template <class... Arrays>
-    bool fit(jint count, Arrays... arrays) const {
-        return call.ok() && ((arrays != nullptr) && ...) &&
-               ((call.jni->GetArrayLength(arrays) >= count) && ...);
-    }
-
-    std::tuple<Scratch<Elements>...> buffers;
-
-  private:
-    Call &call;
 };
 
 enum class Order { javaFirst, nativeFirst };

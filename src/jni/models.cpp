@@ -27,6 +27,7 @@ JNI_METHOD(jlong, KorvexJni, newmodel)
     }
     call.invoke(KVXnewmodel, asEnv(env), &model, modelName, numvars, objective, lower, upper,
                 typeChars, varNames);
+    // For an empty model no array of Java's is touched, the slot included.
     if (numvars > 0) {
         const jint success = 0;
         call.write(statusslot, &success);
@@ -56,8 +57,9 @@ bool anyNegative(const jint *values, jint count) {
 
 } // namespace
 
-// Columns may lie anywhere in `ind` and `val`; the solver gets them back to back. Lengths and
-// begins are checked, since wrong ones would make the copies write outside the scratch.
+// Columns may lie anywhere in `ind` and `val`; the solver gets them back to back. Lengths are
+// checked, since wrong ones would make the copies write outside the scratch; a negative begin is
+// refused with them.
 JNI_METHOD(jlong, KorvexJni, loadmodel)
 (JNIEnv *jni, jclass, jlong env, jstring name, jint numvars, jint numconstrs, jint objsense,
  jdouble objcon, jdoubleArray obj, jcharArray senses, jdoubleArray rhs, jintArray beg,
@@ -76,7 +78,9 @@ JNI_METHOD(jlong, KorvexJni, loadmodel)
 
     const char *modelName = call.text(name);
     lengths.take(len, numvars);
-    const jint numnz = call.ok() ? sumOf(lengths, numvars) : -1;
+    if (!call.ok())
+        return 0;
+    const jint numnz = sumOf(lengths, numvars);
     if (numnz < 0)
         return 0;
 

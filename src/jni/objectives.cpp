@@ -1,18 +1,14 @@
 // Objectives: the whole one, numbered ones, and piecewise-linear terms.
-#include "marshal.h"
+#include "sparse.h"
 
 JNI_METHOD(jint, KorvexJni, setobjective)
 (JNIEnv *jni, jclass, jlong model, jint objsense, jint numlnz, jintArray lind, jdoubleArray lval,
  jint numqnz, jintArray qrow, jintArray qcol, jdoubleArray qval, jdouble objcon) {
     Call call(jni);
-    Parallel<jint, jdouble> linear(call);
-    Parallel<jint, jint, jdouble> quadratic(call);
-    auto &[indices, coefficients] = linear.buffers;
-    auto &[rows, columns, values] = quadratic.buffers;
-    if (numlnz > 0)
-        linear.take(numlnz, lind, lval);
-    if (numqnz > 0)
-        quadratic.take(numqnz, qrow, qcol, qval);
+    Expression terms(call);
+    auto &[indices, coefficients] = terms.linear.buffers;
+    auto &[rows, columns, values] = terms.quadratic.buffers;
+    terms.take(numlnz, lind, lval, numqnz, qrow, qcol, qval);
     call.invoke(KVXsetobjective, asModel(model), objsense, numlnz, indices, coefficients, numqnz,
                 rows, columns, values, objcon);
     return call.status();
@@ -26,9 +22,9 @@ JNI_METHOD(jint, KorvexJni, setobjectiven)
     auto &[indices, coefficients] = linear.buffers;
     if (numlnz > 0)
         linear.take(numlnz, lind, lval);
-    const char *text = call.text(name);
-    call.invoke(KVXsetobjectiven, asModel(model), index, ival, text, numlnz, indices, coefficients,
-                dval1, dval2, dval3, dval4);
+    const char *nameText = call.text(name);
+    call.invoke(KVXsetobjectiven, asModel(model), index, ival, nameText, numlnz, indices,
+                coefficients, dval1, dval2, dval3, dval4);
     return call.status();
 }
 
@@ -51,7 +47,7 @@ JNI_METHOD(jint, KorvexJni, getpwlobj)
     auto &[abscissae, ordinates] = points.buffers;
     jint count = 0;
     call.invoke(KVXgetpwlobj, asModel(model), var, &count, nullptr, nullptr);
-    if (call.offerCount(nptsslot, count)) {
+    if (call.handshake(nptsslot, count)) {
         points.allocate(count);
         call.invoke(KVXgetpwlobj, asModel(model), var, &count, abscissae, ordinates);
         points.write(count, x, y);

@@ -5,7 +5,8 @@ namespace {
 
 enum class Run { toTheEnd, inTheBackground };
 
-// Takes the callback away from the solver, and the global reference from the record.
+// Takes the callback away from the solver, which has no reason to refuse once its run is over, and
+// the global reference from the record.
 void removeCallback(JNIEnv *jni, KVXmodel *model, JavaCallbackInfo *record) {
     KVXsetcallbackfunc(model, nullptr, nullptr);
     jni->DeleteGlobalRef(record->javaObject);

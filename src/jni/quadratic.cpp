@@ -1,5 +1,5 @@
 // Quadratic terms of the objective, and quadratic constraints.
-#include "marshal.h"
+#include "sparse.h"
 
 JNI_METHOD(jint, KorvexJni, addqpterms)
 (JNIEnv *jni, jclass, jlong model, jint numqnz, jintArray qrow, jintArray qcol, jdoubleArray qval) {
@@ -25,7 +25,7 @@ JNI_METHOD(jint, KorvexJni, getq)
     auto &[rows, columns, values] = terms.buffers;
     jint count = 0;
     call.invoke(KVXgetintattr, asModel(model), "NumQNZs", &count);
-    if (call.offerCount(numqnzslot, count)) {
+    if (call.handshake(numqnzslot, count)) {
         terms.allocate(count);
         call.invoke(KVXgetq, asModel(model), &count, rows, columns, values);
         terms.write(count, qrow, qcol, qval);
@@ -37,17 +37,13 @@ JNI_METHOD(jint, KorvexJni, addqconstr)
 (JNIEnv *jni, jclass, jlong model, jint numlnz, jintArray lind, jdoubleArray lval, jint numqnz,
  jintArray qrow, jintArray qcol, jdoubleArray qval, jchar sense, jdouble rhs, jstring name) {
     Call call(jni);
-    Parallel<jint, jdouble> linear(call);
-    Parallel<jint, jint, jdouble> quadratic(call);
-    auto &[indices, coefficients] = linear.buffers;
-    auto &[rows, columns, values] = quadratic.buffers;
-    if (numlnz > 0)
-        linear.take(numlnz, lind, lval);
-    if (numqnz > 0)
-        quadratic.take(numqnz, qrow, qcol, qval);
-    const char *text = call.text(name);
+    Expression terms(call);
+    auto &[indices, coefficients] = terms.linear.buffers;
+    auto &[rows, columns, values] = terms.quadratic.buffers;
+    terms.take(numlnz, lind, lval, numqnz, qrow, qcol, qval);
+    const char *nameText = call.text(name);
     call.invoke(KVXaddqconstr, asModel(model), numlnz, indices, coefficients, numqnz, rows, columns,
-                values, narrow(sense), rhs, text);
+                values, narrow(sense), rhs, nameText);
     return call.status();
 }
 
@@ -57,10 +53,9 @@ JNI_METHOD(jint, KorvexJni, getqconstr)
  jdoubleArray lval, jintArray numqnzslot, jintArray qrow, jintArray qcol, jdoubleArray qval) {
     KVXmodel *const model = asModel(handle);
     Call call(jni);
-    Parallel<jint, jdouble> linear(call);
-    Parallel<jint, jint, jdouble> quadratic(call);
-    auto &[indices, coefficients] = linear.buffers;
-    auto &[rows, columns, values] = quadratic.buffers;
+    Expression terms(call);
+    auto &[indices, coefficients] = terms.linear.buffers;
+    auto &[rows, columns, values] = terms.quadratic.buffers;
     jint numlnz = 0, numqnz = 0;
     call.invoke(KVXgetqconstr, model, qconstr, &numlnz, nullptr, nullptr, &numqnz, nullptr, nullptr,
                 nullptr);
@@ -70,8 +65,8 @@ JNI_METHOD(jint, KorvexJni, getqconstr)
         lind != nullptr || lval != nullptr || qrow != nullptr || qcol != nullptr || qval != nullptr;
     if (!wanted)
         return call.status();
-    linear.allocate(numlnz);
-    quadratic.allocate(numqnz);
+    terms.linear.allocate(numlnz);
+    terms.quadratic.allocate(numqnz);
     call.invoke(KVXgetqconstr, model, qconstr, &numlnz, indices, coefficients, &numqnz, rows,
                 columns, values);
     indices.offer(lind, numlnz);

@@ -1,5 +1,5 @@
 // Special ordered sets.
-#include "marshal.h"
+#include "sparse.h"
 
 JNI_METHOD(jint, KorvexJni, addsos)
 (JNIEnv *jni, jclass, jlong model, jint numsos, jint nummembers, jintArray types, jintArray beg,
@@ -29,7 +29,7 @@ JNI_METHOD(jint, KorvexJni, getsos)
     jint nummembers = 0;
     call.invoke(KVXgetsos, asModel(model), &nummembers, nullptr, nullptr, nullptr, nullptr, start,
                 count);
-    if (call.offerCount(nummembersslot, nummembers)) {
+    if (call.handshake(nummembersslot, nummembers)) {
         typeCodes.allocate(count);
         begins.allocateClosed(count);
         members.allocate(nummembers);

@@ -1,5 +1,5 @@
 // The constraint matrix read back, and variables and constraints found by name.
-#include "marshal.h"
+#include "sparse.h"
 
 JNI_METHOD(jint, KorvexJni, getcoeff)
 (JNIEnv *jni, jclass, jlong model, jint constr, jint var, jdoubleArray valslot) {
@@ -23,7 +23,7 @@ jint readRange(JNIEnv *jni, RangeReader *reader, jlong model, jintArray numnzslo
     auto &[indices, values] = nonzeros.buffers;
     jint numnz = 0;
     call.invoke(reader, asModel(model), &numnz, nullptr, nullptr, nullptr, start, count);
-    if (call.offerCount(numnzslot, numnz)) {
+    if (call.handshake(numnzslot, numnz)) {
         begins.allocateClosed(count);
         nonzeros.allocate(numnz);
         call.invoke(reader, asModel(model), &numnz, begins, indices, values, start, count);

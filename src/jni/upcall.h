@@ -25,13 +25,14 @@ struct JavaCallbackInfo {
     std::atomic<int> failed;
 };
 
-// Bind `self` on its own thread. On failure a record that was made is still the caller's to
-// release, except where the status comes with a null record.
+// Bind `self` on its own thread. Also after a failure *record is the caller's to release; it may be
+// null then.
 jint bindModelCallback(JNIEnv *jni, jobject self, JavaCallbackInfo **record);
 jint bindLogCallback(JNIEnv *jni, jobject self, KVXenv *env, JavaCallbackInfo **record);
 
 // Deletes the global reference through the caller's own JNIEnv, since the stored one may belong to
-// another thread. Null is allowed.
+// another thread. Null is allowed. Never from inside the callback: the upcall still reads its
+// record.
 void releaseCallback(JNIEnv *jni, JavaCallbackInfo *record);
 
 int myjavacallback(KVXmodel *model, void *cbdata, int where, void *userdata);
