@@ -6,7 +6,8 @@
  *
  *  - A function with an int result returns a status: 0 (KVX_OK) or one of the KVX_ERROR_ codes.
  *    After a failure KVXgeterrormsg (environment) or KVXgetmerrormsg (model) explains it, and the
- *    model stays as it was. Output arguments are written on success only.
+ *    model stays as it was. A success leaves the error text alone. Output arguments are written on
+ *    success only.
  *  - Arrays belong to the caller and are only used during the call. Indices count from 0. A count
  *    of 0 or less goes with arrays that may be null; a negative one is refused with
  *    KVX_ERROR_INVALID_ARGUMENT, except where a function takes it as 0.
@@ -14,7 +15,11 @@
  *    character beyond U+FFFF is two surrogates of three bytes each, and go back as they came.) A
  *    text that the library hands out belongs to the library and stays valid until the next call on
  *    the same object, except where KVXfree is named.
- *  - Bounds of +-KVX_INFINITY or beyond mean "no bound".
+ *  - Bounds of +-KVX_INFINITY or beyond mean "no bound". Bounds that contradict each other are
+ *    refused, and so are bounds of a binary variable outside 0 and 1 when an attribute is set; when
+ *    it is added or becomes binary, its bounds are cut off there.
+ *  - Names have no control characters. What has none is named by its index: C0 for a variable, R0
+ *    for a constraint, Q0 and G0 for quadratic and general constraints.
  *  - A null handle is refused with KVX_ERROR_INVALID_ARGUMENT.
  *  - An object may be used by one thread at a time; KVXterminate and KVXmsg may be called from any
  *    thread at any moment. Different environments, and different models of one environment, may be
@@ -471,6 +476,7 @@ void KVXfree(void *text);
  *
  * Batches of columns, rows or sets come in compressed sparse layout: item k has the entries from
  * beg[k] to beg[k+1]-1 of ind and val, the last item up to the total. Begins must not decrease.
+ * Coefficients of equal index in one item are summed; zeros are dropped.
  */
 
 /**
@@ -527,7 +533,9 @@ int KVXaddsos(KVXmodel *model, int numsos, int nummembers, const int *types, con
 int KVXgetsos(KVXmodel *model, int *nummembersP, int *types, int *beg, int *ind, double *weight,
               int start, int count);
 
-/* Deleters: num indices in any order; the remaining items are renumbered. */
+/* Deleters: num indices in any order; the remaining items are renumbered. A deleted variable
+ * disappears from SOS, quadratic terms and the linear part of an indicator; one that a general
+ * constraint depends on otherwise is refused. */
 int KVXdelvars(KVXmodel *model, int num, const int *ind);
 int KVXdelconstrs(KVXmodel *model, int num, const int *ind);
 int KVXdelsos(KVXmodel *model, int num, const int *ind);
@@ -800,9 +808,10 @@ int KVXsetcallbackfunc(KVXmodel *model, KVXcallback callback, void *userdata);
 /** Solves the model. A limit, an interruption or infeasibility is not a failure: the status is 0
  * and the attribute "Status" tells. */
 int KVXoptimize(KVXmodel *model);
-/** Starts to solve the model on a thread of the library's own. Until KVXsync every other call on
- * the model but KVXterminate and, inside callbacks, the KVXcb functions, "Status" and "Runtime" is
- * refused with KVX_ERROR_IN_PROGRESS. */
+/** Starts to solve the model on a thread of the library's own. Until KVXsync calls that would change
+ * the model or its parameters are refused with KVX_ERROR_IN_PROGRESS. Its data can be read, and
+ * "Status" and "Runtime"; other attributes of the solution give KVX_ERROR_DATA_NOT_AVAILABLE. The
+ * same holds inside the callbacks of any run. */
 int KVXoptimizeasync(KVXmodel *model);
 /** Waits for the end of a background run and returns its status; 0 when there was none.
  * KVX_ERROR_IN_PROGRESS inside a callback of that run. */
