@@ -29,28 +29,6 @@ __attribute__((weak)) int KVXfeasrelax(KVXmodel *, int, int, const double *, con
                                        const double *, double *) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
-__attribute__((weak)) int KVXreadmodel(KVXenv *, const char *, KVXmodel **) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXread(KVXmodel *, const char *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXwrite(KVXmodel *, const char *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXismodelfile(const char *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXisattrfile(const char *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXgetjsonsolution(KVXmodel *, char **) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) void KVXfree(void *) {}
-__attribute__((weak)) int KVXtunemodel(KVXmodel *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
 __attribute__((weak)) int KVXgettuneresult(KVXmodel *, int) {
     return KVX_ERROR_NOT_SUPPORTED;
 }

@@ -1,0 +1,78 @@
+// The solution as JSON.
+#include "guard.h"
+#include "text.h"
+#include "textfile.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+namespace korvex {
+namespace {
+
+const char *statusWord(int status) {
+    static const char *const words[] = {
+        "loaded",     "optimal",    "infeasible",      "unbounded",      "infeasible_or_unbounded",
+        "time_limit", "node_limit", "iteration_limit", "solution_limit", "interrupted",
+        "numeric",    "in_progress"};
+    return words[status - KVX_STATUS_LOADED];
+}
+
+// JSON has no infinities: null stands for them.
+nlohmann::ordered_json finite(double value) {
+    if (!(std::fabs(value) < KVX_INFINITY))
+        return nullptr;
+    return value;
+}
+
+double gap(const Solution &solution) {
+    double difference = std::fabs(solution.objval - solution.bound);
+    return difference == 0 ? 0 : difference / std::max(1e-10, std::fabs(solution.objval));
+}
+
+} // namespace
+
+// After any run; a variable that isn't listed is 0.
+std::string solutionAsJson(const KVXmodel &model) {
+    const Solution &solution = model.solution;
+    if (solution.status == KVX_STATUS_LOADED)
+        fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the model has not been solved");
+    nlohmann::ordered_json result = {
+        {"status", statusWord(solution.status)},
+        {"objective", solution.hasX ? finite(solution.objval) : nullptr},
+        {"bound", finite(solution.bound)},
+        {"gap", solution.hasX ? finite(gap(solution)) : nullptr},
+        {"solutions", solution.solutions},
+        {"nodes", solution.nodes},
+        {"iterations", solution.iterations},
+        {"runtime", solution.runtime},
+        {"variables", nlohmann::ordered_json::array()},
+    };
+    for (size_t j = 0; solution.hasX && j < solution.x.size(); j++)
+        if (solution.x[j] != 0)
+            result["variables"].push_back({{"name", validUtf8(varName(model, static_cast<int>(j)))},
+                                           {"value", finite(solution.x[j])}});
+    return result.dump(2) + "\n";
+}
+
+} // namespace korvex
+
+using namespace korvex;
+
+int KVXgetjsonsolution(KVXmodel *model, char **textP) {
+    return guarded(model, [&] {
+        needed(textP, "textP");
+        std::string text = solutionAsJson(*model);
+        char *copy = strdup(text.c_str());
+        if (!copy)
+            throw std::bad_alloc();
+        *textP = copy;
+    });
+}
+
+void KVXfree(void *text) {
+    std::free(text);
+}
