@@ -274,4 +274,34 @@ public final class KVX {
     public static final int GENCONSTR_LOGISTIC = 17;
     /** "GenConstrType". */
     public static final int GENCONSTR_NL = 18;
+    /** Operation of an expression tree: leaf: its data is the number. */
+    public static final int NL_CONSTANT = 0;
+    /** Operation of an expression tree: leaf: its data is the variable's index. */
+    public static final int NL_VARIABLE = 1;
+    /** Operation of an expression tree: sum of any number of operands. */
+    public static final int NL_PLUS = 2;
+    /** Operation of an expression tree. */
+    public static final int NL_MINUS = 3;
+    /** Operation of an expression tree: product of any number of operands. */
+    public static final int NL_MULTIPLY = 4;
+    /** Operation of an expression tree. */
+    public static final int NL_DIVIDE = 5;
+    /** Operation of an expression tree. */
+    public static final int NL_NEGATE = 6;
+    /** Operation of an expression tree. */
+    public static final int NL_POWER = 7;
+    /** Operation of an expression tree. */
+    public static final int NL_SQRT = 8;
+    /** Operation of an expression tree. */
+    public static final int NL_EXP = 9;
+    /** Operation of an expression tree: natural logarithm. */
+    public static final int NL_LOG = 10;
+    /** Operation of an expression tree. */
+    public static final int NL_SIN = 11;
+    /** Operation of an expression tree. */
+    public static final int NL_COS = 12;
+    /** Operation of an expression tree. */
+    public static final int NL_TAN = 13;
+    /** Operation of an expression tree. */
+    public static final int NL_LOGISTIC = 14;
 }

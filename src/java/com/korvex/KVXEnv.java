@@ -100,12 +100,12 @@ public final class KVXEnv implements AutoCloseable {
     public KVXParams params() { return new KVXParams(handle, env -> env); }
 
     /**
-     * Writes a text to the log.
+     * Writes a line to the log.
      *
-     * @param text the text
+     * @param text the line, without a line feed
      */
     public void message(String text) {
-        logging(() -> handle.call(env -> KorvexJni.message(env, text)));
+        logging(() -> handle.call(env -> KorvexJni.message(env, text + "\n")));
     }
 
     /**

@@ -1,0 +1,66 @@
+package com.korvex;
+
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.concurrent.TimeUnit;
+
+/** A program that ran: its exit status and what it wrote. */
+record Launch(int status, List<String> out, String err) {
+    /** What a test does to the program while it runs. */
+    interface Meddling {
+        void with(Process process) throws Exception;
+    }
+
+    static Launch of(String... command) throws Exception {
+        return of(List.of(command), process -> {});
+    }
+
+    static Launch of(List<String> command, Meddling meddling) throws Exception {
+        Path out = Files.createTempFile("launch", ".out");
+        Path err = Files.createTempFile("launch", ".err");
+        try {
+            Process process = new ProcessBuilder(command)
+                                  .redirectOutput(out.toFile())
+                                  .redirectError(err.toFile())
+                                  .start();
+            meddling.with(process);
+            if (!process.waitFor(120, TimeUnit.SECONDS)) {
+                process.destroyForcibly();
+                throw new AssertionError(command + " doesn't end");
+            }
+            return new Launch(process.exitValue(), Files.readAllLines(out, StandardCharsets.UTF_8),
+                              Files.readString(err, StandardCharsets.UTF_8));
+        } finally {
+            Files.delete(out);
+            Files.delete(err);
+        }
+    }
+
+    /** Runs an example program with this virtual machine's settings. */
+    static Launch java(List<String> options, String main, String... args) throws Exception {
+        return of(javaCommand(options, main, args), process -> {});
+    }
+
+    static List<String> javaCommand(List<String> options, String main, String... args) {
+        String lib = System.getProperty("java.library.path");
+        List<String> command = new ArrayList<>(
+            List.of(Path.of(System.getProperty("java.home"), "bin", "java").toString(),
+                    "-Djava.library.path=" + lib,
+                    "-Dkorvex.examples=" + System.getProperty("korvex.examples")));
+        command.addAll(options);
+        command.addAll(List.of("-cp", lib + "/solve.jar", main));
+        command.addAll(List.of(args));
+        return command;
+    }
+
+    /** The rest of the line that begins with a label. */
+    String value(String label) {
+        for (String line : out)
+            if (line.startsWith(label + ": "))
+                return line.substring(label.length() + 2);
+        throw new AssertionError("no line \"" + label + ":\" in " + out + err);
+    }
+}

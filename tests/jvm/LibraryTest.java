@@ -1,0 +1,95 @@
+package com.korvex;
+
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import java.lang.reflect.Field;
+import java.lang.reflect.Modifier;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.HashSet;
+import java.util.List;
+import java.util.Set;
+import java.util.TreeMap;
+import java.util.TreeSet;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.io.TempDir;
+
+/** The shared library as it lies on disk, and how it is loaded. */
+class LibraryTest {
+    private static final Path LIBRARY =
+        Path.of(System.getProperty("java.library.path"), "libkorvexjni130.so");
+
+    @Test
+    void exportsAreTheDeclaredNatives() throws Exception {
+        Set<String> declared =
+            Stream.of(KorvexJni.class, KVXModel.class, KVXEnv.class, KVXBatch.class)
+                .flatMap(c -> Stream.of(c.getDeclaredMethods()))
+                .filter(m -> Modifier.isNative(m.getModifiers()))
+                .map(m
+                     -> "Java_com_korvex_" + m.getDeclaringClass().getSimpleName() + "_" +
+                            m.getName())
+                .collect(Collectors.toCollection(TreeSet::new));
+        Set<String> exported = Launch.of("nm", "-D", "--defined-only", LIBRARY.toString())
+                                   .out()
+                                   .stream()
+                                   .map(line -> line.replaceFirst(".* ", ""))
+                                   .collect(Collectors.toCollection(TreeSet::new));
+        assertEquals(declared, exported);
+        assertEquals(155, exported.size());
+    }
+
+    @Test
+    void needsNothingButTheCLibraryAndTheSolverBesideIt() throws Exception {
+        TreeSet<String> entries = new TreeSet<>();
+        for (String line : Launch.of("readelf", "-d", LIBRARY.toString()).out()) {
+            Matcher m = Pattern.compile("\\((NEEDED|RUNPATH|RPATH)\\).*\\[(.*)\\]").matcher(line);
+            if (m.find())
+                entries.add(m.group(1) + " " + m.group(2));
+        }
+        assertEquals(Set.of("NEEDED libc.so.6", "NEEDED libkorvex130.so", "RUNPATH $ORIGIN"),
+                     entries);
+    }
+
+    @Test
+    void constantsAreThoseOfTheHeader() throws Exception {
+        TreeMap<String, Double> header = new TreeMap<>();
+        Matcher m = Pattern.compile("(?m)^#define KVX_(\\w+) +\\(?('.'|[-0-9.e]+)\\)?( .*)?$")
+                        .matcher(Files.readString(Path.of(System.getProperty("korvex.header"))));
+        while (m.find())
+            header.put(m.group(1), m.group(2).startsWith("'") ? (double)m.group(2).charAt(1)
+                                                              : Double.parseDouble(m.group(2)));
+        header.keySet().removeAll(Set.of("INTERFACE_JAVA", "TEXT_SIZE")); // of the bridge alone
+        TreeMap<String, Double> java = new TreeMap<>();
+        for (Field field : KVX.class.getFields()) {
+            Object value = field.get(null);
+            java.put(field.getName(), value instanceof Character ? (double)(Character)value
+                                                                 : ((Number)value).doubleValue());
+        }
+        Set<Object> differences = new HashSet<>(header.entrySet());
+        differences.addAll(java.entrySet());
+        differences.removeIf(
+            entry -> header.entrySet().contains(entry) && java.entrySet().contains(entry));
+        assertEquals(Set.of(), differences);
+    }
+
+    @Test
+    void missingLibrariesAreNamedWithTheWayOut(@TempDir Path empty) throws Exception {
+        Launch missing = Launch.java(List.of("-Djava.library.path=" + empty), "Solve");
+        assertEquals(1, missing.status());
+        assertTrue(missing.err().contains("libkorvexjni130.so is in no directory of "
+                                          + "java.library.path (" + empty),
+                   missing.err());
+        // The bridge without the solver beside it.
+        Files.copy(LIBRARY, empty.resolve(LIBRARY.getFileName()));
+        Launch alone = Launch.java(List.of("-Djava.library.path=" + empty), "Solve");
+        assertEquals(1, alone.status());
+        assertTrue(alone.err().contains("libkorvex130.so, must lie beside it or in a directory of "
+                                        + "the environment variable LD_LIBRARY_PATH"),
+                   alone.err());
+    }
+}
