@@ -78,7 +78,7 @@ bool hasNoBlanks(std::string_view name) {
 // Without a line, constraints are basic and variables at their lower bound. A line XU or XL makes a
 // variable basic and puts a constraint at a bound instead; UL puts a variable at its upper bound.
 std::string writeBasis(const KVXmodel &model) {
-    if (!model.hasBasis && !model.solution.hasBasis)
+    if (!model.hasBasis)
         fail(KVX_ERROR_DATA_NOT_AVAILABLE, "there is no basis");
     Names vars(model, model.vars.size(), varName, hasNoBlanks);
     Names constrs(model, model.constrs.size(), constrName, hasNoBlanks);
@@ -191,7 +191,11 @@ void writeByEnding(const KVXmodel &model, const std::string &filename) {
 
 void writeResultFile(const KVXmodel &model) {
     const std::string &filename = strParam(model.env, "ResultFile");
-    if (!filename.empty())
+    Format format = formatOf(filename);
+    bool available = format == Format::solution ? model.solution.hasX
+                     : format == Format::basis  ? model.hasBasis
+                                                : true;
+    if (!filename.empty() && available)
         writeByEnding(model, filename);
 }
 

@@ -1,11 +1,11 @@
 // The solution as JSON.
 #include "guard.h"
+#include "run.h"
 #include "text.h"
 #include "textfile.h"
 
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -28,11 +28,6 @@ nlohmann::ordered_json finite(double value) {
     return value;
 }
 
-double gap(const Solution &solution) {
-    double difference = std::fabs(solution.objval - solution.bound);
-    return difference == 0 ? 0 : difference / std::max(1e-10, std::fabs(solution.objval));
-}
-
 } // namespace
 
 // After any run; a variable that isn't listed is 0.
@@ -44,7 +39,7 @@ std::string solutionAsJson(const KVXmodel &model) {
         {"status", statusWord(solution.status)},
         {"objective", solution.hasX ? finite(solution.objval) : nullptr},
         {"bound", finite(solution.bound)},
-        {"gap", solution.hasX ? finite(gap(solution)) : nullptr},
+        {"gap", solution.hasX ? finite(relativeGap(solution.objval, solution.bound)) : nullptr},
         {"solutions", solution.solutions},
         {"nodes", solution.nodes},
         {"iterations", solution.iterations},

@@ -1,6 +1,7 @@
 #include "optimize.h"
 
 #include "guard.h"
+#include "textfile.h"
 
 #include <algorithm>
 
@@ -118,6 +119,8 @@ void optimize(Run &run) {
     }
     store(run, outcome);
     sayEnd(run, run.model.solution);
+    run.model.solution.runtime = run.elapsed();
+    writeResultFile(run.model);
 }
 
 } // namespace korvex

@@ -83,3 +83,6 @@ __attribute__((weak)) int KVXwritebatchjsonsolution(KVXbatch *, const char *) {
 __attribute__((weak)) int KVXconverttofixed(KVXmodel *) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
+__attribute__((weak)) int KVXtunemodel(KVXmodel *) {
+    return KVX_ERROR_NOT_SUPPORTED;
+}

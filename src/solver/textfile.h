@@ -68,7 +68,8 @@ ModelData readLp(const std::string &filename);
 std::string writeLp(const ModelData &model);
 std::string solutionAsJson(const KVXmodel &model);
 
-// Writes the file that the parameter "ResultFile" names, if it names one.
+// Writes the file that the parameter "ResultFile" names, if it names one and the run that has ended
+// found what belongs in it.
 void writeResultFile(const KVXmodel &model);
 
 } // namespace korvex

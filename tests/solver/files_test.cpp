@@ -2,6 +2,8 @@
 // text, and leaves everything as it was.
 #include "solver_case.h"
 
+#include <nlohmann/json.hpp>
+
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -224,6 +226,35 @@ TEST_F(Files, attributeFilesAreReadWholeOrNotAtAll) {
     EXPECT_TRUE(std::equal(rows, rows + 5, status));
     EXPECT_EQ(KVXgetdblparam(KVXgetenv(other.get()), "MIPGap", got), 0);
     EXPECT_EQ(got[0], 0.123);
+}
+
+// The result of a run, as the parameter "ResultFile" asks for it and on request.
+TEST_F(Files, resultsAreWritten) {
+    Model model = read("a.lp", "max\n 2 x + y + 0.5 \"q\nst\n c: x + y <= 4\n d: x - \"q >= 1\n"
+                               "bounds\n x <= 3\n \"q <= 0\nend\n");
+    ASSERT_TRUE(model) << message;
+    EXPECT_EQ(KVXsetstrparam(KVXgetenv(model.get()), "ResultFile", path("r.json").c_str()), 0);
+    MUST(model, KVXoptimize(model.get()));
+    auto json = nlohmann::json::parse(contents("r.json"));
+    EXPECT_EQ(json["status"], "optimal");
+    EXPECT_EQ(json["objective"], 7);
+    EXPECT_EQ(json["gap"], 0);
+    EXPECT_EQ(json["variables"].dump(), R"([{"name":"x","value":3.0},{"name":"y","value":1.0}])");
+    write(model, "r.sol.gz");
+    EXPECT_EQ(KVXread(model.get(), path("r.sol.gz").c_str()), 0);
+    double start[3];
+    EXPECT_EQ(KVXgetdblattrarray(model.get(), "Start", 0, 3, start), 0);
+    EXPECT_EQ(start[0], 3);
+    EXPECT_EQ(start[2], 0);
+
+    EXPECT_EQ(KVXsetdblattrelement(model.get(), "LB", 0, 3), 0);
+    EXPECT_EQ(KVXsetdblattrelement(model.get(), "RHS", 0, 2), 0);
+    MUST(model, KVXoptimize(model.get()));
+    json = nlohmann::json::parse(contents("r.json"));
+    EXPECT_EQ(json["status"], "infeasible");
+    EXPECT_TRUE(json["objective"].is_null());
+    EXPECT_EQ(KVXsetstrparam(KVXgetenv(model.get()), "ResultFile", "/nowhere/r.sol"), 0);
+    MUST(model, KVXoptimize(model.get())) << "there is no solution to write";
 }
 
 // Whatever is done to a file, reading it ends in a model or in a text.
