@@ -11,50 +11,33 @@ using namespace korvex;
 namespace {
 
 struct DatumType {
-    int what, type;
-    bool vector = false;
+    int type;
+    bool vector;
 };
 
-constexpr DatumType datumTypes[] = {
-    {KVX_CB_RUNTIME, KVX_TYPE_DOUBLE},
-    {KVX_CB_PRE_COLDEL, KVX_TYPE_INT},
-    {KVX_CB_PRE_ROWDEL, KVX_TYPE_INT},
-    {KVX_CB_SPX_ITERATIONS, KVX_TYPE_DOUBLE},
-    {KVX_CB_SPX_OBJVAL, KVX_TYPE_DOUBLE},
-    {KVX_CB_SPX_PRIMINF, KVX_TYPE_DOUBLE},
-    {KVX_CB_SPX_DUALINF, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIP_OBJBEST, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIP_OBJBOUND, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIP_NODES, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIP_SOLCOUNT, KVX_TYPE_INT},
-    {KVX_CB_MIP_OPENNODES, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIP_ITERATIONS, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIPSOL_SOL, KVX_TYPE_DOUBLE, true},
-    {KVX_CB_MIPSOL_OBJ, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIPSOL_OBJBEST, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIPSOL_OBJBOUND, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIPSOL_NODES, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIPSOL_SOLCOUNT, KVX_TYPE_INT},
-    {KVX_CB_MIPNODE_STATUS, KVX_TYPE_INT},
-    {KVX_CB_MIPNODE_REL, KVX_TYPE_DOUBLE, true},
-    {KVX_CB_MIPNODE_OBJBEST, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIPNODE_OBJBOUND, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIPNODE_NODES, KVX_TYPE_DOUBLE},
-    {KVX_CB_MIPNODE_SOLCOUNT, KVX_TYPE_INT},
-    {KVX_CB_MSG_STRING, KVX_TYPE_STRING},
-    {KVX_CB_IIS_CONSTRS, KVX_TYPE_INT},
-    {KVX_CB_IIS_UNDECIDED, KVX_TYPE_INT},
-    {KVX_CB_MULTIOBJ_SOLVED, KVX_TYPE_INT},
-    {KVX_CB_MULTIOBJ_OBJVAL, KVX_TYPE_DOUBLE},
-    {KVX_CB_MULTIOBJ_SOL, KVX_TYPE_DOUBLE, true},
-    {KVX_CB_TUNE_TRIAL, KVX_TYPE_INT},
-    {KVX_CB_TUNE_TRIALS, KVX_TYPE_INT},
-};
+// What can be asked for, by the type in which it comes.
+constexpr int ints[] = {KVX_CB_PRE_COLDEL,      KVX_CB_PRE_ROWDEL,     KVX_CB_MIP_SOLCOUNT,
+                        KVX_CB_MIPSOL_SOLCOUNT, KVX_CB_MIPNODE_STATUS, KVX_CB_MIPNODE_SOLCOUNT,
+                        KVX_CB_IIS_CONSTRS,     KVX_CB_IIS_UNDECIDED,  KVX_CB_MULTIOBJ_SOLVED,
+                        KVX_CB_TUNE_TRIAL,      KVX_CB_TUNE_TRIALS};
+constexpr int doubles[] = {KVX_CB_RUNTIME,          KVX_CB_SPX_ITERATIONS, KVX_CB_SPX_OBJVAL,
+                           KVX_CB_SPX_PRIMINF,      KVX_CB_SPX_DUALINF,    KVX_CB_MIP_OBJBEST,
+                           KVX_CB_MIP_OBJBOUND,     KVX_CB_MIP_NODES,      KVX_CB_MIP_OPENNODES,
+                           KVX_CB_MIP_ITERATIONS,   KVX_CB_MIPSOL_OBJ,     KVX_CB_MIPSOL_OBJBEST,
+                           KVX_CB_MIPSOL_OBJBOUND,  KVX_CB_MIPSOL_NODES,   KVX_CB_MIPNODE_OBJBEST,
+                           KVX_CB_MIPNODE_OBJBOUND, KVX_CB_MIPNODE_NODES,  KVX_CB_MULTIOBJ_OBJVAL};
+constexpr int vectors[] = {KVX_CB_MIPSOL_SOL, KVX_CB_MIPNODE_REL, KVX_CB_MULTIOBJ_SOL};
 
-const DatumType &datumType(int what) {
-    for (const DatumType &type : datumTypes)
-        if (type.what == what)
-            return type;
+DatumType datumType(int what) {
+    auto isIn = [&](auto &codes) {
+        return std::find(std::begin(codes), std::end(codes), what) != std::end(codes);
+    };
+    if (what == KVX_CB_MSG_STRING)
+        return {KVX_TYPE_STRING, false};
+    if (isIn(ints))
+        return {KVX_TYPE_INT, false};
+    if (isIn(doubles) || isIn(vectors))
+        return {KVX_TYPE_DOUBLE, isIn(vectors)};
     fail(KVX_ERROR_INVALID_ARGUMENT, "there is no what code %d", what);
 }
 
@@ -97,7 +80,7 @@ int setRunParam(void *cbdata, const char *name, const ParameterValue &value) {
 
 int KVXgetcbwhatinfo(void *cbdata, int what, int *type, int *vector) {
     return guardedCallback(cbdata, [&](Run &) {
-        const DatumType &datum = datumType(what);
+        const DatumType datum = datumType(what);
         *needed(type, "type") = datum.type;
         *needed(vector, "vector") = datum.vector;
     });
@@ -109,7 +92,7 @@ int KVXcbget(void *cbdata, int where, int what, void *result) {
         if (where != occasion.where)
             fail(KVX_ERROR_INVALID_ARGUMENT, "the callback was called for the code %d, not %d",
                  occasion.where, where);
-        const DatumType &type = datumType(what);
+        const DatumType type = datumType(what);
         if (what >= 1000 && what / 1000 != where)
             fail(KVX_ERROR_DATA_NOT_AVAILABLE, "what code %d doesn't belong to where code %d", what,
                  where);

@@ -170,6 +170,9 @@ void renumberVariables(GeneralConstraint &constr, const std::vector<int> &number
 // KVX_ERROR_IN_PROGRESS inside one of its callbacks.
 void endRun(KVXmodel &model);
 
+// run.cpp: the attribute "Status"; a background run's is there before KVXsync.
+int currentStatus(const KVXmodel &model);
+
 // The name of an element, made of its index when it has none.
 std::string varName(const ModelData &model, int index);
 std::string constrName(const ModelData &model, int index);

@@ -3,35 +3,26 @@
 #include "guard.h"
 #include "textfile.h"
 
-#include <algorithm>
+#include <cmath>
 
 namespace korvex {
 namespace {
 
-const char *statusText(int status) {
-    switch (status) {
-    case KVX_STATUS_OPTIMAL:
-        return "Optimal solution found";
-    case KVX_STATUS_INFEASIBLE:
-        return "Model is infeasible";
-    case KVX_STATUS_UNBOUNDED:
-        return "Model is unbounded";
-    case KVX_STATUS_INFEASIBLE_OR_UNBOUNDED:
-        return "Model is infeasible or unbounded";
-    case KVX_STATUS_TIME_LIMIT:
-        return "Time limit reached";
-    case KVX_STATUS_NODE_LIMIT:
-        return "Node limit reached";
-    case KVX_STATUS_ITERATION_LIMIT:
-        return "Iteration limit reached";
-    case KVX_STATUS_SOLUTION_LIMIT:
-        return "Solution limit reached";
-    case KVX_STATUS_INTERRUPTED:
-        return "Interrupted";
-    default:
-        return "Stopped by numerical trouble";
-    }
-}
+// By status.
+const char *const statusTexts[] = {
+    "",
+    "Model is loaded",
+    "Optimal solution found",
+    "Model is infeasible",
+    "Model is unbounded",
+    "Model is infeasible or unbounded",
+    "Time limit reached",
+    "Node limit reached",
+    "Iteration limit reached",
+    "Solution limit reached",
+    "Interrupted",
+    "Stopped by numerical trouble",
+};
 
 // Refuses what can't be solved.
 void check(const KVXmodel &model) {
@@ -52,8 +43,9 @@ void sayHead(Run &run) {
 }
 
 void sayEnd(Run &run, const Solution &solution) {
-    run.say("%s: %.0f iterations, %.0f nodes, %s seconds", statusText(solution.status),
-            solution.iterations, solution.nodes, shown(run.elapsed()).c_str());
+    run.say("%s: %.0f iterations, %.0f nodes, %s seconds", statusTexts[solution.status],
+            solution.iterations, solution.nodes,
+            shown(std::round(100 * run.elapsed()) / 100).c_str());
     if (solution.hasX)
         run.say("Objective %s, bound %s, gap %s %%", shown(solution.objval).c_str(),
                 shown(solution.bound).c_str(),
@@ -69,6 +61,7 @@ void store(Run &run, const Outcome &outcome) {
     };
     Solution &solution = model.solution;
     solution.status = outcome.status;
+    solution.runtime = run.elapsed();
     solution.bound = run.bound;
     solution.nodes = run.nodes;
     solution.iterations = run.iterations;
@@ -101,6 +94,7 @@ void store(Run &run, const Outcome &outcome) {
 } // namespace
 
 void optimize(Run &run) {
+    run.model.solution = {};
     check(run.model);
     sayHead(run);
     Problem problem(run.model);
@@ -119,7 +113,6 @@ void optimize(Run &run) {
     }
     store(run, outcome);
     sayEnd(run, run.model.solution);
-    run.model.solution.runtime = run.elapsed();
     writeResultFile(run.model);
 }
 

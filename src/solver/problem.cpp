@@ -6,6 +6,8 @@
 namespace korvex {
 namespace {
 
+constexpr double integerTolerance = 1e-9; // of an integer variable's bounds
+
 double bound(double value) {
     return std::abs(value) >= KVX_INFINITY ? std::copysign(COIN_DBL_MAX, value) : value;
 }
@@ -28,6 +30,10 @@ Problem::Problem(const ModelData &model) : sense(model.objsense), constant(sense
         if (var.type == KVX_BINARY) {
             lb = std::max(lb, 0.0);
             ub = std::min(ub, 1.0);
+        }
+        if (discrete) {
+            lb = std::ceil(lb - integerTolerance);
+            ub = std::floor(ub + integerTolerance);
         }
         cost.push_back(sense * var.obj);
         lower.push_back(lb);

@@ -1,5 +1,6 @@
 #include "run.h"
 
+#include "attributes.h"
 #include "guard.h"
 #include "log.h"
 #include "optimize.h"
@@ -45,6 +46,9 @@ class BackgroundRuns {
     }
 
   private:
+    // What a callback may use must be older than this object to live longer.
+    BackgroundRuns() { attributeTable(); }
+
     std::mutex mutex;
     std::condition_variable changed;
     std::set<KVXmodel *> models;
@@ -52,7 +56,6 @@ class BackgroundRuns {
 
 void begin(KVXmodel &model) {
     model.run = std::make_shared<Run>(model);
-    model.solution = {};
     model.runStart = std::chrono::steady_clock::now();
     model.running = true;
 }
@@ -214,7 +217,7 @@ void Run::conduct(const std::function<void(Run &)> &operation) {
         if (callbackStatus)
             fail(callbackStatus, "the callback ended the run with status %d", callbackStatus);
     });
-    model.solution.runtime = elapsed();
+    finished = true;
 }
 
 int perform(KVXmodel *model, const std::function<void(Run &)> &operation) {
@@ -226,6 +229,10 @@ int perform(KVXmodel *model, const std::function<void(Run &)> &operation) {
         if (run->result)
             throw Failure{run->result, run->error};
     });
+}
+
+int currentStatus(const KVXmodel &model) {
+    return !model.running || model.run->finished ? model.solution.status : KVX_STATUS_IN_PROGRESS;
 }
 
 void endRun(KVXmodel &model) {

@@ -89,6 +89,7 @@ class Run {
     std::thread thread; // of a background run
     int result = 0;     // status and error text of the operation
     std::string error;
+    std::atomic<bool> finished{false};
 
   private:
     void progress(double now);

@@ -133,6 +133,7 @@ Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
         if (lp.status() == infeasible || lp.status() == unbounded)
             break;
     }
+    run.iterations = std::max(run.iterations, 1.0 * lp.numberIterations());
     if (!settled()) {
         outcome.status = run.stopped()               ? run.stopped()
                          : lp.status() == infeasible ? KVX_STATUS_INFEASIBLE
@@ -143,12 +144,12 @@ Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
     outcome.status = KVX_STATUS_OPTIMAL;
     outcome.x = point();
     outcome.objective = problem.objective(outcome.x);
-    for (size_t j = 0; j < problem.cost.size(); j++) {
-        outcome.reducedCosts.push_back(problem.sense * lp.dualColumnSolution()[j]);
+    for (size_t j = 0; j < problem.cost.size(); j++) { // The zero makes a negative zero positive.
+        outcome.reducedCosts.push_back(problem.sense * lp.dualColumnSolution()[j] + 0.0);
         outcome.basis.push_back(fromClp(lp.getColumnStatus(static_cast<int>(j))));
     }
     for (size_t i = 0; i < problem.rowLower.size(); i++) {
-        outcome.duals.push_back(problem.sense * lp.dualRowSolution()[i]);
+        outcome.duals.push_back(problem.sense * lp.dualRowSolution()[i] + 0.0);
         outcome.rowBasis.push_back(fromClp(lp.getRowStatus(static_cast<int>(i))));
     }
     return outcome;
