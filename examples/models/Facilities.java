@@ -8,7 +8,7 @@ import java.util.Random;
  * customer is served and no warehouse delivers more than its capacity, and nothing if it is closed.
  *
  * <p>Usage: {@code java Facilities.java WAREHOUSES CUSTOMERS SEED > FILE}. The file
- * facilities.mps was made with {@code 20 40 1}.
+ * facilities.mps was made with {@code 40 80 3}.
  */
 public final class Facilities {
     /**
@@ -39,12 +39,12 @@ public final class Facilities {
         for (int i = 0; i < warehouses; i++)
             mps.append(" L CAP").append(i).append('\n');
 
-        mps.append("COLUMNS\n MARKER MARKER 'MARKER' 'INTORG'\n");
+        mps.append("COLUMNS\n MARKER 'MARKER' 'INTORG'\n");
         for (int i = 0; i < warehouses; i++) {
             int fixed = 3 * capacity[i] + 100 + random.nextInt(150);
             mps.append(String.format(" OPEN%d COST %d CAP%d %d\n", i, fixed, i, -capacity[i]));
         }
-        mps.append(" MARKER MARKER 'MARKER' 'INTEND'\n");
+        mps.append(" MARKER 'MARKER' 'INTEND'\n");
         for (int i = 0; i < warehouses; i++) {
             for (int j = 0; j < customers; j++) {
                 double distance = Math.hypot(from[i][0] - to[j][0], from[i][1] - to[j][1]);

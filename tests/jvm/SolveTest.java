@@ -1,0 +1,116 @@
+package com.korvex;
+
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+import static org.junit.jupiter.api.DynamicTest.dynamicTest;
+
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.List;
+import java.util.concurrent.TimeUnit;
+import java.util.stream.Stream;
+import org.junit.jupiter.api.DynamicTest;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.TestFactory;
+import org.junit.jupiter.api.io.TempDir;
+
+/** The command line of the solve program. */
+class SolveTest {
+    private static final Path MODELS = Path.of(System.getProperty("korvex.examples"), "models");
+    private static final String BAKERY = MODELS.resolve("bakery.lp").toString();
+    private static final String SHIFTS = MODELS.resolve("shifts.lp").toString();
+    private static final String UNBOUNDED = "Maximize\n x + y\nSubject To\n c: x - y <= 1\nEnd\n";
+
+    @TempDir static Path directory;
+
+    private static String file(String name, String text) throws Exception {
+        return Files.writeString(directory.resolve(name), text).toString();
+    }
+
+    @TestFactory
+    Stream<DynamicTest> statusesAndExits() throws Exception {
+        String[][] rows = {
+            {"0", "optimal", BAKERY},
+            {"0", "optimal", BAKERY, "--async", "--log", "--set", "method=0"},
+            {"3", "infeasible", SHIFTS},
+            {"3", "unbounded", file("unbounded.lp", UNBOUNDED), "--quiet"},
+            {"4", "time_limit", "--time-limit", "0.2"},
+            {"4", "node_limit", "--set", "NodeLimit=1", "--threads", "1"},
+            {"4", "solution_limit", "--async", "--set", "SolutionLimit=1"},
+        };
+        return Stream.of(rows).map(
+            row -> dynamicTest(row[1], () -> {
+                String[] args = List.of(row).subList(2, row.length).toArray(new String[0]);
+                Launch run = Launch.java(List.of(), "Solve", args);
+                assertEquals(row[0] + " " + row[1], run.status() + " " + run.value("Status"));
+                assertEquals("", run.err());
+                assertEquals(row[0].equals("3"), run.value("Objective").equals("-"));
+                if (row[1].equals("optimal"))
+                    assertEquals(1073.1891891891892, Double.parseDouble(run.value("Objective")),
+                                 1e-6);
+            }));
+    }
+
+    @TestFactory
+    Stream<DynamicTest> badUsageIsSaidInOneLine() throws Exception {
+        String damaged = file("damaged.lp", "Minimize\n x\nSubject To\n c: x >= >= 1\nEnd\n");
+        String[][] rows = {
+            {"--bogus", "--bogus"},
+            {"needs a value", "--json"},
+            {"more than one model", BAKERY, SHIFTS},
+            {"NAME=VALUE", "--set", "Threads"},
+            {"nonsense", BAKERY, "--set", "nonsense=1"},
+            {"Threads", "--threads", "many"},
+            {"TimeLimit", "--time-limit", "-1"},
+            {"absent.mps", "absent.mps"},
+            {"damaged.lp, line 4", damaged},
+        };
+        return Stream.of(rows).map(
+            row -> dynamicTest(row[0], () -> {
+                String[] args = List.of(row).subList(1, row.length).toArray(new String[0]);
+                Launch run = Launch.java(List.of(), "Solve", args);
+                assertEquals(2, run.status());
+                assertEquals(List.of(), run.out());
+                assertTrue(run.err().contains(row[0]), run.err());
+                assertEquals(1, run.err().lines().count(), run.err());
+            }));
+    }
+
+    @Test
+    void helpNamesEveryOption() throws Exception {
+        Launch help = Launch.java(List.of(), "Solve", "--help");
+        assertEquals(0, help.status());
+        for (String option : List.of("--set", "--time-limit", "--threads", "--async", "--quiet",
+                                     "--json", "--write", "--help"))
+            assertTrue(String.join("\n", help.out()).contains(option), option);
+    }
+
+    @Test
+    void resultFiles() throws Exception {
+        String json = directory.resolve("result.json").toString();
+        String solution = directory.resolve("result.sol").toString();
+        Launch run = Launch.java(List.of(), "Solve", BAKERY, "--json", json, "--write", solution);
+        assertEquals(0, run.status(), run.err());
+        assertTrue(Files.readString(Path.of(json)).contains("\"objective\": 1073.18"));
+        assertTrue(Files.readString(Path.of(solution)).contains("white 24.3"));
+        Launch unwritable = Launch.java(List.of(), "Solve", BAKERY, "--json", "/no/such/file");
+        assertEquals(1, unwritable.status());
+        assertTrue(unwritable.err().contains("/no/such/file"), unwritable.err());
+    }
+
+    @Test
+    void anInterruptionStillReports() throws Exception {
+        for (String mode : List.of("--async", "--log")) {
+            Launch run = Launch.of(Launch.javaCommand(List.of(), "Solve", mode), process -> {
+                TimeUnit.MILLISECONDS.sleep(1500);
+                Launch.of("kill", "-INT", Long.toString(process.pid()));
+            });
+            assertEquals("4 interrupted", run.status() + " " + run.value("Status"));
+            double objective = Double.parseDouble(run.value("Objective"));
+            assertTrue(objective >= 7830.925 && objective < 9000, run.value("Objective"));
+            assertTrue(Double.parseDouble(run.value("Bound")) <= objective);
+            assertEquals(mode.equals("--async"),
+                         run.value("Callbacks").endsWith("on a thread of the solver's own"));
+        }
+    }
+}
