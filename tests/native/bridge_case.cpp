@@ -7,7 +7,6 @@
 #include "java_double.h"
 #include "solver_double.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -15,6 +14,20 @@
 #include <tuple>
 
 namespace {
+using Words = std::vector<std::string>;
+
+// The parts of a text between separators, without the blanks around them; empty ones don't count.
+Words split(const std::string &text, char separator) {
+    Words words;
+    std::istringstream stream(text);
+    for (std::string word; std::getline(stream, word, separator);) {
+        auto first = word.find_first_not_of(' ');
+        if (first != std::string::npos)
+            words.push_back(word.substr(first, word.find_last_not_of(' ') - first + 1));
+    }
+    return words;
+}
+
 // Makes arguments by type. Each type is numbered by itself (i1 is the first int), and a setting of
 // that name replaces the default.
 class Arguments {
@@ -30,8 +43,6 @@ class Arguments {
     int texts() { return numbers["s"]; }
 
   private:
-    std::string key, text;
-
     int number(const std::string &type) {
         int k = ++numbers[type];
         key = type + std::to_string(k);
@@ -40,22 +51,19 @@ class Arguments {
     }
 
     void make(jlong &value) {
-        int k = number("h");
-        value = text.empty() ? reinterpret_cast<jlong>(handle<void>(k)) : std::stol(text);
+        auto usual = reinterpret_cast<jlong>(handle<void>(number("h")));
+        value = text.empty() ? usual : std::stol(text);
     }
     void make(jint &value) {
-        int k = number("i");
-        value = text.empty() ? k + 1 : std::stoi(text);
+        int usual = number("i") + 1;
+        value = text.empty() ? usual : std::stoi(text);
     }
     void make(jdouble &value) { value = number("d") + 0.25; }
     // What exceeds a byte must get lost on the way to the solver.
-    void make(jchar &value) {
-        number("c");
-        value = 0x0100 + '<';
-    }
+    void make(jchar &value) { value = static_cast<jchar>(0x0100 + '<' + number("c") - 1); }
     void make(jstring &value) {
         number("s");
-        value = static_cast<jstring>(text == "null" ? nullptr : string(key)->reference());
+        value = static_cast<jstring>(text == "null" ? nullptr : java.make(key)->reference());
     }
     void make(jintArray &value) { value = array<jintArray, jint>("I", 1, 10); }
     void make(jdoubleArray &value) { value = array<jdoubleArray, jdouble>("D", 0.5, 10); }
@@ -66,9 +74,9 @@ class Arguments {
         int k = number("S");
         std::vector<Object *> elements;
         for (const std::string &name : listed())
-            elements.push_back(name == "null" ? nullptr : string(name));
+            elements.push_back(name == "null" ? nullptr : java.make(name));
         for (int i = 0; text.empty() && i < 4; ++i)
-            elements.push_back(string(static_cast<char>('a' + k - 1) + std::to_string(i)));
+            elements.push_back(java.make(static_cast<char>('a' + k - 1) + std::to_string(i)));
         value = reference<jobjectArray>(std::move(elements));
     }
 
@@ -93,42 +101,32 @@ class Arguments {
         return static_cast<A>(object->reference());
     }
 
-    // The words of a setting "[word word]".
-    std::vector<std::string> listed() {
-        std::vector<std::string> words;
-        if (text.size() > 2 && text[0] == '[') {
-            std::istringstream stream(text.substr(1, text.size() - 2));
-            for (std::string word; std::getline(stream, word, ',');)
-                words.push_back(word);
-        }
-        return words;
+    // The elements of a setting "[element,element]".
+    Words listed() {
+        return text[0] == '[' ? split(text.substr(1, text.size() - 2), ',') : Words();
     }
-
-    static Object *string(const std::string &text) { return java.make(text, text); }
 
     const Case &source;
     std::map<std::string, int> numbers;
+    std::string key, text; // of the argument at hand: "i1" and its setting
 };
 
 template <class R, class Receiver, class... A>
 void callExport(R (*function)(JNIEnv *, Receiver, A...), Arguments &arguments) {
     std::tuple<A...> values{arguments.next<A>()...};
-    auto *self = static_cast<Receiver>(java.self()->reference());
-    auto call = [&](A... value) { return function(java.env(), self, value...); };
+    auto *self = static_cast<Receiver>(java.self->reference());
+    auto call = [&](A... value) { return function(&java.env, self, value...); };
     if constexpr (std::is_void_v<R>) {
         std::apply(call, values);
+    } else if constexpr (std::is_same_v<R, jint>) {
+        ledger.note("= " + std::to_string(std::apply(call, values)));
+    } else if constexpr (std::is_same_v<R, jlong>) {
+        ledger.note("= " + showPointer(reinterpret_cast<void *>(std::apply(call, values))));
     } else {
-        R result = std::apply(call, values);
-        if constexpr (std::is_same_v<R, jint>) {
-            ledger.note("= " + std::to_string(result));
-        } else if constexpr (std::is_same_v<R, jlong>) {
-            ledger.note("= " + showPointer(reinterpret_cast<void *>(result)));
-        } else {
-            auto *text = reinterpret_cast<Object *>(result);
-            ledger.note("= " + (text ? text->name : "null"));
-            if (text)
-                --text->locals;
-        }
+        auto *text = reinterpret_cast<Object *>(std::apply(call, values));
+        ledger.note("= " + (text ? text->name : "null"));
+        if (text)
+            --text->locals;
     }
 }
 
@@ -147,65 +145,42 @@ const std::map<std::string, std::function<void(Arguments &)>> &exports() {
     return table;
 }
 
-std::vector<std::vector<int>> rowsOf(const std::string &text) {
-    std::vector<std::vector<int>> rows;
-    std::istringstream stream(text);
-    for (std::string row; std::getline(stream, row, '/');) {
-        rows.emplace_back();
-        std::istringstream numbers(row);
-        for (std::string number; std::getline(numbers, number, ',');)
-            rows.back().push_back(std::stoi(number));
-    }
-    return rows;
-}
-
 // What Java does in the end: turns its log off, waits for the run it started.
 void endWhatIsLeft() {
     ledger.plan = {};
-    solver.storesOnFailure = false;
-    JNIEnv *env = java.env();
-    auto model = reinterpret_cast<jlong>(handle<KVXmodel>(1));
+    auto object = reinterpret_cast<jlong>(handle<void>(1));
+    auto record = reinterpret_cast<jlong>(solver.callbackData);
     if (ledger.blockOf(solver.logData))
-        Java_com_korvex_KVXEnv_jniSetLogCB(env, java.self()->reference(), model, 0);
+        Java_com_korvex_KVXEnv_jniSetLogCB(&java.env, java.self->reference(), object, 0);
     if (ledger.blockOf(solver.callbackData))
-        Java_com_korvex_KorvexJni_sync(env, nullptr, model,
-                                       reinterpret_cast<jlong>(solver.callbackData), nullptr);
-}
-
-std::string trimmed(const std::string &text) {
-    auto first = text.find_first_not_of(' ');
-    return first == std::string::npos ? ""
-                                      : text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
-void addEvents(std::vector<std::string> &events, const std::string &line) {
-    std::istringstream stream(line);
-    for (std::string event; std::getline(stream, event, '|');)
-        if (!events.empty() && events.back().back() == ',')
-            events.back() += ' ' + trimmed(event);
-        else if (!trimmed(event).empty())
-            events.push_back(trimmed(event));
+        Java_com_korvex_KorvexJni_sync(&java.env, nullptr, object, record, nullptr);
 }
 
 // "name/KVXfunction name/KVXfunction: key=value key" makes a case for each name.
-std::vector<Case> casesOfHeader(const std::string &place, const std::string &header,
-                                const std::vector<std::string> &events) {
+void addCases(std::vector<Case> &cases, const std::string &place, const std::string &header,
+              const Words &events) {
     auto colon = header.find(':');
-    std::istringstream names(header.substr(0, colon));
-    std::istringstream words(colon == std::string::npos ? "" : header.substr(colon + 1));
     std::map<std::string, std::string> settings;
-    for (std::string word; words >> word;)
-        settings[word.substr(0, word.find('='))] =
-            word.find('=') == std::string::npos ? "yes" : word.substr(word.find('=') + 1);
-    std::vector<Case> cases;
-    for (std::string name; names >> name;) {
-        auto slash = name.find('/');
-        cases.push_back({place, name.substr(0, slash), settings, events});
+    for (const std::string &word :
+         split(colon == std::string::npos ? "" : header.substr(colon + 1), ' ')) {
+        Words pair = split(word, '=');
+        settings[pair[0]] = pair.size() > 1 ? pair[1] : "yes";
+    }
+    for (const std::string &name : split(header.substr(0, colon), ' ')) {
+        Words pair = split(name, '/');
+        cases.push_back({place, pair[0], settings, events});
         for (std::string &event : cases.back().events)
             if (event[0] == '$')
-                event = name.substr(slash + 1) + event.substr(1);
+                event = pair.back() + event.substr(1);
     }
-    return cases;
+}
+
+void addEvents(Words &events, const std::string &line) {
+    for (const std::string &event : split(line, '|'))
+        if (!events.empty() && events.back().back() == ',')
+            events.back() += ' ' + event;
+        else
+            events.push_back(event);
 }
 } // namespace
 
@@ -215,24 +190,21 @@ std::string Case::setting(const std::string &key, const std::string &otherwise) 
 }
 
 std::ostream &operator<<(std::ostream &out, const Case &shown) {
-    return out << shown.place;
+    return out << shown.place << " " << shown.function;
 }
 
-// A header starts in the first column and may go on for several lines; its events are indented,
-// with
-// '|' between them; a line that ends with a comma goes on in the next; '#' begins a comment line.
+std::vector<std::string> eventsOf(const std::string &text) {
+    Words events;
+    addEvents(events, text);
+    return events;
+}
+
 std::vector<Case> readCases(const std::string &directory) {
     std::vector<Case> cases;
     for (const auto &file : std::filesystem::directory_iterator(directory)) {
         std::ifstream in(file.path());
         std::string header, place;
-        std::vector<std::string> events;
-        auto finish = [&] {
-            auto more = casesOfHeader(place, header, events);
-            cases.insert(cases.end(), more.begin(), more.end());
-            header.clear();
-            events.clear();
-        };
+        Words events;
         int number = 0;
         for (std::string line; std::getline(in, line);) {
             ++number;
@@ -240,41 +212,42 @@ std::vector<Case> readCases(const std::string &directory) {
                 continue;
             if (line[0] == ' ') {
                 addEvents(events, line);
-            } else {
-                if (!events.empty())
-                    finish();
-                if (header.empty())
-                    place = file.path().stem().string() + "_" + std::to_string(number);
-                header += " " + line;
+                continue;
             }
+            if (!events.empty()) {
+                addCases(cases, place, header, events);
+                header.clear();
+                events.clear();
+            }
+            if (header.empty())
+                place = file.path().stem().string() + "_" + std::to_string(number);
+            header += " " + line;
         }
-        finish();
+        addCases(cases, place, header, events);
     }
     return cases;
 }
 
-std::vector<std::string> eventsOf(const std::string &text) {
-    std::vector<std::string> events;
-    addEvents(events, text);
-    return events;
-}
-
-Outcome run(const Case &which, const Plan &plan) {
+Outcome run(const Case &which, Plan plan) {
+    auto number = [&](const char *key, int otherwise) {
+        return std::stoi(which.setting(key, std::to_string(otherwise)));
+    };
+    plan.allocation = number("malloc", plan.allocation);
+    plan.fetch = number("fetch", plan.fetch);
+    plan.solverCall = number("solver", plan.solverCall);
     java.begin();
-    solver.begin();
-    Plan planned = plan;
-    planned.allocation = std::stoi(which.setting("malloc", std::to_string(plan.allocation)));
-    planned.fetch = std::stoi(which.setting("fetch", std::to_string(plan.fetch)));
-    planned.solverCall = std::stoi(which.setting("solver", std::to_string(plan.solverCall)));
-    planned.status = std::stoi(which.setting("status", std::to_string(plan.status)));
-    solver.ints = rowsOf(which.setting("ints", "2,3,4,5"));
-    solver.storesOnFailure = which.settings.count("stored");
     java.missing = which.setting("missing");
     java.noVM = which.settings.count("novm");
-    std::string text = which.setting("text", "text");
-    solver.text = text == "null" ? nullptr : text.c_str();
+    solver.begin();
+    solver.storesOnFailure = which.settings.count("stored");
+    solver.text = which.setting("text") == "null" ? nullptr : "text";
+    for (const std::string &row : split(which.setting("ints"), '/')) {
+        solver.ints.emplace_back();
+        for (const std::string &word : split(row, ','))
+            solver.ints.back().push_back(std::stoi(word));
+    }
 
-    ledger.begin(planned);
+    ledger.begin(plan);
     Arguments arguments(which);
     exports().at(which.function)(arguments);
     Outcome outcome{ledger.events, arguments.texts(), ledger.failed};

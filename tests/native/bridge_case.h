@@ -1,5 +1,15 @@
-// Cases in text files: an exported function, what is special about its arguments or surroundings,
-// and the events expected. Where a case says nothing else, arguments are recognisable values.
+// Cases in text files: exported functions, what is special about the arguments or the surroundings,
+// and the events expected.
+//
+//   name/KVXfunction name/KVXfunction: i1=0 D2=null ints=2,0 solver=1
+//     event | $(h1, 2) | = 0
+//
+// Headers and events may go on in further lines, an event after a comma; '$' is the name's KVX
+// function. Arguments are numbered by type: h handles, i ints, d doubles, c chars, s texts, and I,
+// D, C, L, S arrays of ints, doubles, chars, longs, texts. Without a setting they are recognisable
+// values. malloc, fetch and solver say which allocation, fetch or solver call fails; ints, what the
+// solver stores into single ints, a list for each call; stored, that it stores although it fails;
+// missing and novm, what the virtual machine doesn't have.
 #pragma once
 
 #include "ledger.h"
@@ -30,6 +40,6 @@ std::vector<Case> readCases(const std::string &directory);
 // Splits "event | event".
 std::vector<std::string> eventsOf(const std::string &text);
 // Calls the function on fresh doubles, ends what it left running, and checks that nothing is left.
-Outcome run(const Case &which, const Plan &plan);
+Outcome run(const Case &which, Plan plan);
 // The names of all exported functions, without package and class.
 std::set<std::string> exportedFunctions();

@@ -3,6 +3,7 @@
 #include "ledger.h"
 #include "solver_double.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -20,17 +21,9 @@ void JNICALL unexpected() {
     std::abort();
 }
 
-Object *objectOf(jobject reference) {
-    return reinterpret_cast<Object *>(reference);
-}
-
-Object *enter(JNIEnv *env, jobject reference) {
+Object *enter(JNIEnv *env, jobject reference = nullptr) {
     EXPECT_EQ(env, ownEnv) << "a JNIEnv was used on a thread that it doesn't belong to";
-    return objectOf(reference);
-}
-
-std::string nameOf(Object *object) {
-    return object ? object->name : "null";
+    return reinterpret_cast<Object *>(reference);
 }
 
 std::string show(jint value) {
@@ -42,51 +35,50 @@ std::string show(jdouble value) {
 std::string show(jlong value) {
     return showPointer(reinterpret_cast<void *>(value));
 }
+std::string show(Object *object) {
+    return object ? object->name : "null";
+}
+std::string show(jobject reference) {
+    return show(reinterpret_cast<Object *>(reference));
+}
 std::string show(jchar value) {
     char text[8];
     std::snprintf(text, sizeof text, value < 0x80 ? "%c" : "U+%04X", value);
     return text;
 }
 
+// The elements that a region call moves; null when it moves none.
 template <class T>
-std::vector<T> *elements(const std::string &event, Object *array, jsize start, jsize len) {
-    ledger.note(event);
-    if (!array) {
-        ADD_FAILURE() << event << ": a null array crashes the virtual machine";
-        return nullptr;
-    }
-    if (array->boundless)
-        return nullptr;
-    auto &values = std::get<std::vector<T>>(array->value);
-    if (start >= 0 && len >= 0 &&
-        static_cast<std::size_t>(start) + static_cast<std::size_t>(len) <= values.size())
-        return &values;
-    java.outOfBounds = true;
-    return nullptr;
+T *region(std::string event, Object *array, jsize start, jsize len) {
+    auto *values = array ? std::get_if<std::vector<T>>(&array->value) : nullptr;
+    EXPECT_TRUE(values) << event << ": the virtual machine would crash";
+    bool inside = values && start >= 0 && len >= 0 &&
+                  static_cast<std::size_t>(start) + static_cast<std::size_t>(len) <= values->size();
+    bool moved = inside && !array->boundless;
+    ledger.note(event + (inside || (array && array->boundless) ? "" : " raises"));
+    return moved ? values->data() + start : nullptr;
 }
 
 template <class A, class T>
 void JNICALL getRegion(JNIEnv *env, A array, jsize start, jsize len, T *buffer) {
-    Object *object = enter(env, array);
     std::size_t offset = 0;
     if (Block *block = ledger.blockOf(buffer, &offset)) {
         block->filled = true;
         if (len > 0 && offset + static_cast<std::size_t>(len) * sizeof(T) > block->size)
-            ADD_FAILURE() << nameOf(object) << " overruns block " << block->name;
+            ADD_FAILURE() << show(array) << " overruns block " << block->name;
     }
-    std::string event = "get " + nameOf(object) + " " + show(start) + " " + show(len) + " > ";
-    if (auto *values = elements<T>(event + ledger.place(buffer), object, start, len))
-        std::copy_n(values->begin() + start, len, buffer);
+    std::string event = "get " + show(array) + " " + show(start) + " " + show(len) + " > ";
+    if (T *values = region<T>(event + ledger.place(buffer), enter(env, array), start, len))
+        std::copy_n(values, len, buffer);
 }
 
 template <class A, class T>
 void JNICALL setRegion(JNIEnv *env, A array, jsize start, jsize len, const T *buffer) {
-    Object *object = enter(env, array);
     auto each = [](T value) { return show(value); };
-    std::string data = listOf(buffer, static_cast<std::size_t>(len < 0 ? 0 : len), each);
-    std::string event = "set " + nameOf(object) + " " + show(start) + " " + data;
-    if (auto *values = elements<T>(event, object, start, len))
-        std::copy_n(buffer, len, values->begin() + start);
+    std::string data = listOf(buffer, static_cast<std::size_t>(std::max(len, 0)), each);
+    std::string event = "set " + show(array) + " " + show(start) + " " + data;
+    if (T *values = region<T>(event, enter(env, array), start, len))
+        std::copy_n(buffer, len, values);
 }
 
 const char *JNICALL getChars(JNIEnv *env, jstring text, jboolean *isCopy) {
@@ -95,81 +87,95 @@ const char *JNICALL getChars(JNIEnv *env, jstring text, jboolean *isCopy) {
 }
 
 void JNICALL releaseChars(JNIEnv *env, jstring text, const char *characters) {
-    java.release(enter(env, text), characters);
+    auto found = java.fetched.find(characters);
+    ASSERT_TRUE(found != java.fetched.end() && found->second == enter(env, text))
+        << show(text) << " was released twice, or with another text's characters";
+    ledger.note("release " + show(text));
+    java.fetched.erase(found);
+    delete[] characters;
 }
 
 jstring JNICALL newString(JNIEnv *env, const char *text) {
-    enter(env, nullptr);
-    std::string name = text ? '"' + std::string(text) + '"' : "null";
-    ledger.note("new " + name);
-    Object *string = java.make(name, std::string(text ? text : ""));
-    ++string->locals;
+    enter(env);
+    Object *string = java.make(text ? '"' + std::string(text) + '"' : "null");
+    ledger.note("new " + string->name);
+    string->locals = 1;
     return static_cast<jstring>(string->reference());
 }
 
 jsize JNICALL getLength(JNIEnv *env, jarray array) {
-    Object *object = enter(env, array);
-    ledger.note("length " + object->name);
-    return std::visit(
-        [](const auto &value) {
-            if constexpr (std::is_same_v<std::decay_t<decltype(value)>, std::monostate>)
-                return 0;
-            else
-                return static_cast<jsize>(value.size());
-        },
-        object->value);
+    ledger.note("length " + show(array));
+    return std::visit([](const auto &values) { return static_cast<jsize>(values.size()); },
+                      enter(env, array)->value);
+}
+
+Object *&elementOf(Object *array, jsize index) {
+    return std::get<std::vector<Object *>>(array->value).at(static_cast<std::size_t>(index));
 }
 
 jobject JNICALL getElement(JNIEnv *env, jobjectArray array, jsize index) {
-    Object *object = enter(env, array);
-    ledger.note("element " + object->name + " " + show(index));
-    Object *element =
-        std::get<std::vector<Object *>>(object->value).at(static_cast<std::size_t>(index));
+    ledger.note("element " + show(array) + " " + show(index));
+    Object *element = elementOf(enter(env, array), index);
     if (element)
         ++element->locals;
     return element ? element->reference() : nullptr;
 }
 
 void JNICALL setElement(JNIEnv *env, jobjectArray array, jsize index, jobject value) {
-    Object *object = enter(env, array);
-    ledger.note("store " + object->name + " " + show(index) + " " + nameOf(objectOf(value)));
-    std::get<std::vector<Object *>>(object->value).at(static_cast<std::size_t>(index)) =
-        objectOf(value);
+    ledger.note("store " + show(array) + " " + show(index) + " " + show(value));
+    elementOf(enter(env, array), index) = reinterpret_cast<Object *>(value);
 }
 
 void JNICALL dropLocal(JNIEnv *env, jobject reference) {
     Object *object = enter(env, reference);
-    ledger.note("drop " + nameOf(object));
+    ledger.note("drop " + show(object));
     if (object && --object->locals < 0)
         ADD_FAILURE() << object->name << " is no local reference, or was dropped before";
 }
 
+Object *standIn(const std::string &what, Object *target) {
+    ledger.note(what + " " + target->name);
+    Object *made = java.make(what + " of " + target->name);
+    made->target = target;
+    return made;
+}
+
 jobject JNICALL newGlobal(JNIEnv *env, jobject reference) {
-    return java.addGlobal(enter(env, reference));
+    ++java.globals;
+    return standIn("global", enter(env, reference))->reference();
 }
 
 void JNICALL dropGlobal(JNIEnv *env, jobject reference) {
-    java.dropGlobal(enter(env, reference));
+    Object *global = enter(env, reference);
+    ASSERT_TRUE(global && global->target) << "no global reference, or one deleted before";
+    ledger.note("unglobal " + global->target->name);
+    global->target = nullptr;
+    --java.globals;
 }
 
 // The class of an object is a local reference that may be kept until the method returns.
 jclass JNICALL getClass(JNIEnv *env, jobject reference) {
-    Object *object = enter(env, reference);
-    ledger.note("class " + object->name);
-    Object *type = java.make("class of " + object->name);
+    Object *type = standIn("class", enter(env, reference));
     type->locals = 1;
-    type->target = object;
     return static_cast<jclass>(type->reference());
 }
 
+template <class Id>
+Id member(JNIEnv *env, const char *kind, const char *name, const char *signature) {
+    static std::set<std::string> names;
+    enter(env);
+    bool found = name != java.missing;
+    ledger.note(std::string(kind) + name + " " + signature + (found ? "" : " fails"));
+    const char *id = names.insert(name).first->c_str();
+    return found ? reinterpret_cast<Id>(const_cast<char *>(id)) : nullptr;
+}
+
 jfieldID JNICALL getField(JNIEnv *env, jclass, const char *name, const char *signature) {
-    enter(env, nullptr);
-    return static_cast<jfieldID>(java.member("field", name, signature));
+    return member<jfieldID>(env, "field ", name, signature);
 }
 
 jmethodID JNICALL getMethod(JNIEnv *env, jclass, const char *name, const char *signature) {
-    enter(env, nullptr);
-    return static_cast<jmethodID>(java.member("method", name, signature));
+    return member<jmethodID>(env, "method ", name, signature);
 }
 
 // Upcalls go to the object that the global reference stands for, nothing else.
@@ -182,10 +188,6 @@ void upcall(JNIEnv *env, jobject reference, const std::string &event, const void
 template <class T>
 void JNICALL setField(JNIEnv *env, jobject object, jfieldID id, T value) {
     upcall(env, object, "put " + show(value), id);
-}
-
-void JNICALL setObjectField(JNIEnv *env, jobject object, jfieldID id, jobject value) {
-    upcall(env, object, "put " + nameOf(objectOf(value)), id);
 }
 
 void JNICALL callVoidV(JNIEnv *env, jobject object, jmethodID id, va_list) {
@@ -202,7 +204,7 @@ void JNICALL callVoid(JNIEnv *env, jobject object, jmethodID id, ...) {
 }
 
 jint JNICALL getVM(JNIEnv *env, JavaVM **vm) {
-    enter(env, nullptr);
+    enter(env);
     ledger.note(java.noVM ? "vm fails" : "vm");
     *vm = java.noVM ? nullptr : &java.vm;
     return java.noVM ? JNI_ERR : JNI_OK;
@@ -250,38 +252,39 @@ Java::Java() {
     functions.GetMethodID = getMethod;
     functions.SetLongField = setField<jlong>;
     functions.SetIntField = setField<jint>;
-    functions.SetObjectField = setObjectField;
+    functions.SetObjectField = setField<jobject>;
     functions.CallVoidMethod = callVoid;
     functions.CallVoidMethodV = callVoidV;
     functions.NewGlobalRef = newGlobal;
-    functions.DeleteGlobalRef = ::dropGlobal;
+    functions.DeleteGlobalRef = dropGlobal;
     functions.DeleteLocalRef = dropLocal;
     functions.GetJavaVM = getVM;
     fillUnexpected(invocations);
     invocations.AttachCurrentThread = attach;
     invocations.DetachCurrentThread = detach;
-    mainEnv.functions = attachedEnv.functions = &functions;
+    env.functions = attachedEnv.functions = &functions;
     vm.functions = &invocations;
 }
 
 void Java::begin() {
     objects.clear();
     missing.clear();
-    noVM = attachFails = detachFails = outOfBounds = false;
+    noVM = attachFails = detachFails = false;
     onUpcall = nullptr;
-    ownEnv = &mainEnv;
-    receiver = make("self");
+    ownEnv = &env;
+    self = make("self");
 }
 
 void Java::end() {
-    for (const auto &[characters, text] : fetched)
+    for (const auto &[characters, text] : fetched) {
         ADD_FAILURE() << text->name << " was fetched and not released";
-    while (!fetched.empty())
-        release(fetched.begin()->second, fetched.begin()->first);
+        delete[] characters;
+    }
     for (const Object &object : objects)
         if (object.locals > 0 && !object.target)
             ADD_FAILURE() << "a local reference to " << object.name << " is left";
     EXPECT_EQ(globals, 0) << "global references are left";
+    fetched.clear();
     globals = 0;
 }
 
@@ -290,50 +293,14 @@ Object *Java::make(const std::string &name, Value value) {
     return &objects.back();
 }
 
-void *Java::member(const std::string &kind, const char *name, const char *signature) {
-    static std::set<std::string> names;
-    bool found = name != missing;
-    ledger.note(kind + " " + name + " " + signature + (found ? "" : " fails"));
-    return found ? const_cast<char *>(names.insert(name).first->c_str()) : nullptr;
-}
-
-// Every fetch is a heap copy of its own, so that the sanitizer sees a use after the release.
 const char *Java::fetch(Object *text) {
-    if (!text) {
-        ADD_FAILURE() << "a null string crashes the virtual machine";
-        return nullptr;
-    }
     bool fails = ledger.fetchFails();
-    ledger.note("fetch " + text->name + (fails ? " fails" : ""));
-    if (fails)
+    ledger.note("fetch " + show(text) + (fails ? " fails" : ""));
+    EXPECT_TRUE(text) << "a null string crashes the virtual machine";
+    if (fails || !text)
         return nullptr;
-    const auto &characters = std::get<std::string>(text->value);
-    char *copy = new char[characters.size() + 1];
-    std::memcpy(copy, characters.c_str(), characters.size() + 1);
+    char *copy = new char[text->name.size() + 1];
+    std::memcpy(copy, text->name.c_str(), text->name.size() + 1);
     fetched[copy] = text;
     return copy;
-}
-
-void Java::release(Object *text, const char *characters) {
-    auto found = fetched.find(characters);
-    ASSERT_TRUE(found != fetched.end() && found->second == text)
-        << nameOf(text) << " was released twice, or with another text's characters";
-    ledger.note("release " + text->name);
-    fetched.erase(found);
-    delete[] characters;
-}
-
-jobject Java::addGlobal(Object *target) {
-    ledger.note("global " + target->name);
-    ++globals;
-    Object *global = make("global of " + target->name);
-    global->target = target;
-    return global->reference();
-}
-
-void Java::dropGlobal(Object *global) {
-    ASSERT_TRUE(global && global->target) << "no global reference, or one deleted before";
-    ledger.note("unglobal " + global->target->name);
-    global->target = nullptr;
-    --globals;
 }

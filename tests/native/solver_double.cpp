@@ -133,7 +133,7 @@ int getDatum(int what, void *result) {
         std::fill_n(static_cast<double *>(result), block->size / sizeof(double), 7.5);
     else if (what == KVX_CB_MSG_STRING)
         *static_cast<const char **>(result) = solver.text;
-    else if (solver.ints[0][0] == KVX_TYPE_DOUBLE)
+    else if (!solver.ints.empty() && solver.ints[0][0] == KVX_TYPE_DOUBLE)
         *static_cast<double *>(result) = solver.nextDouble();
     else
         *static_cast<int *>(result) = 9;
@@ -164,7 +164,7 @@ int installCallback(KVXcallback callback, void *data) {
 #include "solver_functions.inc"
 
 void Solver::begin() {
-    ints = {{2, 3, 4, 5}};
+    ints.clear();
     text = "text";
     storesOnFailure = false;
     hooks.clear();
@@ -214,7 +214,9 @@ void Solver::begin() {
 }
 
 int Solver::nextInt() {
-    const auto &row = ints[std::min(static_cast<std::size_t>(calls), ints.size()) - 1];
+    static const std::vector<int> usual{2, 3, 4, 5};
+    const auto &row =
+        ints.empty() ? usual : ints[std::min(static_cast<std::size_t>(calls), ints.size()) - 1];
     return row[std::min(intsStored++, row.size() - 1)];
 }
 
