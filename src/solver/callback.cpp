@@ -1,5 +1,5 @@
 // What a callback can ask a run for and tell it.
-#include "guard.h"
+#include "input.h"
 #include "params.h"
 #include "run.h"
 #include "text.h"
@@ -76,6 +76,12 @@ int setRunParam(void *cbdata, const char *name, const ParameterValue &value) {
     });
 }
 
+Row readRow(const Run &run, int length, const int *ind, const double *val, char sense, double rhs) {
+    ListReader reader(run.model.vars.size(), "variable");
+    Range sides = sidesOf(sense, rhs, 0);
+    return {reader.read(length, ind, val), sides.lower, sides.upper};
+}
+
 } // namespace
 
 int KVXgetcbwhatinfo(void *cbdata, int what, int *type, int *vector) {
@@ -118,6 +124,22 @@ int KVXcbget(void *cbdata, int where, int what, void *result) {
                 return;
             }
         fail(KVX_ERROR_DATA_NOT_AVAILABLE, "code %d isn't known now", what);
+    });
+}
+
+int KVXcbcut(void *cbdata, int length, const int *ind, const double *val, char sense, double rhs) {
+    return guardedCallback(cbdata, [&](Run &run) {
+        requireWhere(run, {KVX_CB_MIPNODE}, "adding a cut");
+        run.cuts.push_back(readRow(run, length, ind, val, sense, rhs));
+    });
+}
+
+int KVXcblazy(void *cbdata, int length, const int *ind, const double *val, char sense, double rhs) {
+    return guardedCallback(cbdata, [&](Run &run) {
+        requireWhere(run, {KVX_CB_MIPSOL, KVX_CB_MIPNODE}, "adding a lazy constraint");
+        if (!intParam(run.settings, "LazyConstraints"))
+            fail(KVX_ERROR_INVALID_ARGUMENT, "the parameter LazyConstraints isn't set");
+        run.addLazy(readRow(run, length, ind, val, sense, rhs));
     });
 }
 

@@ -13,8 +13,10 @@
 #include <CbcHeuristicGreedy.hpp>
 #include <CbcHeuristicLocal.hpp>
 #include <CbcHeuristicRINS.hpp>
+#include <CbcSOS.hpp>
 #include <CbcTree.hpp>
 #include <CglClique.hpp>
+#include <CglCutGenerator.hpp>
 #include <CglFlowCover.hpp>
 #include <CglGomory.hpp>
 #include <CglKnapsackCover.hpp>
@@ -32,7 +34,7 @@
 namespace korvex {
 namespace {
 
-constexpr int startNodes = 500; // spent on completing a partial solution
+constexpr int completionNodes = 500; // spent on completing a partial solution
 
 void addCuts(CbcModel &cbc) {
     // How often to call a generator: while it helps, or at the root only.
@@ -97,40 +99,74 @@ void configure(CbcModel &cbc, Run &run, const Problem &problem) {
     cbc.setMinimumDrop(1e-4);
     cbc.setMaximumCutPassesAtRoot(-100);
     cbc.setMaximumCutPasses(10);
+    std::vector<OsiObject *> sets;
+    std::vector<std::unique_ptr<CbcSOS>> owned;
+    for (const Sos &set : problem.sets) {
+        std::vector<int> columns;
+        std::vector<double> weights;
+        for (const Entry &member : set.members) {
+            columns.push_back(member.index);
+            weights.push_back(static_cast<double>(weights.size()));
+        }
+        owned.push_back(std::make_unique<CbcSOS>(&cbc, static_cast<int>(columns.size()),
+                                                 columns.data(), weights.data(),
+                                                 static_cast<int>(owned.size()), set.type));
+        sets.push_back(owned.back().get());
+    }
+    if (!sets.empty())
+        cbc.addObjects(static_cast<int>(sets.size()), sets.data());
     if (intParam(run.settings, "Cuts"))
         addCuts(cbc);
     if (intParam(run.settings, "Heuristics"))
         addHeuristics(cbc);
 }
 
+void markIntegers(OsiSolverInterface &solver, const Problem &problem) {
+    for (size_t j = 0; j < problem.cost.size(); j++)
+        if (problem.integer[j])
+            solver.setInteger(static_cast<int>(j));
+}
+
 class Mip {
   public:
-    Mip(Run &run, const Problem &problem) : run(run), problem(problem) {}
+    Mip(Run &run, const Problem &problem) : run(run), problem(problem) {
+        run.complete = [this](std::vector<double> &x, double &objective) {
+            return complete(x, objective);
+        };
+    }
+    ~Mip() { run.complete = nullptr; }
+    Mip(const Mip &) = delete;
+    Mip &operator=(const Mip &) = delete;
 
     Outcome solve();
-
-    // Follows the tree at an event of Cbc's on the run's own thread.
-    void follow(CbcModel &cbc, CbcEventHandler::CbcEvent event);
 
     // Completes a point, in which some values are KVX_UNDEFINED, to a feasible one.
     bool complete(std::vector<double> &x, double &objective);
 
-    Run &run;
-    const Problem &problem;
-
   private:
+    friend class TreeWatch;
+    friend class NodeWatch;
+
+    int solveOnce();
     void start();
     std::unique_ptr<OsiSolverInterface> preprocess(OsiClpSolverInterface &solver);
     bool repair(std::vector<double> &x, double &objective);
-    void candidate(CbcModel &cbc);
-    Outcome search(OsiSolverInterface &solver);
+    int search(OsiSolverInterface &solver);
 
-    double relaxationIterations = 0, relaxationBound = 0;
-    double lastCandidate = std::numeric_limits<double>::infinity();
+    // Follow Cbc on the run's own thread.
+    void follow(CbcModel &cbc, CbcEventHandler::CbcEvent event);
+    void candidate(const CbcModel &cbc);
+    void node(const double *relaxation, OsiCuts &cuts);
+    void raiseBound(double bound);
+
+    Run &run;
+    Problem problem;
+    const double tolerance = 10 * dblParam(run.settings, "FeasibilityTol");
+    double lastCandidate = 0;
     bool rejected = false; // a solution of Cbc's turned out not to be one
 };
 
-// Lets the run follow the tree and ends it when the run has to end.
+// Lets the run follow the tree and ends the search when the run has to end.
 class TreeWatch : public CbcEventHandler {
   public:
     explicit TreeWatch(Mip &mip) : mip(mip) {}
@@ -149,13 +185,30 @@ class TreeWatch : public CbcEventHandler {
     Mip &mip;
 };
 
+// Shows each node's relaxation to the callback, and adds its cuts.
+class NodeWatch : public CglCutGenerator {
+  public:
+    explicit NodeWatch(Mip &mip) : mip(mip) {}
+
+    void generateCuts(const OsiSolverInterface &solver, OsiCuts &cuts, const CglTreeInfo) override {
+        if (mip.run.onSolvingThread() &&
+            solver.getNumCols() == static_cast<int>(mip.problem.cost.size()))
+            mip.node(solver.getColSolution(), cuts);
+    }
+
+    CglCutGenerator *clone() const override { return new NodeWatch(*this); }
+
+  private:
+    Mip &mip;
+};
+
 // Hands the run's best solution to Cbc when Cbc doesn't have it: a start or a proposal.
 class Incumbent : public CbcHeuristic {
   public:
     Incumbent(CbcModel &cbc, const Run &run) : CbcHeuristic(cbc), run(run) {}
 
     int solution(double &objective, double *x) override {
-        if (run.solutions == 0 || run.sense * run.bestObjective >= objective)
+        if (run.best.empty() || run.sense * run.bestObjective >= objective)
             return 0;
         objective = run.sense * run.bestObjective;
         std::copy(run.best.begin(), run.best.end(), x);
@@ -173,63 +226,60 @@ class Incumbent : public CbcHeuristic {
 bool Mip::complete(std::vector<double> &x, double &objective) {
     x.resize(problem.cost.size(), KVX_UNDEFINED);
     problem.round(x);
-    double tolerance = 10 * dblParam(run.settings, "FeasibilityTol");
-    bool known = std::count(x.begin(), x.end(), KVX_UNDEFINED) == 0;
-    if (!known) {
+    if (std::count(x.begin(), x.end(), KVX_UNDEFINED) > 0) {
         ClpSimplex lp;
         problem.load(lp);
         SimplexWatch watch(run, false);
         lp.passInEventHandler(&watch);
-        bool integersKnown = true;
         for (size_t j = 0; j < x.size(); j++)
-            if (problem.integer[j]) {
-                int column = static_cast<int>(j);
-                if (x[j] == KVX_UNDEFINED) {
-                    lp.setInteger(column);
-                    integersKnown = false;
-                } else {
-                    lp.setColumnBounds(column, std::max(x[j], problem.lower[j]),
-                                       std::min(x[j], problem.upper[j]));
-                }
+            if (x[j] != KVX_UNDEFINED) {
+                double value = std::clamp(x[j], problem.lower[j], problem.upper[j]);
+                lp.setColumnBounds(static_cast<int>(j), value, value);
             }
         lp.dual();
         if (lp.status() != 0)
             return false;
-        const double *found = lp.primalColumnSolution();
-        OsiClpSolverInterface solver(&lp);
-        CbcModel cbc(solver);
-        if (!integersKnown) {
+        std::vector<double> found(lp.primalColumnSolution(), lp.primalColumnSolution() + x.size());
+        problem.round(found);
+        if (problem.violation(found) > tolerance) {
+            OsiClpSolverInterface solver(&lp);
+            markIntegers(solver, problem);
+            CbcModel cbc(solver);
             configure(cbc, run, problem);
-            cbc.setMaximumNodes(startNodes);
+            cbc.setMaximumNodes(completionNodes);
             cbc.branchAndBound();
-            found = cbc.bestSolution();
-            if (!found)
+            if (!cbc.bestSolution())
                 return false;
+            found.assign(cbc.bestSolution(), cbc.bestSolution() + x.size());
+            problem.round(found);
         }
-        x.assign(found, found + x.size());
-        problem.round(x);
+        x = found;
     }
     if (problem.violation(x) > tolerance)
         return false;
     objective = problem.objective(x);
     return true;
 }
-
-// Takes a point as it is or, when that isn't feasible, with other values of continuous columns.
+// Takes a point as it is or, when that isn't feasible, with other values of continuous columns:
+// those that may be nonzero in a set.
 bool Mip::repair(std::vector<double> &x, double &objective) {
-    std::vector<double> integers = x;
+    std::vector<double> kept(x.size(), KVX_UNDEFINED);
+    for (size_t j = 0; j < x.size(); j++)
+        if (problem.integer[j])
+            kept[j] = x[j];
+    for (const Sos &set : problem.sets)
+        for (const Entry &member : set.members)
+            if (auto j = static_cast<size_t>(member.index); std::abs(x[j]) <= zeroInSet)
+                kept[j] = 0;
     if (complete(x, objective))
         return true;
-    for (size_t j = 0; j < integers.size(); j++)
-        if (!problem.integer[j])
-            integers[j] = KVX_UNDEFINED;
-    x = integers;
+    x = kept;
     return complete(x, objective);
 }
 
 // Looks at Cbc's best solution. Its integers are so only within a tolerance; a solution of the run
 // has them exact.
-void Mip::candidate(CbcModel &cbc) {
+void Mip::candidate(const CbcModel &cbc) {
     if (!cbc.bestSolution() || cbc.getObjValue() >= lastCandidate)
         return;
     lastCandidate = cbc.getObjValue();
@@ -241,22 +291,47 @@ void Mip::candidate(CbcModel &cbc) {
         rejected = true;
 }
 
+void Mip::node(const double *relaxation, OsiCuts &cuts) {
+    if (run.poll())
+        return;
+    std::vector<double> x(relaxation, relaxation + problem.cost.size());
+    run.cuts.clear();
+    run.report(KVX_CB_MIPNODE,
+               {{KVX_CB_MIPNODE_STATUS, KVX_STATUS_OPTIMAL},
+                {KVX_CB_MIPNODE_OBJBEST, run.bestObjective},
+                {KVX_CB_MIPNODE_OBJBOUND, run.bound},
+                {KVX_CB_MIPNODE_NODES, run.nodes},
+                {KVX_CB_MIPNODE_SOLCOUNT, 1.0 * run.solutions}},
+               &x);
+    for (const Row &row : run.cuts) {
+        OsiRowCut cut;
+        cut.setRow(packed(row));
+        cut.setLb(row.lower);
+        cut.setUb(row.upper);
+        cuts.insert(cut);
+    }
+}
+
 void Mip::follow(CbcModel &cbc, CbcEventHandler::CbcEvent event) {
     cbc.setAllowableGap(run.absoluteGap);
     cbc.setAllowableFractionGap(run.gap);
-    run.nodes = cbc.getNodeCount();
-    run.iterations = relaxationIterations + cbc.getIterationCount();
+    run.nodes = run.earlierNodes + cbc.getNodeCount();
+    run.iterations = run.earlierIterations + cbc.getIterationCount();
     run.openNodes = cbc.tree() ? cbc.tree()->size() : 0;
-    if (event == CbcEventHandler::solution || event == CbcEventHandler::heuristicSolution) {
+    if (event == CbcEventHandler::solution || event == CbcEventHandler::heuristicSolution)
         candidate(cbc);
-    } else if (event == CbcEventHandler::node || event == CbcEventHandler::treeStatus) {
-        double bound = problem.sense * cbc.getBestPossibleObjValue();
-        if (run.better(run.bound, bound) && !run.stopped())
-            run.bound =
-                run.solutions && run.better(run.bestObjective, bound) ? run.bestObjective : bound;
-        if (event == CbcEventHandler::node && run.nodes >= run.nodeLimit)
-            run.stop(KVX_STATUS_NODE_LIMIT);
-    }
+    if (event != CbcEventHandler::node && event != CbcEventHandler::treeStatus)
+        return;
+    double bound = problem.sense * cbc.getBestPossibleObjValue();
+    if (!run.stopped())
+        raiseBound(run.better(run.bestObjective, bound) ? run.bestObjective : bound);
+    if (event == CbcEventHandler::node && run.nodes >= run.nodeLimit)
+        run.stop(KVX_STATUS_NODE_LIMIT);
+}
+
+void Mip::raiseBound(double bound) {
+    if (run.better(run.bound, bound))
+        run.bound = bound;
 }
 
 void Mip::start() {
@@ -266,6 +341,7 @@ void Mip::start() {
     double objective;
     if (std::count(x.begin(), x.end(), KVX_UNDEFINED) == static_cast<long>(x.size()))
         return;
+    x.resize(problem.cost.size(), KVX_UNDEFINED);
     if (repair(x, objective)) {
         run.say("The start values give a solution with objective %s", shown(objective).c_str());
         run.offer(x, objective);
@@ -275,9 +351,11 @@ void Mip::start() {
 }
 
 // The tightened model with the same columns; null when there is none, for whatever reason: then the
-// search itself finds out.
+// search itself finds out. It may lack solutions that aren't better than others, so it is of no use
+// when there are conditions that it doesn't know.
 std::unique_ptr<OsiSolverInterface> Mip::preprocess(OsiClpSolverInterface &solver) {
-    if (!intParam(run.settings, "Presolve"))
+    if (!intParam(run.settings, "Presolve") || intParam(run.settings, "LazyConstraints") ||
+        !problem.sets.empty())
         return nullptr;
     const int columns = solver.getNumCols();
     CglProbing probing;
@@ -305,7 +383,7 @@ std::unique_ptr<OsiSolverInterface> Mip::preprocess(OsiClpSolverInterface &solve
     return std::unique_ptr<OsiSolverInterface>(processed->clone());
 }
 
-Outcome Mip::search(OsiSolverInterface &solver) {
+int Mip::search(OsiSolverInterface &solver) {
     CbcModel cbc(solver);
     configure(cbc, run, problem);
     int threads = intParam(run.settings, "Threads");
@@ -313,65 +391,75 @@ Outcome Mip::search(OsiSolverInterface &solver) {
         cbc.setNumberThreads(threads);
     Incumbent incumbent(cbc, run);
     cbc.addHeuristic(&incumbent, "incumbent");
-    TreeWatch watch(*this);
-    cbc.passInEventHandler(&watch);
+    NodeWatch nodes(*this);
+    if (run.model.callback)
+        cbc.addCutGenerator(&nodes, 1, "callback");
+    TreeWatch tree(*this);
+    cbc.passInEventHandler(&tree);
     run.enter(KVX_CB_MIP);
+    lastCandidate = std::numeric_limits<double>::infinity();
+    rejected = false;
     cbc.branchAndBound();
     candidate(cbc);
+    run.earlierNodes = run.nodes;
+    run.earlierIterations = run.iterations;
 
-    Outcome outcome;
-    double bound = problem.sense * cbc.getBestPossibleObjValue();
     if (run.stopped())
-        outcome.status = run.stopped();
-    else if (cbc.status() != 0)
-        outcome.status = KVX_STATUS_NUMERIC;
-    else if (run.solutions == 0)
-        outcome.status = rejected ? KVX_STATUS_NUMERIC : KVX_STATUS_INFEASIBLE;
-    else
-        outcome.status = KVX_STATUS_OPTIMAL;
-    if (outcome.status == KVX_STATUS_OPTIMAL) {
-        // What Cbc cut off while it was looking for something better is worse than the best.
-        run.bound = run.better(bound, run.bestObjective) ? bound : run.bestObjective;
-        if (rejected && relativeGap(run.bestObjective, run.bound) > std::max(run.gap, 1e-6))
-            outcome.status = KVX_STATUS_NUMERIC;
+        return run.stopped();
+    if (cbc.status() != 0 || (rejected && run.best.empty()))
+        return KVX_STATUS_NUMERIC;
+    if (run.best.empty())
+        return KVX_STATUS_INFEASIBLE;
+    // What Cbc cut off while it was looking for something better is worse than the best.
+    double bound = problem.sense * cbc.getBestPossibleObjValue();
+    run.bound = run.better(bound, run.bestObjective) ? bound : run.bestObjective;
+    bool isGap = rejected && relativeGap(run.bestObjective, run.bound) > std::max(run.gap, 1e-6);
+    return isGap ? KVX_STATUS_NUMERIC : KVX_STATUS_OPTIMAL;
+}
+
+int Mip::solveOnce() {
+    ClpSimplex lp;
+    Outcome relaxation = solveLp(run, problem, lp);
+    if (relaxation.status == KVX_STATUS_UNBOUNDED) {
+        // With a ray of the relaxation and a solution, the model is unbounded. Whether there is a
+        // solution may be hard to say, and then it isn't said.
+        std::vector<double> x, cost(problem.cost.size());
+        double objective;
+        cost.swap(problem.cost);
+        bool isFeasible = complete(x, objective);
+        cost.swap(problem.cost);
+        return isFeasible      ? KVX_STATUS_UNBOUNDED
+               : run.stopped() ? run.stopped()
+                               : KVX_STATUS_INFEASIBLE_OR_UNBOUNDED;
     }
-    return outcome;
+    if (relaxation.status != KVX_STATUS_OPTIMAL)
+        return relaxation.status;
+    raiseBound(relaxation.objective);
+    run.say("Relaxation: objective %s, %.0f iterations", shown(relaxation.objective).c_str(),
+            run.iterations);
+    run.enter(KVX_CB_PRESOLVE);
+    OsiClpSolverInterface solver(&lp);
+    markIntegers(solver, problem);
+    SimplexWatch watch(run, false);
+    lp.passInEventHandler(&watch);
+    std::unique_ptr<OsiSolverInterface> processed = preprocess(solver);
+    return search(processed ? *processed : solver);
 }
 
 Outcome Mip::solve() {
-    run.complete = [this](std::vector<double> &x, double &objective) {
-        return complete(x, objective);
-    };
-    ClpSimplex lp;
-    Outcome outcome = solveLp(run, problem, lp);
-    relaxationIterations = run.iterations;
-    if (outcome.status == KVX_STATUS_UNBOUNDED) {
-        // With a ray of the relaxation and a solution, the model is unbounded. Whether there is a
-        // solution may be hard to say, and then it isn't said.
-        Problem feasibility = problem;
-        std::fill(feasibility.cost.begin(), feasibility.cost.end(), 0.0);
-        std::vector<double> x;
-        double objective;
-        if (!Mip(run, feasibility).complete(x, objective))
-            outcome.status = run.stopped() ? run.stopped() : KVX_STATUS_INFEASIBLE_OR_UNBOUNDED;
-    } else if (outcome.status == KVX_STATUS_OPTIMAL) {
-        run.bound = outcome.objective;
-        run.say("Relaxation: objective %s, %.0f iterations", shown(run.bound).c_str(),
-                run.iterations);
+    Outcome outcome;
+    if (run.best.empty())
         start();
-        run.enter(KVX_CB_PRESOLVE);
-        OsiClpSolverInterface solver(&lp);
-        for (size_t j = 0; j < problem.cost.size(); j++)
-            if (problem.integer[j])
-                solver.setInteger(static_cast<int>(j));
-        SimplexWatch watch(run, false);
-        lp.passInEventHandler(&watch);
-        std::unique_ptr<OsiSolverInterface> processed = preprocess(solver);
-        outcome = search(processed ? *processed : solver);
-    } else {
-        return outcome;
-    }
+    size_t lazyRows = 0;
+    do {
+        if (run.stopped() == Run::again)
+            run.goOn();
+        for (; lazyRows < run.lazies.size(); lazyRows++)
+            problem.addRow(run.lazies[lazyRows]);
+        outcome.status = run.poll() ? run.stopped() : solveOnce();
+    } while (run.stopped() == Run::again);
     outcome.x = run.best;
+    outcome.objective = run.bestObjective;
     return outcome;
 }
 

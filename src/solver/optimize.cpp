@@ -26,8 +26,8 @@ const char *const statusTexts[] = {
 
 // Refuses what can't be solved.
 void check(const KVXmodel &model) {
-    if (!model.quadratic.empty() || !model.qconstrs.empty() || !model.sos.empty() ||
-        !model.genconstrs.empty() || !model.objectives.empty())
+    if (!model.quadratic.empty() || !model.qconstrs.empty() || !model.genconstrs.empty() ||
+        !model.objectives.empty())
         fail(KVX_ERROR_NOT_SUPPORTED, "only linear models can be solved");
 }
 
@@ -68,7 +68,7 @@ void store(Run &run, const Outcome &outcome) {
     solution.solutions = run.solutions;
     if (!outcome.x.empty()) {
         solution.hasX = true;
-        solution.objval = run.bestObjective;
+        solution.objval = outcome.objective;
         solution.x = first(outcome.x, columns);
         for (const Constraint &constr : model.constrs) {
             double slack = constr.sense == KVX_GREATER_EQUAL ? constr.lower : constr.upper;

@@ -7,6 +7,7 @@
 #include <ClpEventHandler.hpp>
 #include <ClpSimplex.hpp>
 #include <CoinPackedMatrix.hpp>
+#include <CoinPackedVector.hpp>
 
 namespace korvex {
 
@@ -27,8 +28,11 @@ struct Problem {
     // The objective value of a point in the model's own sense.
     double objective(const std::vector<double> &x) const;
 
-    // The largest violation of a bound or row, relative to the size of what it violates.
+    // The largest violation of a bound or row, relative to the size of what it violates; infinite
+    // for a violated set.
     double violation(const std::vector<double> &x) const;
+
+    void addRow(const Row &row);
 
     // Rounds the integer columns of a point that are known.
     void round(std::vector<double> &x) const;
@@ -37,10 +41,15 @@ struct Problem {
     double constant;
     std::vector<double> cost, lower, upper, rowLower, rowUpper;
     std::vector<char> integer;
+    std::vector<Sos> sets; // members by increasing weight
     bool isMip = false;
     CoinPackedMatrix matrix; // by columns
     mutable Silence silence;
 };
+
+CoinPackedVector packed(const Row &row);
+
+constexpr double zeroInSet = 1e-6; // Members of a set up to this size count as zero.
 
 // What a solver found. The point itself is in a vector of its own, since a MIP run holds it.
 struct Outcome {

@@ -35,12 +35,6 @@ __attribute__((weak)) int KVXgettuneresult(KVXmodel *, int) {
 __attribute__((weak)) int KVXcomputeIIS(KVXmodel *) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
-__attribute__((weak)) int KVXcbcut(void *, int, const int *, const double *, char, double) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXcblazy(void *, int, const int *, const double *, char, double) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
 __attribute__((weak)) int KVXcbproceed(void *) {
     return KVX_ERROR_NOT_SUPPORTED;
 }

@@ -12,13 +12,31 @@ double bound(double value) {
     return std::abs(value) >= KVX_INFINITY ? std::copysign(COIN_DBL_MAX, value) : value;
 }
 
+// Whether at most type consecutive members of a set aren't zero.
+bool holds(const Sos &set, const std::vector<double> &x) {
+    size_t first = set.members.size(), last = 0;
+    for (size_t k = 0; k < set.members.size(); k++)
+        if (std::abs(x[static_cast<size_t>(set.members[k].index)]) > zeroInSet) {
+            first = std::min(first, k);
+            last = k;
+        }
+    return first > last || last - first < static_cast<size_t>(set.type);
+}
+
+} // namespace
+
 double excess(double value, double lower, double upper) {
     double below = (lower - value) / std::max(1.0, std::abs(lower));
     double above = (value - upper) / std::max(1.0, std::abs(upper));
     return std::max({below, above, 0.0});
 }
 
-} // namespace
+double Row::violation(const std::vector<double> &x) const {
+    double activity = 0;
+    for (const Entry &entry : entries)
+        activity += entry.value * x[static_cast<size_t>(entry.index)];
+    return excess(activity, lower, upper);
+}
 
 Problem::Problem(const ModelData &model) : sense(model.objsense), constant(sense * model.objcon) {
     std::vector<int> index;
@@ -50,6 +68,11 @@ Problem::Problem(const ModelData &model) : sense(model.objsense), constant(sense
         rowLower.push_back(bound(constr.lower));
         rowUpper.push_back(bound(constr.upper));
     }
+    sets = model.sos;
+    for (Sos &set : sets)
+        std::stable_sort(set.members.begin(), set.members.end(),
+                         [](const Entry &a, const Entry &b) { return a.value < b.value; });
+    isMip |= !sets.empty();
     if (model.vars.empty()) {
         for (auto column : {&cost, &lower, &upper})
             column->push_back(0);
@@ -88,7 +111,23 @@ double Problem::violation(const std::vector<double> &x) const {
     matrix.times(x.data(), activity.data());
     for (size_t i = 0; i < activity.size(); i++)
         worst = std::max(worst, excess(activity[i], rowLower[i], rowUpper[i]));
+    for (const Sos &set : sets)
+        if (!holds(set, x))
+            worst = KVX_INFINITY;
     return worst;
+}
+
+CoinPackedVector packed(const Row &row) {
+    CoinPackedVector vector;
+    for (const Entry &entry : row.entries)
+        vector.insert(entry.index, entry.value);
+    return vector;
+}
+
+void Problem::addRow(const Row &row) {
+    matrix.appendRow(packed(row));
+    rowLower.push_back(bound(row.lower));
+    rowUpper.push_back(bound(row.upper));
 }
 
 void Problem::round(std::vector<double> &x) const {

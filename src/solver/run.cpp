@@ -6,6 +6,7 @@
 #include "optimize.h"
 #include "params.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdarg>
@@ -109,6 +110,10 @@ void Run::stop(int status) {
     stopStatus.compare_exchange_strong(none, status);
 }
 
+void Run::goOn() {
+    stopStatus = callbackStatus ? KVX_STATUS_INTERRUPTED : 0;
+}
+
 bool Run::poll() {
     if (model.terminate)
         stop(KVX_STATUS_INTERRUPTED);
@@ -136,7 +141,7 @@ void Run::progress(double now) {
         if (presentPhase == KVX_CB_MIP)
             say("%8.0f s  %.0f nodes, %.0f open  best %s  bound %s  gap %s %%", now, nodes,
                 openNodes, shown(bestObjective).c_str(), shown(bound).c_str(),
-                solutions ? shown(100 * relativeGap(bestObjective, bound)).c_str() : "-");
+                !best.empty() ? shown(100 * relativeGap(bestObjective, bound)).c_str() : "-");
         else
             say("%8.0f s  %.0f iterations  objective %s", now, iterations,
                 shown(objective).c_str());
@@ -194,9 +199,26 @@ void Run::report(int where, std::vector<Datum> data, const std::vector<double> *
         offer(x, value);
 }
 
+bool Run::satisfiesLazies(const std::vector<double> &x) const {
+    double tolerance = dblParam(settings, "FeasibilityTol");
+    return std::all_of(lazies.begin(), lazies.end(),
+                       [&](const Row &row) { return row.violation(x) <= tolerance; });
+}
+
+void Run::addLazy(Row row) {
+    lazies.push_back(std::move(row));
+    if (!best.empty() && !satisfiesLazies(best)) {
+        best.clear();
+        bestObjective = sense * KVX_INFINITY;
+        stop(again);
+    }
+}
+
 void Run::offer(const std::vector<double> &x, double value) {
-    if (solutions > 0 && !better(value, bestObjective))
+    if (!best.empty() && !better(value, bestObjective))
         return;
+    if (!satisfiesLazies(x))
+        return stop(again);
     report(KVX_CB_MIPSOL,
            {{KVX_CB_MIPSOL_OBJ, value},
             {KVX_CB_MIPSOL_OBJBEST, value},
@@ -204,6 +226,8 @@ void Run::offer(const std::vector<double> &x, double value) {
             {KVX_CB_MIPSOL_NODES, nodes},
             {KVX_CB_MIPSOL_SOLCOUNT, 1.0 * solutions}},
            &x);
+    if (!satisfiesLazies(x))
+        return stop(again);
     best = x;
     bestObjective = value;
     if (++solutions >= solutionLimit)

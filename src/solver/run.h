@@ -20,6 +20,17 @@ struct Occasion {
     const char *text = nullptr;                  // that of KVX_CB_MSG_STRING
 };
 
+// A linear row with its two sides.
+struct Row {
+    std::vector<Entry> entries;
+    double lower, upper;
+
+    double violation(const std::vector<double> &x) const;
+};
+
+// How far a value lies outside, relative to the size of the side that it violates.
+double excess(double value, double lower, double upper);
+
 class Run {
   public:
     explicit Run(KVXmodel &model);
@@ -34,8 +45,13 @@ class Run {
     // Ends the run with a status of the attribute "Status", unless it is ending already.
     void stop(int status);
 
-    // The status that ends the run early; 0 while it goes on.
+    // The status that ends the run early; 0 while it goes on. Two more values end only the present
+    // solve, which lacks lazy constraints and is done again, or the present of several objectives.
+    enum { again = -1, next = -2 };
     int stopped() const { return stopStatus; }
+
+    // Goes on after again or next.
+    void goOn();
 
     // Calls the callback, except while it is being called.
     void report(int where, std::vector<Datum> data, const std::vector<double> *vector = nullptr,
@@ -55,6 +71,9 @@ class Run {
     // values are in the model's own sense.
     void offer(const std::vector<double> &x, double objective);
 
+    // Adds a constraint that every solution has to satisfy; drops the best one if it doesn't.
+    void addLazy(Row row);
+
     // Whether the first objective value is better than the second.
     bool better(double a, double b) const { return sense > 0 ? a < b : a > b; }
 
@@ -69,7 +88,9 @@ class Run {
     KVXmodel &model;
     KVXenv settings; // the model's parameters; a callback changes them for this run only
     Occasion occasion;
-    int callbackStatus = 0; // the result that ended the run
+    int callbackStatus = 0;  // the result that ended the run
+    std::vector<Row> lazies; // lazy constraints
+    std::vector<Row> cuts;   // added by the callback at the present node
 
     double timeLimit, nodeLimit, iterationLimit, gap, absoluteGap, logInterval;
     int solutionLimit;
@@ -78,7 +99,8 @@ class Run {
     double objective, primalInfeasibility = 0, dualInfeasibility = 0; // of the simplex
     double bestObjective, bound, nodes = 0, openNodes = 0, iterations = 0;
     int solutions = 0, columnsRemoved = 0, rowsRemoved = 0;
-    std::vector<double> best; // the best solution: the model's variables
+    double earlierIterations = 0, earlierNodes = 0; // of solves that have ended
+    std::vector<double> best; // the best solution: the problem's columns; empty: none
 
     // Completes a partial solution to a feasible one; set while the run can take solutions.
     std::function<bool(std::vector<double> &x, double &objective)> complete;
@@ -92,6 +114,7 @@ class Run {
     std::atomic<bool> finished{false};
 
   private:
+    bool satisfiesLazies(const std::vector<double> &x) const;
     void progress(double now);
 
     std::thread::id solvingThread;

@@ -22,7 +22,7 @@ int SimplexWatch::event(Event event) {
             run.enter(KVX_CB_PRESOLVE);
             run.enter(KVX_CB_SIMPLEX);
         }
-        run.iterations = model_->numberIterations();
+        run.iterations = run.earlierIterations + model_->numberIterations();
         run.objective = run.sense * model_->objectiveValue();
         run.primalInfeasibility = model_->sumPrimalInfeasibilities();
         run.dualInfeasibility = model_->sumDualInfeasibilities();
@@ -133,7 +133,8 @@ Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
         if (lp.status() == infeasible || lp.status() == unbounded)
             break;
     }
-    run.iterations = std::max(run.iterations, 1.0 * lp.numberIterations());
+    run.iterations = std::max(run.iterations, run.earlierIterations + lp.numberIterations());
+    run.earlierIterations = run.iterations;
     if (!settled()) {
         outcome.status = run.stopped()               ? run.stopped()
                          : lp.status() == infeasible ? KVX_STATUS_INFEASIBLE
