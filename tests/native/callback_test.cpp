@@ -40,9 +40,8 @@ class Callbacks : public testing::Test {
         return Java_com_korvex_KorvexJni_sync(env, nullptr, object,
                                               reinterpret_cast<jlong>(solver.callbackData), texts);
     }
-    jint setLog(jint enable) {
-        return Java_com_korvex_KVXEnv_jniSetLogCB(&java.env, java.self->reference(), object,
-                                                  enable);
+    jint setLog(jint enable, JNIEnv *env = &java.env) {
+        return Java_com_korvex_KVXEnv_jniSetLogCB(env, java.self->reference(), object, enable);
     }
     int callBack() {
         return solver.callback(handle<KVXmodel>(1), handle<void>(2), 5, solver.callbackData);
@@ -139,15 +138,19 @@ TEST_F(Callbacks, StayWhileSyncIsRefused) {
 }
 
 // A JNIEnv belongs to its thread: whoever releases the record uses his own.
-TEST_F(Callbacks, AreReleasedByTheThreadThatWaits) {
+TEST_F(Callbacks, AreReleasedOnTheThreadThatEndsThem) {
     optimize(1);
-    ledger.begin({});
+    setLog(1);
+    ledger.events.clear();
     std::thread([this] {
         void *env = nullptr;
         java.vm.AttachCurrentThread(&env, nullptr);
         EXPECT_EQ(sync(static_cast<JNIEnv *>(env)), 0);
+        EXPECT_EQ(setLog(0, static_cast<JNIEnv *>(env)), 0);
     }).join();
-    expectEvents("attach | KVXsync(h1) | " + removed);
+    expectEvents("attach | KVXsync(h1) | " + removed +
+                 "KVXgetlogcallbackfuncenv(h1, null, &) | "
+                 "KVXsetlogcallbackfuncenv(h1, null, null) | unglobal self | free b");
 }
 
 TEST_F(Callbacks, ForwardLogLines) {
