@@ -166,13 +166,14 @@ class Mip {
     bool rejected = false; // a solution of Cbc's turned out not to be one
 };
 
-// Lets the run follow the tree and ends the search when the run has to end.
+// Lets the run follow the tree and ends the search when the run has to end. Heuristics search
+// smaller models with copies of it, whose solutions are not those of the model itself.
 class TreeWatch : public CbcEventHandler {
   public:
-    explicit TreeWatch(Mip &mip) : mip(mip) {}
+    TreeWatch(Mip &mip, const CbcModel &whole) : mip(mip), whole(&whole) {}
 
     CbcAction event(CbcEvent event) override {
-        if (mip.run.onSolvingThread())
+        if (model_ == whole && mip.run.onSolvingThread())
             mip.follow(*model_, event);
         return mip.run.poll() ? stop : noAction;
     }
@@ -183,6 +184,7 @@ class TreeWatch : public CbcEventHandler {
 
   private:
     Mip &mip;
+    const CbcModel *whole;
 };
 
 // Shows each node's relaxation to the callback, and adds its cuts.
@@ -394,7 +396,7 @@ int Mip::search(OsiSolverInterface &solver) {
     NodeWatch nodes(*this);
     if (run.model.callback)
         cbc.addCutGenerator(&nodes, 1, "callback");
-    TreeWatch tree(*this);
+    TreeWatch tree(*this, cbc);
     cbc.passInEventHandler(&tree);
     run.enter(KVX_CB_MIP);
     lastCandidate = std::numeric_limits<double>::infinity();

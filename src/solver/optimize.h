@@ -30,6 +30,9 @@ struct Problem {
 
     // The largest violation of a bound or row, relative to the size of what it violates; infinite
     // for a violated set.
+    double linearViolation(const std::vector<double> &x) const;
+
+    // The same; infinite when a set doesn't hold.
     double violation(const std::vector<double> &x) const;
 
     void addRow(const Row &row);

@@ -103,7 +103,7 @@ double Problem::objective(const std::vector<double> &x) const {
     return sense * value;
 }
 
-double Problem::violation(const std::vector<double> &x) const {
+double Problem::linearViolation(const std::vector<double> &x) const {
     double worst = 0;
     for (size_t j = 0; j < cost.size(); j++)
         worst = std::max(worst, excess(x[j], lower[j], upper[j]));
@@ -111,10 +111,14 @@ double Problem::violation(const std::vector<double> &x) const {
     matrix.times(x.data(), activity.data());
     for (size_t i = 0; i < activity.size(); i++)
         worst = std::max(worst, excess(activity[i], rowLower[i], rowUpper[i]));
+    return worst;
+}
+
+double Problem::violation(const std::vector<double> &x) const {
     for (const Sos &set : sets)
         if (!holds(set, x))
-            worst = KVX_INFINITY;
-    return worst;
+            return KVX_INFINITY;
+    return linearViolation(x);
 }
 
 CoinPackedVector packed(const Row &row) {

@@ -96,7 +96,7 @@ void solve(ClpSimplex &lp, Run &run) {
     options.setSolveType(method == 0   ? ClpSolve::usePrimal
                          : method == 1 ? ClpSolve::useDual
                          : method == 2 ? ClpSolve::useBarrier
-                                       : ClpSolve::automatic);
+                                       : ClpSolve::useDual);
     if (!presolve)
         run.enter(KVX_CB_SIMPLEX);
     lp.initialSolve(options);
@@ -124,7 +124,7 @@ Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
         return std::vector<double>(x, x + problem.cost.size());
     };
     auto settled = [&] {
-        return lp.status() == optimal && problem.violation(point()) <= tolerance;
+        return lp.status() == optimal && problem.linearViolation(point()) <= tolerance;
     };
     for (int attempt = 0; attempt < 2 && !settled() && !run.stopped(); attempt++) {
         if (attempt == 1)
