@@ -418,21 +418,30 @@ int KVXfreemodel(KVXmodel *model);
 
 /** A copy that belongs to another environment. @param env must not be null */
 int KVXcopymodeltoenv(KVXmodel *model, KVXenv *env, KVXmodel **newP);
-/** The model without integrality, SOS and general constraints. */
+/** The model without integrality, SOS and general constraints; semi-continuous variables may be
+ * anywhere between 0 and their bounds. */
 int KVXrelaxmodel(KVXmodel *model, KVXmodel **newP);
-/** The linear model in which discrete variables are fixed at the best solution. */
+/** The model in which whatever made it discrete is fixed at the best solution, which stays optimal:
+ * integer variables, zero members of SOS, variables of general constraints and of piecewise-linear
+ * objective terms. */
 int KVXfixmodel(KVXmodel *model, KVXmodel **newP);
 /** The same in place. */
 int KVXconverttofixed(KVXmodel *model);
-/** The model after presolve; same optimal value. */
+/** The model after presolve; same optimal value. The model itself where presolve finds that it has
+ * no optimum. For models with linear constraints and one linear objective. */
 int KVXpresolvemodel(KVXmodel *model, KVXmodel **newP);
-/** The dual of a linear model; same optimal value. */
+/** The dual of a linear model; same optimal value. Its constraints are the model's variables; each
+ * finite side of a constraint or bound is a variable, an equation's two sides one. */
 int KVXdualmodel(KVXmodel *model, KVXmodel **newP);
-/** The model that minimises the sum of constraint violations. */
+/** The model that minimises the sum of violations of its linear constraints; all else is kept. */
 int KVXfeasibility(KVXmodel *model, KVXmodel **newP);
-/** The model with general constraints replaced by linear constraints and SOS. */
+/** The model with general constraints, semi-continuous variables and piecewise-linear objective
+ * terms replaced by linear constraints, integer variables and SOS. Its first variables and
+ * constraints are those of the model. Refused, with a text that names the constraint, for quadratic
+ * constraints, 2-norms, polynomials and the functions from exponential to nonlinear expression. */
 int KVXlinearizemodel(KVXmodel *model, KVXmodel **newP);
-/** The model of the current scenario (attribute "ScenarioNumber"). */
+/** The model of the current scenario (attribute "ScenarioNumber"). (A model of this library has one
+ * scenario, itself.) */
 int KVXsinglescenariomodel(KVXmodel *model, KVXmodel **newP);
 
 /**
@@ -593,13 +602,15 @@ int KVXaddgenconstrAbs(KVXmodel *model, const char *name, int resvar, int argvar
 int KVXaddgenconstrAnd(KVXmodel *model, const char *name, int resvar, int nvars, const int *vars);
 /** resvar = 1 if any of the binary vars is 1, else 0. */
 int KVXaddgenconstrOr(KVXmodel *model, const char *name, int resvar, int nvars, const int *vars);
-/** resvar = norm of vars. @param which 0, 1, 2 or KVX_INFINITY */
+/** resvar = norm of vars. @param which 0, 1, 2 or KVX_INFINITY. For 0 a continuous operand counts
+ * from ten times the parameter "FeasibilityTol" on; what is less must be 0. */
 int KVXaddgenconstrNorm(KVXmodel *model, const char *name, int resvar, int nvars, const int *vars,
                         double which);
 /** If binvar = binval then the linear constraint holds. */
 int KVXaddgenconstrIndicator(KVXmodel *model, const char *name, int binvar, int binval, int numlnz,
                              const int *lind, const double *lval, char sense, double rhs);
-/** y = piecewise-linear function of x through npts breakpoints of non-decreasing xpts. */
+/** y = piecewise-linear function of x through npts breakpoints of non-decreasing xpts; beyond them
+ * the first and the last segment go on, at a jump y is anywhere between both values. */
 int KVXaddgenconstrPWL(KVXmodel *model, const char *name, int xvar, int yvar, int npts,
                        const double *xpts, const double *ypts);
 /* The options of the functions that follow are kept with the constraint, without a meaning. */
@@ -808,10 +819,10 @@ int KVXsetcallbackfunc(KVXmodel *model, KVXcallback callback, void *userdata);
 /** Solves the model. A limit, an interruption or infeasibility is not a failure: the status is 0
  * and the attribute "Status" tells. */
 int KVXoptimize(KVXmodel *model);
-/** Starts to solve the model on a thread of the library's own. Until KVXsync calls that would change
- * the model or its parameters are refused with KVX_ERROR_IN_PROGRESS. Its data can be read, and
- * "Status" and "Runtime"; other attributes of the solution give KVX_ERROR_DATA_NOT_AVAILABLE. The
- * same holds inside the callbacks of any run. */
+/** Starts to solve the model on a thread of the library's own. Until KVXsync calls that would
+ * change the model or its parameters are refused with KVX_ERROR_IN_PROGRESS. Its data can be read,
+ * and "Status" and "Runtime"; other attributes of the solution give KVX_ERROR_DATA_NOT_AVAILABLE.
+ * The same holds inside the callbacks of any run. */
 int KVXoptimizeasync(KVXmodel *model);
 /** Waits for the end of a background run and returns its status; 0 when there was none.
  * KVX_ERROR_IN_PROGRESS inside a callback of that run. */

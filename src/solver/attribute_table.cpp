@@ -1,7 +1,6 @@
 #include "attributes.h"
 
 #include <cmath>
-#include <cstring>
 
 namespace korvex {
 namespace {
@@ -120,10 +119,6 @@ Range withUpper(const Constraint &constr, double upper) {
     return {constr.lower, upper, senseOf(constr.lower, upper)};
 }
 
-bool isInteger(const Variable &var) {
-    return std::strchr("BIN", var.type);
-}
-
 bool isBinary(const Variable &var) {
     return var.type == KVX_BINARY || (var.type == KVX_INTEGER && var.lb >= 0 && var.ub <= 1);
 }
@@ -205,7 +200,7 @@ double violation(M &model, size_t) {
     for (size_t j = 0; j < x.size(); j++) {
         const Variable &var = model.vars[j];
         double outside = std::max(var.lb - x[j], x[j] - var.ub);
-        if (var.type == KVX_SEMICONT || var.type == KVX_SEMIINT)
+        if (isSemi(var))
             outside = std::min(outside, std::abs(x[j]));
         worst = std::max({worst, outside, isInteger(var) ? std::abs(x[j] - std::round(x[j])) : 0});
     }

@@ -27,6 +27,20 @@ std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, const ModelData &data) {
     return model;
 }
 
+void addConstraint(ModelData &model, Constraint constr) {
+    const int i = static_cast<int>(model.constrs.size());
+    for (auto [index, value] : constr.row)
+        model.vars[static_cast<size_t>(index)].column.push_back({i, value});
+    model.constrs.push_back(std::move(constr));
+}
+
+void addVariable(ModelData &model, Variable var) {
+    const int j = static_cast<int>(model.vars.size());
+    for (auto [index, value] : var.column)
+        model.constrs[static_cast<size_t>(index)].row.push_back({j, value});
+    model.vars.push_back(std::move(var));
+}
+
 namespace {
 
 template <class Element>

@@ -173,6 +173,17 @@ void endRun(KVXmodel &model);
 // run.cpp: the attribute "Status"; a background run's is there before KVXsync.
 int currentStatus(const KVXmodel &model);
 
+// Adds a row or column with its entries to a matrix.
+void addConstraint(ModelData &model, Constraint constr);
+void addVariable(ModelData &model, Variable var);
+
+inline bool isSemi(const Variable &var) {
+    return var.type == KVX_SEMICONT || var.type == KVX_SEMIINT;
+}
+inline bool isInteger(const Variable &var) {
+    return var.type == KVX_BINARY || var.type == KVX_INTEGER || var.type == KVX_SEMIINT;
+}
+
 // The name of an element, made of its index when it has none.
 std::string varName(const ModelData &model, int index);
 std::string constrName(const ModelData &model, int index);

@@ -1,30 +1,6 @@
 // Placeholders for functions that are not there yet: weak, so that a real one wins.
 #include "korvex.h"
 
-__attribute__((weak)) int KVXcopymodeltoenv(KVXmodel *, KVXenv *, KVXmodel **) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXrelaxmodel(KVXmodel *, KVXmodel **) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXfixmodel(KVXmodel *, KVXmodel **) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXpresolvemodel(KVXmodel *, KVXmodel **) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXdualmodel(KVXmodel *, KVXmodel **) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXfeasibility(KVXmodel *, KVXmodel **) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXlinearizemodel(KVXmodel *, KVXmodel **) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXsinglescenariomodel(KVXmodel *, KVXmodel **) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
 __attribute__((weak)) int KVXfeasrelax(KVXmodel *, int, int, const double *, const double *,
                                        const double *, double *) {
     return KVX_ERROR_NOT_SUPPORTED;
@@ -72,9 +48,6 @@ __attribute__((weak)) int KVXgetbatchjsonsolution(KVXbatch *, char **) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
 __attribute__((weak)) int KVXwritebatchjsonsolution(KVXbatch *, const char *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXconverttofixed(KVXmodel *) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
 __attribute__((weak)) int KVXtunemodel(KVXmodel *) {

@@ -120,3 +120,9 @@ std::string described(KVXmodel *model) {
     }
     return out.str();
 }
+
+// Some of COIN's presolve actions don't give everything back.
+extern "C" const char *__lsan_default_suppressions();
+extern "C" const char *__lsan_default_suppressions() {
+    return "leak:implied_free_action::presolve\nleak:presolve_dupmajor\n";
+}
