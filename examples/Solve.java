@@ -11,21 +11,29 @@ import java.util.List;
 import java.util.Locale;
 import java.util.concurrent.CountDownLatch;
 import java.util.function.DoubleSupplier;
+import java.util.function.IntFunction;
 
 /** Solves a model file, shows the progress that callbacks report, and prints the result. */
 public final class Solve {
-    private static final String USAGE = String.join(
-        "\n", "Usage: solve [MODEL] [OPTION]...",
-        "Solves a model file (.mps or .lp, also .gz or .bz2); a facility location model by default.",
-        "", "  --set NAME=VALUE  set a parameter of the solver; may be given several times",
-        "  --time-limit S    end after S seconds", "  --threads N       use N threads",
+    // clang-format off
+    private static final String USAGE = String.join("\n",
+        "Usage: solve [MODEL] [OPTION]...",
+        "Solves a model file (.mps or .lp, also .gz or .bz2); by default one of a facility location.",
+        "",
+        "  --set NAME=VALUE  set a parameter of the solver; may be given several times",
+        "  --time-limit S    end after S seconds",
+        "  --threads N       use N threads",
         "  --async           solve on a thread of the solver's own and wait for it",
-        "  --quiet           show no progress", "  --log             show the solver's log",
+        "  --quiet           show no progress",
+        "  --log             show the solver's log",
         "  --json FILE       write the solution as JSON",
         "  --write FILE      write the solution (.sol), start (.mst), basis (.bas) or model",
-        "  --help            show this", "",
+        "  --iis             name the constraints and bounds that make a model infeasible",
+        "  --help            show this",
+        "",
         "Exit status: 0 optimal, 1 failure, 2 bad usage or unreadable model, 3 infeasible or",
         "unbounded, 4 ended by a limit or an interruption (Ctrl-C).");
+    // clang-format on
 
     /** The words for the values of the attribute "Status", from KVX.STATUS_LOADED on. */
     private static final List<String> WORDS = List.of(
@@ -42,7 +50,7 @@ public final class Solve {
         Path.of(System.getProperty("korvex.examples", "examples"), "models", "facilities.mps")
             .toString();
     private final List<String[]> parameters = new ArrayList<>();
-    private boolean async, quiet, log;
+    private boolean async, quiet, log, iis;
     private String jsonFile, resultFile;
 
     private final Progress progress = new Progress();
@@ -88,6 +96,9 @@ public final class Solve {
                 continue;
             case "--log":
                 log = true;
+                continue;
+            case "--iis":
+                iis = true;
                 continue;
             default:
             }
@@ -206,6 +217,28 @@ public final class Solve {
         System.out.println("Gap: " + number(() -> model.getDouble("MIPGap")));
         System.out.printf("Time: %.2f s%n", model.getDouble("Runtime"));
         exitStatus = exitStatus(status);
+        if (iis &&
+            (status == KVX.STATUS_INFEASIBLE || status == KVX.STATUS_INFEASIBLE_OR_UNBOUNDED))
+            reportConflict(model);
+    }
+
+    private static void reportConflict(KVXModel model) {
+        model.computeIIS();
+        int numConstrs = model.getInt("NumConstrs"), numVars = model.getInt("NumVars");
+        String[] variables = model.getStrings("VarName", 0, numVars);
+        double[] lb = model.getDoubles("LB", 0, numVars), ub = model.getDoubles("UB", 0, numVars);
+        System.out.println("These can't hold together, but could without any one of them:");
+        list(model.getInts("IISConstr", 0, numConstrs),
+             i -> "constraint " + model.getStrings("ConstrName", i, 1)[0]);
+        list(model.getInts("IISLB", 0, numVars), j -> "bound " + variables[j] + " >= " + lb[j]);
+        list(model.getInts("IISUB", 0, numVars), j -> "bound " + variables[j] + " <= " + ub[j]);
+        list(model.getInts("IISSOS", 0, model.getInt("NumSOS")), k -> "set number " + k);
+    }
+
+    private static void list(int[] belongs, IntFunction<String> text) {
+        for (int i = 0; i < belongs.length; i++)
+            if (belongs[i] != 0)
+                System.out.println("  " + text.apply(i));
     }
 
     private static int exitStatus(int status) {

@@ -18,14 +18,18 @@ import java.util.Random;
  * that forbid these small tours, and the search goes on.
  */
 public final class Tour {
-    private static final String USAGE =
-        String.join("\n", "Usage: tour [OPTION VALUE]...",
-                    "Finds a shortest tour through cities at random points and draws it.", "",
-                    "  --cities N      number of cities, from 3 to 200; 40 by default",
-                    "  --seed S        another set of points; 1 by default",
-                    "  --time-limit S  end after S seconds, with the best tour so far",
-                    "  --out FILE      the drawing; tour.svg by default", "",
-                    "Exit status: 0 optimal, 1 failure, 2 bad usage, 4 time limit.");
+    // clang-format off
+    private static final String USAGE = String.join("\n",
+        "Usage: tour [OPTION VALUE]...",
+        "Finds a shortest tour through cities at random points and draws it.",
+        "",
+        "  --cities N      number of cities, from 3 to 200; 40 by default",
+        "  --seed S        another set of points; 1 by default",
+        "  --time-limit S  end after S seconds, with the best tour so far",
+        "  --out FILE      the drawing; tour.svg by default",
+        "",
+        "Exit status: 0 optimal, 1 failure, 2 bad usage, 4 time limit.");
+    // clang-format on
 
     private final double[][] cities;
     private int forbidden;
