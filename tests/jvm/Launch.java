@@ -9,6 +9,8 @@ import java.util.concurrent.TimeUnit;
 
 /** A program that ran: its exit status and what it wrote. */
 record Launch(int status, List<String> out, String err) {
+    static final Path LIB = Path.of(System.getProperty("java.library.path"));
+
     /** What a test does to the program while it runs. */
     interface Meddling {
         void with(Process process) throws Exception;
@@ -40,18 +42,16 @@ record Launch(int status, List<String> out, String err) {
     }
 
     /** Runs an example program with this virtual machine's settings. */
-    static Launch java(List<String> options, String main, String... args) throws Exception {
-        return of(javaCommand(options, main, args), process -> {});
+    static Launch java(String main, String... args) throws Exception {
+        return of(javaCommand(LIB, main, args), process -> {});
     }
 
-    static List<String> javaCommand(List<String> options, String main, String... args) {
-        String lib = System.getProperty("java.library.path");
+    static List<String> javaCommand(Path library, String main, String... args) {
         List<String> command = new ArrayList<>(
             List.of(Path.of(System.getProperty("java.home"), "bin", "java").toString(),
-                    "-Djava.library.path=" + lib,
-                    "-Dkorvex.examples=" + System.getProperty("korvex.examples")));
-        command.addAll(options);
-        command.addAll(List.of("-cp", lib + "/solve.jar", main));
+                    "-Djava.library.path=" + library,
+                    "-Dkorvex.examples=" + System.getProperty("korvex.examples"), "-cp",
+                    LIB.resolve("solve.jar") + ":" + LIB.resolve("tour.jar"), main));
         command.addAll(List.of(args));
         return command;
     }

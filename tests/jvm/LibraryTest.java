@@ -1,7 +1,6 @@
 package com.korvex;
 
-import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertTrue;
+import static org.junit.jupiter.api.Assertions.*;
 
 import java.lang.reflect.Field;
 import java.lang.reflect.Modifier;
@@ -21,8 +20,7 @@ import org.junit.jupiter.api.io.TempDir;
 
 /** The shared library as it lies on disk, and how it is loaded. */
 class LibraryTest {
-    private static final Path LIBRARY =
-        Path.of(System.getProperty("java.library.path"), "libkorvexjni130.so");
+    private static final Path LIBRARY = Launch.LIB.resolve("libkorvexjni130.so");
 
     @Test
     void exportsAreTheDeclaredNatives() throws Exception {
@@ -79,14 +77,14 @@ class LibraryTest {
 
     @Test
     void missingLibrariesAreNamedWithTheWayOut(@TempDir Path empty) throws Exception {
-        Launch missing = Launch.java(List.of("-Djava.library.path=" + empty), "Solve");
+        Launch missing = Launch.of(Launch.javaCommand(empty, "Solve"), process -> {});
         assertEquals(1, missing.status());
         assertTrue(missing.err().contains("libkorvexjni130.so is in no directory of "
                                           + "java.library.path (" + empty),
                    missing.err());
         // The bridge without the solver beside it.
         Files.copy(LIBRARY, empty.resolve(LIBRARY.getFileName()));
-        Launch alone = Launch.java(List.of("-Djava.library.path=" + empty), "Solve");
+        Launch alone = Launch.of(Launch.javaCommand(empty, "Solve"), process -> {});
         assertEquals(1, alone.status());
         assertTrue(alone.err().contains("libkorvex130.so, must lie beside it or in a directory of "
                                         + "the environment variable LD_LIBRARY_PATH"),

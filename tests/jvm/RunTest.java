@@ -1,11 +1,6 @@
 package com.korvex;
 
-import static org.junit.jupiter.api.Assertions.assertDoesNotThrow;
-import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertFalse;
-import static org.junit.jupiter.api.Assertions.assertSame;
-import static org.junit.jupiter.api.Assertions.assertThrows;
-import static org.junit.jupiter.api.Assertions.assertTrue;
+import static org.junit.jupiter.api.Assertions.*;
 
 import java.nio.file.Files;
 import java.nio.file.Path;
@@ -16,7 +11,6 @@ import java.util.concurrent.atomic.AtomicInteger;
 import java.util.concurrent.atomic.AtomicReference;
 import java.util.function.Consumer;
 import org.junit.jupiter.api.AfterEach;
-import org.junit.jupiter.api.Assertions;
 import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.Timeout;
@@ -83,7 +77,7 @@ class RunTest {
             run(model, async);
             assertEquals(KVX.STATUS_OPTIMAL, model.getInt("Status"));
             double[] x = model.getDoubles("X", 0, 24);
-            Assertions.assertArrayEquals(best.get(), x, 1e-6);
+            assertArrayEquals(best.get(), x, 1e-6);
             assertEquals(optimum(Models.marketSplit(env, 20, 2, 1), !async),
                          model.getDouble("ObjVal"), 1e-6);
         }
@@ -344,7 +338,7 @@ class RunTest {
         KorvexJni.freeenv(slot[0]);
         int[] version = new int[3];
         KorvexJni.version(version);
-        Assertions.assertArrayEquals(new int[] {13, 0, 3}, version);
+        assertArrayEquals(new int[] {13, 0, 3}, version);
     }
 
     @Test

@@ -1,7 +1,6 @@
 package com.korvex;
 
-import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertTrue;
+import static org.junit.jupiter.api.Assertions.*;
 import static org.junit.jupiter.api.DynamicTest.dynamicTest;
 
 import java.nio.file.Files;
@@ -41,7 +40,7 @@ class SolveTest {
         return Stream.of(rows).map(
             row -> dynamicTest(row[1], () -> {
                 String[] args = List.of(row).subList(2, row.length).toArray(new String[0]);
-                Launch run = Launch.java(List.of(), "Solve", args);
+                Launch run = Launch.java("Solve", args);
                 assertEquals(row[0] + " " + row[1], run.status() + " " + run.value("Status"));
                 assertEquals("", run.err());
                 assertEquals(row[0].equals("3"), run.value("Objective").equals("-"));
@@ -68,7 +67,7 @@ class SolveTest {
         return Stream.of(rows).map(
             row -> dynamicTest(row[0], () -> {
                 String[] args = List.of(row).subList(1, row.length).toArray(new String[0]);
-                Launch run = Launch.java(List.of(), "Solve", args);
+                Launch run = Launch.java("Solve", args);
                 assertEquals(2, run.status());
                 assertEquals(List.of(), run.out());
                 assertTrue(run.err().contains(row[0]), run.err());
@@ -78,7 +77,7 @@ class SolveTest {
 
     @Test
     void helpNamesEveryOption() throws Exception {
-        Launch help = Launch.java(List.of(), "Solve", "--help");
+        Launch help = Launch.java("Solve", "--help");
         assertEquals(0, help.status());
         for (String option : List.of("--set", "--time-limit", "--threads", "--async", "--quiet",
                                      "--json", "--write", "--help"))
@@ -89,11 +88,11 @@ class SolveTest {
     void resultFiles() throws Exception {
         String json = directory.resolve("result.json").toString();
         String solution = directory.resolve("result.sol").toString();
-        Launch run = Launch.java(List.of(), "Solve", BAKERY, "--json", json, "--write", solution);
+        Launch run = Launch.java("Solve", BAKERY, "--json", json, "--write", solution);
         assertEquals(0, run.status(), run.err());
         assertTrue(Files.readString(Path.of(json)).contains("\"objective\": 1073.18"));
         assertTrue(Files.readString(Path.of(solution)).contains("white 24.3"));
-        Launch unwritable = Launch.java(List.of(), "Solve", BAKERY, "--json", "/no/such/file");
+        Launch unwritable = Launch.java("Solve", BAKERY, "--json", "/no/such/file");
         assertEquals(1, unwritable.status());
         assertTrue(unwritable.err().contains("/no/such/file"), unwritable.err());
     }
@@ -101,7 +100,7 @@ class SolveTest {
     @Test
     void anInterruptionStillReports() throws Exception {
         for (String mode : List.of("--async", "--log")) {
-            Launch run = Launch.of(Launch.javaCommand(List.of(), "Solve", mode), process -> {
+            Launch run = Launch.of(Launch.javaCommand(Launch.LIB, "Solve", mode), process -> {
                 TimeUnit.MILLISECONDS.sleep(1500);
                 Launch.of("kill", "-INT", Long.toString(process.pid()));
             });
