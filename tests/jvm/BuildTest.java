@@ -4,7 +4,6 @@ import static org.junit.jupiter.api.Assertions.*;
 import static org.junit.jupiter.api.DynamicTest.dynamicTest;
 
 import java.lang.reflect.Array;
-import java.lang.reflect.Method;
 import java.util.ArrayList;
 import java.util.List;
 import java.util.stream.IntStream;
@@ -52,19 +51,8 @@ class BuildTest {
         env.close();
     }
 
-    private static Object invoke(String name, Object... args) {
-        try {
-            for (Method method : KorvexJni.class.getMethods())
-                if (method.getName().equals(name))
-                    return method.invoke(null, args);
-        } catch (ReflectiveOperationException e) {
-            throw new AssertionError(name, e);
-        }
-        throw new AssertionError("no native " + name);
-    }
-
     private void ok(String name, Object... args) {
-        assertEquals(0, invoke(name, args),
+        assertEquals(0, Natives.call(name, args),
                      () -> name + ": " + KorvexJni.geterrormsg(KorvexJni.getenv(handle)));
     }
 
@@ -137,8 +125,8 @@ class BuildTest {
                 ok("addgenconstrabs", handle, null, 0, 1);
                 if (!row[0].equals("abs"))
                     assertEquals(KVX.ERROR_INVALID_ARGUMENT,
-                                 invoke("getgenconstr" + row[0],
-                                        join(new Object[] {handle, index + 1}, nothing)));
+                                 Natives.call("getgenconstr" + row[0],
+                                              join(new Object[] {handle, index + 1}, nothing)));
                 assertEquals("name of " + row[0], model.getStrings("GenConstrName", index, 1)[0]);
                 assertEquals(List.of(kinds).indexOf(row),
                              model.getInts("GenConstrType", index, 1)[0]);
@@ -222,7 +210,7 @@ class BuildTest {
         int[] index = {UNTOUCHED};
         ok("getvarbyname", handle, "z", index);
         assertEquals(3, index[0]);
-        assertEquals(KVX.ERROR_NOT_FOUND, invoke("getconstrbyname", handle, "z", index));
+        assertEquals(KVX.ERROR_NOT_FOUND, Natives.call("getconstrbyname", handle, "z", index));
         assertEquals(3, index[0]);
     }
 
@@ -277,7 +265,7 @@ class BuildTest {
         for (String kind : new String[] {"sos", "qconstrs", "genconstrs"}) {
             ok("del" + kind, handle, 1, new int[] {0});
             assertEquals(KVX.ERROR_INDEX_OUT_OF_RANGE,
-                         invoke("del" + kind, handle, 1, new int[] {1}));
+                         Natives.call("del" + kind, handle, 1, new int[] {1}));
         }
         assertEquals("second second", model.getStrings("QCName", 0, 1)[0] + " " +
                                           model.getStrings("GenConstrName", 0, 1)[0]);
