@@ -251,9 +251,9 @@ int KVXstartenv(KVXenv *env);
 KVXenv *KVXgetenv(KVXmodel *model);
 
 /**
- * The model's concurrent environment number num (from 0), made by the first call: a set of
- * parameters for one of several concurrent solves. Null when the library can't (see
- * KVXgetmerrormsg). Belongs to the model.
+ * The model's concurrent environment number num (from 0): a set of parameters for one of several
+ * concurrent solves. Belongs to the model. Null when the library can't, with the reason in
+ * KVXgetmerrormsg; this library can't: it solves a model with one set of parameters.
  */
 KVXenv *KVXgetconcurrentenv(KVXmodel *model, int num);
 

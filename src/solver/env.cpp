@@ -34,16 +34,6 @@ int newEnv(KVXenv **envP, int interfacenum, int major, int minor, int technical,
     });
 }
 
-// An environment of a model, made when it is first asked for.
-KVXenv *modelEnv(KVXmodel &model, std::map<int, std::unique_ptr<KVXenv>> &envs, int number) {
-    std::unique_ptr<KVXenv> &env = envs[number];
-    if (!env) {
-        env = std::make_unique<KVXenv>(model.env);
-        env->error.clear();
-    }
-    return env.get();
-}
-
 } // namespace
 
 int KVXemptyenvadvinternal(KVXenv **envP, int interfacenum, int major, int minor, int technical,
@@ -76,28 +66,28 @@ KVXenv *KVXgetenv(KVXmodel *model) {
     return model ? &model->env : nullptr;
 }
 
-KVXenv *KVXgetconcurrentenv(KVXmodel *model, int num) {
-    KVXenv *env = nullptr;
-    guarded(model, [&] {
-        if (num < 0)
-            fail(KVX_ERROR_INDEX_OUT_OF_RANGE, "concurrent environment %d", num);
-        env = modelEnv(*model, model->concurrentEnvs, num);
+KVXenv *KVXgetconcurrentenv(KVXmodel *model, int) {
+    guardedRead(model, [] {
+        fail(KVX_ERROR_NOT_SUPPORTED, "a model isn't solved with several settings at once");
     });
-    return env;
+    return nullptr;
 }
 
-void KVXdiscardconcurrentenvs(KVXmodel *model) {
-    guarded(model, [&] { model->concurrentEnvs.clear(); });
-}
+void KVXdiscardconcurrentenvs(KVXmodel *) {}
 
 KVXenv *KVXgetmultiobjenv(KVXmodel *model, int index) {
-    KVXenv *env = nullptr;
+    KVXenv *result = nullptr;
     guarded(model, [&] {
         if (index < 0 || static_cast<size_t>(index) >= model->objectives.size())
             fail(KVX_ERROR_INDEX_OUT_OF_RANGE, "there is no objective %d", index);
-        env = modelEnv(*model, model->multiobjEnvs, index);
+        std::unique_ptr<KVXenv> &env = model->multiobjEnvs[index];
+        if (!env) {
+            env = std::make_unique<KVXenv>(model->env);
+            env->error.clear();
+        }
+        result = env.get();
     });
-    return env;
+    return result;
 }
 
 void KVXdiscardmultiobjenvs(KVXmodel *model) {

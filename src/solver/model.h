@@ -141,7 +141,7 @@ struct KVXmodel : korvex::ModelData {
     std::chrono::steady_clock::time_point runStart; // set before running
     std::shared_ptr<korvex::Run> run; // the present run, or the last background one until KVXsync
 
-    std::map<int, std::unique_ptr<KVXenv>> concurrentEnvs, multiobjEnvs;
+    std::map<int, std::unique_ptr<KVXenv>> multiobjEnvs; // by objective
     std::set<std::string> madeNames; // of elements without one, handed out as attributes
 
     KVXmodel() {

@@ -175,15 +175,18 @@ void setParams(KVXenv &env, std::vector<ParameterValue> values) {
     env.logFile.swap(file);
 }
 
-void setParam(KVXenv &env, const char *name, const ParameterValue &value) {
-    size_t i = position(name);
+namespace {
+
+void assign(KVXenv &env, size_t i, const ParameterValue &value) {
     std::vector<ParameterValue> values = env.parameters;
     values[i] = checked(i, value);
     setParams(env, std::move(values));
 }
 
-void setParamFromText(KVXenv &env, const char *name, const std::string &text) {
-    setParam(env, name, fromText(position(name), text));
+} // namespace
+
+void setParam(KVXenv &env, const char *name, const ParameterValue &value) {
+    assign(env, position(name), value);
 }
 
 void writeParams(const KVXenv &env, std::ostream &file) {
@@ -259,22 +262,25 @@ int KVXgetstrparaminfo(KVXenv *env, const char *name, char *current, char *stand
 }
 
 int KVXsetintparam(KVXenv *env, const char *name, int value) {
-    return guarded(env, [&] { setParam(*env, table()[position<int>(name)].name, value); });
+    return guarded(env, [&] { assign(*env, position<int>(name), value); });
 }
 
 int KVXsetdblparam(KVXenv *env, const char *name, double value) {
-    return guarded(env, [&] { setParam(*env, table()[position<double>(name)].name, value); });
+    return guarded(env, [&] { assign(*env, position<double>(name), value); });
 }
 
 int KVXsetstrparam(KVXenv *env, const char *name, const char *value) {
     return guarded(env, [&] {
         size_t i = position<std::string>(name);
-        setParam(*env, table()[i].name, std::string(needed(value, "value")));
+        assign(*env, i, std::string(needed(value, "value")));
     });
 }
 
 int KVXsetparam(KVXenv *env, const char *name, const char *value) {
-    return guarded(env, [&] { setParamFromText(*env, name, needed(value, "value")); });
+    return guarded(env, [&] {
+        size_t i = position(name);
+        assign(*env, i, fromText(i, needed(value, "value")));
+    });
 }
 
 int KVXresetparams(KVXenv *env) {

@@ -15,10 +15,8 @@ int intParam(const KVXenv &env, const char *name);
 double dblParam(const KVXenv &env, const char *name);
 const std::string &strParam(const KVXenv &env, const char *name);
 
-// Sets a parameter by its value or text; fails without a change when that isn't allowed. An int
-// will do for a double.
+// Sets a parameter; fails without a change when that isn't allowed. An int will do for a double.
 void setParam(KVXenv &env, const char *name, const ParameterValue &value);
-void setParamFromText(KVXenv &env, const char *name, const std::string &text);
 
 // Sets all parameters at once.
 void setParams(KVXenv &env, std::vector<ParameterValue> values);

@@ -7,6 +7,7 @@
 #include <limits>
 #include <map>
 #include <set>
+#include <tuple>
 
 namespace {
 
@@ -290,6 +291,15 @@ TEST(Build, RefusesBadInputAndLeavesTheModelAlone) {
         EXPECT_EQ(before, described(m)) << text;
     }
     EXPECT_EQ(invalid, KVXdelq(nullptr));
+    const int lengths[] = {2, -1}, tooFar[] = {1, 1};
+    KVXmodel *loaded = nullptr;
+    for (auto [len, ind, sense, objsense] :
+         {std::tuple(lengths, none, "<<", 1), std::tuple(none, far, "<<", 0),
+          std::tuple(tooFar, far, "<<", 1), std::tuple(tooFar, none, "<?", 1)})
+        EXPECT_NE(KVX_OK,
+                  KVXloadmodel(env, &loaded, nullptr, 2, 2, objsense, 0, ones, sense, ones, back,
+                               len, ind, ones, low, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(nullptr, loaded);
 }
 
 } // namespace
