@@ -1,0 +1,109 @@
+package com.korvex;
+
+import static org.junit.jupiter.api.Assertions.*;
+
+import org.junit.jupiter.api.AfterEach;
+import org.junit.jupiter.api.BeforeEach;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.Timeout;
+
+/** What can be had of a solved model: its basis, and derived models. */
+@Timeout(60)
+class SolutionTest {
+    private KVXEnv env;
+    private KVXModel model;
+
+    @BeforeEach
+    void solve() {
+        env = Models.quietEnv();
+        model = KVXModel.read(env, System.getProperty("korvex.examples") + "/models/bakery.lp");
+        model.optimize();
+    }
+
+    @AfterEach
+    void close() {
+        model.close();
+        env.close();
+    }
+
+    /** A sparse result as a whole vector. */
+    private static double[] whole(int size, int[] count, int[] ind, double[] val) {
+        double[] vector = new double[size];
+        for (int k = 0; k < count[0]; k++)
+            vector[ind[k]] = val[k];
+        return vector;
+    }
+
+    @Test
+    void basisTimesItsInverseIsOne() {
+        long m = model.handle();
+        int rows = model.getInt("NumConstrs"), columns = model.getInt("NumVars");
+        int[] head = new int[rows];
+        head[0] = rows;
+        assertEquals(0, KorvexJni.basishead(m, head));
+        for (int k = 0; k < rows; k++) {
+            double[] one = new double[rows];
+            one[k] = 1;
+            int j = head[k];
+            int[] length = {rows}, ind = {j - columns, 0, 0, 0}, count = {rows},
+                  xind = new int[rows];
+            double[] val = {1, 0, 0, 0}, xval = new double[rows];
+            if (j < columns)
+                assertEquals(0, KorvexJni.getvars(m, length, new int[1], ind, val, j, 1));
+            else
+                length[0] = 1;
+            assertEquals(0, KorvexJni.fsolve(m, length[0], ind, val, count, xind, xval));
+            assertArrayEquals(one, whole(rows, count, xind, xval), 1e-9);
+            count[0] = rows;
+            assertEquals(0, KorvexJni.binvcolj(m, j, count, xind, xval));
+            assertArrayEquals(one, whole(rows, count, xind, xval), 1e-9);
+            // y B = the k-th unit vector: y times the column is 1, the slot before holds the room.
+            count[0] = rows;
+            assertEquals(
+                0, KorvexJni.bsolve(m, 1, new int[] {k}, new double[] {1}, count, xind, xval));
+            double[] y = whole(rows, count, xind, xval);
+            double product = 0;
+            for (int i = 0; i < length[0]; i++)
+                product += y[ind[i]] * val[i];
+            assertEquals(1, product, 1e-9);
+            int[] wide = {rows + columns}, wideInd = new int[rows + columns];
+            double[] wideVal = new double[rows + columns];
+            assertEquals(0, KorvexJni.binvrowi(m, k, wide, wideInd, wideVal));
+            assertEquals(1, whole(rows + columns, wide, wideInd, wideVal)[j], 1e-9);
+            // Too little room is refused, and the slot keeps what it held.
+            int[] none = {0};
+            assertNotEquals(0, KorvexJni.binvcolj(m, j, none, xind, xval));
+            assertEquals(0, none[0]);
+        }
+    }
+
+    @Test
+    void derivedModelsAreModelsOfTheirOwn() {
+        try (KVXEnv other = Models.quietEnv()) {
+            long[] slot = {0};
+            assertEquals(0, KorvexJni.copymodel(model.handle(), other.handle(), slot));
+            try (KVXModel copy = KVXModel.adopt(other, slot[0])) {
+                model.close();
+                copy.optimize();
+                assertEquals(1073.1891891891892, copy.getDouble("ObjVal"), 1e-9);
+            }
+        }
+        try (KVXModel split = Models.marketSplit(env, 12, 2, 3)) {
+            split.optimize();
+            for (String name : new String[] {"relaxmodel", "fixedmodel", "presolvemodel",
+                                             "feasibility", "linearize", "singlescenariomodel"}) {
+                long[] slot = {0};
+                assertEquals(0, Natives.call(name, split.handle(), slot), name);
+                try (KVXModel derived = KVXModel.adopt(env, slot[0])) {
+                    derived.optimize();
+                    assertEquals(KVX.STATUS_OPTIMAL, derived.getInt("Status"), name);
+                    if (!name.equals("relaxmodel") && !name.equals("feasibility"))
+                        assertEquals(split.getDouble("ObjVal"), derived.getDouble("ObjVal"), 1e-6,
+                                     name);
+                }
+            }
+            split.convertToFixed();
+            assertEquals(0, split.getInt("IsMIP"));
+        }
+    }
+}
