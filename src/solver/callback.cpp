@@ -172,3 +172,21 @@ int KVXcbsetstrparam(void *cbdata, const char *name, const char *) {
              validUtf8(needed(name, "the parameter name")).c_str());
     });
 }
+
+int KVXcbproceed(void *cbdata) {
+    return guardedCallback(cbdata, [&](Run &run) {
+        if (run.present.empty() && run.occasion.where != KVX_CB_TUNE)
+            fail(KVX_ERROR_NOT_SUPPORTED, "the run has no phase that could be ended");
+        run.stop(Run::next);
+    });
+}
+
+int KVXcbstoponemultiobj(KVXmodel *model, void *cbdata, int objnumber) {
+    return guardedCallback(cbdata, [&](Run &run) {
+        const std::vector<int> &present = run.present;
+        if (model != &run.model ||
+            std::find(present.begin(), present.end(), objnumber) == present.end())
+            fail(KVX_ERROR_INVALID_ARGUMENT, "objective %d isn't being optimised", objnumber);
+        run.stop(Run::next);
+    });
+}

@@ -26,9 +26,13 @@ const char *const statusTexts[] = {
 
 // Refuses what can't be solved.
 void check(const KVXmodel &model) {
-    if (!model.quadratic.empty() || !model.qconstrs.empty() || !model.genconstrs.empty() ||
-        !model.objectives.empty())
-        fail(KVX_ERROR_NOT_SUPPORTED, "only linear models can be solved");
+    if (!model.qconstrs.empty())
+        fail(KVX_ERROR_NOT_SUPPORTED, "quadratic constraints, like %s, can't be solved",
+             qconstrName(model, 0).c_str());
+    if (!model.quadratic.empty() && !model.objectives.empty())
+        fail(KVX_ERROR_NOT_SUPPORTED, "one of several objectives can't be quadratic");
+    if (!model.genconstrs.empty())
+        fail(KVX_ERROR_NOT_SUPPORTED, "general constraints");
 }
 
 void sayHead(Run &run) {
@@ -93,24 +97,32 @@ void store(Run &run, const Outcome &outcome) {
 
 } // namespace
 
+Outcome solveProblem(Run &run, const Problem &problem) {
+    if (run.poll()) {
+        Outcome outcome;
+        outcome.status = run.stopped();
+        return outcome;
+    }
+    if (problem.isMip && problem.quadratic.empty())
+        return solveMip(run, problem);
+    ClpSimplex lp;
+    Outcome outcome =
+        problem.quadratic.empty() ? solveLp(run, problem, lp) : solveQuadratic(run, problem);
+    if (!outcome.x.empty()) {
+        run.best = outcome.x;
+        run.bestObjective = run.bound = outcome.objective;
+        run.solutions = 1;
+    }
+    return outcome;
+}
+
 void optimize(Run &run) {
     run.model.solution = {};
     check(run.model);
     sayHead(run);
     Problem problem(run.model);
-    Outcome outcome;
-    if (run.poll()) {
-        outcome.status = run.stopped();
-    } else if (problem.isMip) {
-        outcome = solveMip(run, problem);
-    } else {
-        ClpSimplex lp;
-        outcome = solveLp(run, problem, lp);
-        if (!outcome.x.empty()) {
-            run.solutions = 1;
-            run.bestObjective = run.bound = outcome.objective;
-        }
-    }
+    Outcome outcome =
+        run.model.objectives.empty() ? solveProblem(run, problem) : solveObjectives(run, problem);
     store(run, outcome);
     sayEnd(run, run.model.solution);
     writeResultFile(run.model);

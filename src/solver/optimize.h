@@ -44,7 +44,8 @@ struct Problem {
     double constant;
     std::vector<double> cost, lower, upper, rowLower, rowUpper;
     std::vector<char> integer;
-    std::vector<Sos> sets; // members by increasing weight
+    std::vector<QuadraticTerm> quadratic; // added to the costs
+    std::vector<Sos> sets;                // members by increasing weight
     bool isMip = false;
     CoinPackedMatrix matrix; // by columns
     mutable Silence silence;
@@ -80,6 +81,14 @@ class SimplexWatch : public ClpEventHandler {
 Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp);
 
 Outcome solveMip(Run &run, const Problem &problem);
+Outcome solveQuadratic(Run &run, const Problem &problem);
+
+// Solves the problem by what it takes; its solution is the run's best.
+Outcome solveProblem(Run &run, const Problem &problem);
+
+// Solves the problem with the model's several objectives. ObjVal and ObjBound are those of the
+// highest priority.
+Outcome solveObjectives(Run &run, Problem problem);
 
 // Solves the run's model and stores the solution.
 void optimize(Run &run);

@@ -11,12 +11,6 @@ __attribute__((weak)) int KVXgettuneresult(KVXmodel *, int) {
 __attribute__((weak)) int KVXcomputeIIS(KVXmodel *) {
     return KVX_ERROR_NOT_SUPPORTED;
 }
-__attribute__((weak)) int KVXcbproceed(void *) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
-__attribute__((weak)) int KVXcbstoponemultiobj(KVXmodel *, void *, int) {
-    return KVX_ERROR_NOT_SUPPORTED;
-}
 __attribute__((weak)) int KVXoptimizebatch(KVXmodel *, char *) {
     return KVX_ERROR_NOT_SUPPORTED;
 }

@@ -68,6 +68,8 @@ Problem::Problem(const ModelData &model) : sense(model.objsense), constant(sense
         rowLower.push_back(bound(constr.lower));
         rowUpper.push_back(bound(constr.upper));
     }
+    for (const QuadraticTerm &term : model.quadratic)
+        quadratic.push_back({term.row, term.col, sense * term.value});
     sets = model.sos;
     for (Sos &set : sets)
         std::stable_sort(set.members.begin(), set.members.end(),
@@ -100,6 +102,8 @@ double Problem::objective(const std::vector<double> &x) const {
     double value = constant;
     for (size_t j = 0; j < cost.size(); j++)
         value += cost[j] * x[j];
+    for (const QuadraticTerm &term : quadratic)
+        value += term.value * x[static_cast<size_t>(term.row)] * x[static_cast<size_t>(term.col)];
     return sense * value;
 }
 

@@ -88,9 +88,10 @@ class Run {
     KVXmodel &model;
     KVXenv settings; // the model's parameters; a callback changes them for this run only
     Occasion occasion;
-    int callbackStatus = 0;  // the result that ended the run
-    std::vector<Row> lazies; // lazy constraints
-    std::vector<Row> cuts;   // added by the callback at the present node
+    int callbackStatus = 0;   // the result that ended the run
+    std::vector<Row> lazies;  // lazy constraints
+    std::vector<int> present; // numbers of the objectives that are being optimised, of several
+    std::vector<Row> cuts;    // added by the callback at the present node
 
     double timeLimit, nodeLimit, iterationLimit, gap, absoluteGap, logInterval;
     int solutionLimit;

@@ -15,7 +15,7 @@ int SimplexWatch::event(Event event) {
             run.enter(KVX_CB_PRESOLVE);
         return -1; // The next iteration sees whether the run has to end.
     }
-    if (itself && run.onSolvingThread()) {
+    if (itself && model_ && run.onSolvingThread()) { // The barrier method has no simplex model.
         if (run.phase() == KVX_CB_PRESOLVE) {
             run.columnsRemoved = static_cast<int>(run.model.vars.size()) - model_->numberColumns();
             run.rowsRemoved = static_cast<int>(run.model.constrs.size()) - model_->numberRows();
