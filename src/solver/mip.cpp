@@ -243,7 +243,7 @@ bool Mip::complete(std::vector<double> &x, double &objective) {
             return false;
         std::vector<double> found(lp.primalColumnSolution(), lp.primalColumnSolution() + x.size());
         problem.round(found);
-        if (problem.violation(found) > tolerance) {
+        if (!problem.isSolution(found, tolerance)) {
             OsiClpSolverInterface solver(&lp);
             markIntegers(solver, problem);
             CbcModel cbc(solver);
@@ -257,7 +257,7 @@ bool Mip::complete(std::vector<double> &x, double &objective) {
         }
         x = found;
     }
-    if (problem.violation(x) > tolerance)
+    if (!problem.isSolution(x, tolerance))
         return false;
     objective = problem.objective(x);
     return true;

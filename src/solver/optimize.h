@@ -28,12 +28,11 @@ struct Problem {
     // The objective value of a point in the model's own sense.
     double objective(const std::vector<double> &x) const;
 
-    // The largest violation of a bound or row, relative to the size of what it violates; infinite
-    // for a violated set.
-    double linearViolation(const std::vector<double> &x) const;
-
-    // The same; infinite when a set doesn't hold.
+    // The largest violation of a bound or row, relative to the size of what it violates.
     double violation(const std::vector<double> &x) const;
+
+    // Whether a point with exact integers is a solution.
+    bool isSolution(const std::vector<double> &x, double tolerance) const;
 
     void addRow(const Row &row);
 

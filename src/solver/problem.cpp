@@ -107,7 +107,7 @@ double Problem::objective(const std::vector<double> &x) const {
     return sense * value;
 }
 
-double Problem::linearViolation(const std::vector<double> &x) const {
+double Problem::violation(const std::vector<double> &x) const {
     double worst = 0;
     for (size_t j = 0; j < cost.size(); j++)
         worst = std::max(worst, excess(x[j], lower[j], upper[j]));
@@ -118,11 +118,9 @@ double Problem::linearViolation(const std::vector<double> &x) const {
     return worst;
 }
 
-double Problem::violation(const std::vector<double> &x) const {
-    for (const Sos &set : sets)
-        if (!holds(set, x))
-            return KVX_INFINITY;
-    return linearViolation(x);
+bool Problem::isSolution(const std::vector<double> &x, double tolerance) const {
+    return violation(x) <= tolerance &&
+           std::all_of(sets.begin(), sets.end(), [&](const Sos &set) { return holds(set, x); });
 }
 
 CoinPackedVector packed(const Row &row) {

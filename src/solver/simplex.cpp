@@ -124,7 +124,7 @@ Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
         return std::vector<double>(x, x + problem.cost.size());
     };
     auto settled = [&] {
-        return lp.status() == optimal && problem.linearViolation(point()) <= tolerance;
+        return lp.status() == optimal && problem.violation(point()) <= tolerance;
     };
     for (int attempt = 0; attempt < 2 && !settled() && !run.stopped(); attempt++) {
         if (attempt == 1)
