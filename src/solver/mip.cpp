@@ -95,7 +95,8 @@ void configure(CbcModel &cbc, Run &run, const Problem &problem) {
     cbc.setIntegerTolerance(dblParam(run.settings, "IntegralityTol"));
     cbc.setRandomSeed(intParam(run.settings, "Seed"));
     cbc.setNumberStrong(5);
-    cbc.setNumberBeforeTrust(10);
+    // Cbc's dynamic pseudo-costs take every branching object for that of an integer.
+    cbc.setNumberBeforeTrust(problem.sets.empty() ? 10 : 0);
     cbc.setMinimumDrop(1e-4);
     cbc.setMaximumCutPassesAtRoot(-100);
     cbc.setMaximumCutPasses(10);
@@ -444,8 +445,13 @@ int Mip::solveOnce() {
     markIntegers(solver, problem);
     SimplexWatch watch(run, false);
     lp.passInEventHandler(&watch);
-    std::unique_ptr<OsiSolverInterface> processed = preprocess(solver);
-    return search(processed ? *processed : solver);
+    if (std::unique_ptr<OsiSolverInterface> processed = preprocess(solver)) {
+        // Now and then preprocessing drops a row that is needed to know a column's value.
+        int status = search(*processed);
+        if (status != KVX_STATUS_NUMERIC)
+            return status;
+    }
+    return search(solver);
 }
 
 Outcome Mip::solve() {

@@ -1,6 +1,7 @@
 #include "optimize.h"
 
 #include "guard.h"
+#include "reformulate.h"
 #include "textfile.h"
 
 #include <cmath>
@@ -31,8 +32,6 @@ void check(const KVXmodel &model) {
              qconstrName(model, 0).c_str());
     if (!model.quadratic.empty() && !model.objectives.empty())
         fail(KVX_ERROR_NOT_SUPPORTED, "one of several objectives can't be quadratic");
-    if (!model.genconstrs.empty())
-        fail(KVX_ERROR_NOT_SUPPORTED, "general constraints");
 }
 
 void sayHead(Run &run) {
@@ -120,7 +119,8 @@ void optimize(Run &run) {
     run.model.solution = {};
     check(run.model);
     sayHead(run);
-    Problem problem(run.model);
+    const std::unique_ptr<KVXmodel> linear = reformulated(run.model);
+    const Problem problem(linear ? *linear : run.model);
     Outcome outcome =
         run.model.objectives.empty() ? solveProblem(run, problem) : solveObjectives(run, problem);
     store(run, outcome);
