@@ -106,8 +106,9 @@ TEST(Optimize, DiscreteOptimaAreThoseOfEnumeration) {
         Model model = data.make(env, KVX_INTEGER);
         int type = data.pick(0, 2), begin = 0, ind[] = {0, 1, 2, 3};
         double order[] = {3, 1, 4, 2}; // by weight: 1 3 0 2
-        if (type > 0)
+        if (type > 0) {
             MUST(model, KVXaddsos(model.get(), 1, 4, &type, &begin, ind, order));
+        }
         auto inSet = [&](const std::vector<double> &x) {
             int first = 4, last = -1, member = 0;
             for (size_t j : {1, 3, 0, 2}) {
