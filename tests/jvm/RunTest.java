@@ -285,7 +285,7 @@ class RunTest {
             env.setLog(line -> {});
             model.optimizeAsync();
             started.await();
-            for (int i = 0; i < 2000 || lines.get() < 3; i++) {
+            for (int i = 0; i < 2000 || (lines.get() < 3 && i < 5_000_000); i++) {
                 int number = i;
                 Consumer<String> consumer = line -> {
                     if (current.get() < number - 1 || current.get() > number)

@@ -118,13 +118,13 @@ public final class KVXEnv implements AutoCloseable {
      * @throws IllegalStateException inside a consumer of this environment, and inside a callback on
      *     a thread of the solver's own
      */
-    public synchronized void setLog(Consumer<String> consumer) {
+    public void setLog(Consumer<String> consumer) {
         refuseConsumer();
         refuseForeignThread();
         handle.call(env -> bind(env, consumer));
     }
 
-    private int bind(long env, Consumer<String> consumer) {
+    private synchronized int bind(long env, Consumer<String> consumer) {
         int status = KVX.OK;
         // Whoever has the turn has bound the log to its own thread; it stays bound then.
         if (turn.tryLock()) {
@@ -195,9 +195,9 @@ public final class KVXEnv implements AutoCloseable {
     }
 
     /** A line that is being delivered must not be bound anew, nor followed by one inside it. */
-    private void refuseConsumer() {
+    void refuseConsumer() {
         if (deliverer == Thread.currentThread())
-            throw new IllegalStateException("the log can't be used by its own consumer");
+            throw new IllegalStateException("the log's own consumer can't do this");
     }
 
     /** Java knows such a thread for the length of the callback only; no binding may name it. */

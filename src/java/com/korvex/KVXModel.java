@@ -1,11 +1,12 @@
 package com.korvex;
 
 import java.util.Objects;
+import java.util.function.LongToIntFunction;
 import java.util.function.LongUnaryOperator;
 
 /**
- * A model: one native handle, the runs on it and the access to its attributes. Building a model
- * goes through the natives of {@link KorvexJni} with {@link #handle}.
+ * A model: one native handle, the runs on it and its attributes. Building a model goes through the
+ * natives of {@link KorvexJni} with {@link #handle}.
  *
  * <p><b>Threads.</b> One thread at a time may use a model. {@link #terminate} and {@link #close}
  * may be called by any thread at any moment: what another thread is doing in the model is ended,
@@ -16,7 +17,7 @@ import java.util.function.LongUnaryOperator;
  * The method that started the run throws it on; after {@link #optimizeAsync} that is {@link #sync}
  * or {@link #close}. Whatever else went wrong in that run is suppressed by it.
  */
-public final class KVXModel implements AutoCloseable {
+public final class KVXModel extends ModelAttributes implements AutoCloseable {
     private final KVXEnv env;
     private final Handle handle;
     private final Thrown thrown = new Thrown();
@@ -56,6 +57,11 @@ public final class KVXModel implements AutoCloseable {
             throw e;
         }
         handle = new Handle("the model", model[0], KVXModel::errorText, this::free);
+    }
+
+    @Override
+    void call(LongToIntFunction nativeCall) {
+        handle.call(nativeCall);
     }
 
     private void free(long model) {
@@ -230,6 +236,7 @@ public final class KVXModel implements AutoCloseable {
      *     callback of that run, which can't wait for itself: the run goes on then
      */
     public void sync() {
+        env.refuseConsumer();
         long model = handle.acquire();
         try {
             finish(model);
@@ -353,12 +360,10 @@ public final class KVXModel implements AutoCloseable {
      * @param index its number, from 0, the best, to the attribute "TuneResultCount" - 1; -1 for the
      *     latest found
      */
-    public void loadTuneResult(int index) {
-        handle.call(model -> KorvexJni.gettuneresult(model, index));
-    }
+    public void loadTuneResult(int index) { call(model -> KorvexJni.gettuneresult(model, index)); }
 
     /** Fixes the discrete variables at the best solution, in place, and makes them continuous. */
-    public void convertToFixed() { handle.call(this::jniconverttofixed); }
+    public void convertToFixed() { call(this::jniconverttofixed); }
 
     /**
      * Submits a copy of the model as a batch request.
@@ -367,7 +372,7 @@ public final class KVXModel implements AutoCloseable {
      */
     public String optimizeBatch() {
         String[] slot = new String[1];
-        handle.call(model -> jnioptimizebatch(model, slot));
+        call(model -> jnioptimizebatch(model, slot));
         return slot[0];
     }
 
@@ -376,9 +381,7 @@ public final class KVXModel implements AutoCloseable {
      *
      * @param file its name, which tells the format
      */
-    public void read(String file) {
-        env.logging(() -> handle.call(model -> KorvexJni.read(model, file)));
-    }
+    public void read(String file) { env.logging(() -> call(model -> KorvexJni.read(model, file))); }
 
     /**
      * Writes a model, solution, start, basis or parameter file.
@@ -386,7 +389,7 @@ public final class KVXModel implements AutoCloseable {
      * @param file its name, which tells the format
      */
     public void write(String file) {
-        env.logging(() -> handle.call(model -> KorvexJni.write(model, file)));
+        env.logging(() -> call(model -> KorvexJni.write(model, file)));
     }
 
     /**
@@ -396,204 +399,8 @@ public final class KVXModel implements AutoCloseable {
      */
     public String jsonSolution() {
         String[] slot = new String[1];
-        handle.call(model -> KorvexJni.getJSONSolution(model, slot));
+        call(model -> KorvexJni.getJSONSolution(model, slot));
         return slot[0];
-    }
-
-    /**
-     * Reads an int attribute of the model.
-     *
-     * @param attribute its name
-     * @return its value
-     */
-    public int getInt(String attribute) {
-        int[] slot = new int[1];
-        handle.call(model -> KorvexJni.getintattrlist(model, attribute, 0, -1, null, slot));
-        return slot[0];
-    }
-
-    /**
-     * Reads a double attribute of the model.
-     *
-     * @param attribute its name
-     * @return its value
-     */
-    public double getDouble(String attribute) {
-        double[] slot = new double[1];
-        handle.call(model -> KorvexJni.getdblattrlist(model, attribute, 0, -1, null, slot));
-        return slot[0];
-    }
-
-    /**
-     * Reads a text attribute of the model.
-     *
-     * @param attribute its name
-     * @return its value
-     */
-    public String getString(String attribute) {
-        String[] slot = new String[1];
-        handle.call(model -> KorvexJni.getstrattrlist(model, attribute, 0, -1, null, slot));
-        return slot[0];
-    }
-
-    /**
-     * Reads an int attribute of successive variables, constraints and so on.
-     *
-     * @param attribute its name
-     * @param start index of the first element
-     * @param count number of elements
-     * @return a value an element
-     */
-    public int[] getInts(String attribute, int start, int count) {
-        int[] values = new int[count];
-        if (isRange(start, count))
-            handle.call(
-                model -> KorvexJni.getintattrlist(model, attribute, start, count, null, values));
-        return values;
-    }
-
-    /**
-     * Reads a double attribute of successive variables, constraints and so on.
-     *
-     * @param attribute its name
-     * @param start index of the first element
-     * @param count number of elements
-     * @return a value an element
-     */
-    public double[] getDoubles(String attribute, int start, int count) {
-        double[] values = new double[count];
-        if (isRange(start, count))
-            handle.call(
-                model -> KorvexJni.getdblattrlist(model, attribute, start, count, null, values));
-        return values;
-    }
-
-    /**
-     * Reads a character attribute of successive variables, constraints and so on.
-     *
-     * @param attribute its name
-     * @param start index of the first element
-     * @param count number of elements
-     * @return a value an element
-     */
-    public char[] getChars(String attribute, int start, int count) {
-        char[] values = new char[count];
-        if (isRange(start, count))
-            handle.call(
-                model -> KorvexJni.getcharattrlist(model, attribute, start, count, null, values));
-        return values;
-    }
-
-    /**
-     * Reads a text attribute of successive variables, constraints and so on.
-     *
-     * @param attribute its name
-     * @param start index of the first element
-     * @param count number of elements
-     * @return a value an element
-     */
-    public String[] getStrings(String attribute, int start, int count) {
-        String[] values = new String[count];
-        if (isRange(start, count))
-            handle.call(
-                model -> KorvexJni.getstrattrlist(model, attribute, start, count, null, values));
-        return values;
-    }
-
-    /**
-     * Sets an int attribute of the model.
-     *
-     * @param attribute its name
-     * @param value its value
-     */
-    public void set(String attribute, int value) {
-        int[] slot = {value};
-        handle.call(model -> KorvexJni.setintattrlist(model, attribute, 0, -1, null, slot));
-    }
-
-    /**
-     * Sets a double attribute of the model.
-     *
-     * @param attribute its name
-     * @param value its value
-     */
-    public void set(String attribute, double value) {
-        double[] slot = {value};
-        handle.call(model -> KorvexJni.setdblattrlist(model, attribute, 0, -1, null, slot));
-    }
-
-    /**
-     * Sets a text attribute of the model.
-     *
-     * @param attribute its name
-     * @param value its value; may be null
-     */
-    public void set(String attribute, String value) {
-        String[] slot = {value};
-        handle.call(model -> KorvexJni.setstrattrlist(model, attribute, 0, -1, null, slot));
-    }
-
-    /**
-     * Sets an int attribute of successive variables, constraints and so on.
-     *
-     * @param attribute its name
-     * @param start index of the first element
-     * @param values a value an element
-     */
-    public void set(String attribute, int start, int[] values) {
-        int count = values.length;
-        if (isRange(start, count))
-            handle.call(
-                model -> KorvexJni.setintattrlist(model, attribute, start, count, null, values));
-    }
-
-    /**
-     * Sets a double attribute of successive variables, constraints and so on.
-     *
-     * @param attribute its name
-     * @param start index of the first element
-     * @param values a value an element
-     */
-    public void set(String attribute, int start, double[] values) {
-        int count = values.length;
-        if (isRange(start, count))
-            handle.call(
-                model -> KorvexJni.setdblattrlist(model, attribute, start, count, null, values));
-    }
-
-    /**
-     * Sets a character attribute of successive variables, constraints and so on.
-     *
-     * @param attribute its name
-     * @param start index of the first element
-     * @param values a value an element
-     */
-    public void set(String attribute, int start, char[] values) {
-        int count = values.length;
-        if (isRange(start, count))
-            handle.call(
-                model -> KorvexJni.setcharattrlist(model, attribute, start, count, null, values));
-    }
-
-    /**
-     * Sets a text attribute of successive variables, constraints and so on.
-     *
-     * @param attribute its name
-     * @param start index of the first element
-     * @param values a value an element; they may be null
-     */
-    public void set(String attribute, int start, String[] values) {
-        int count = values.length;
-        if (isRange(start, count))
-            handle.call(
-                model -> KorvexJni.setstrattrlist(model, attribute, start, count, null, values));
-    }
-
-    /** A start of -1 or a count of 0 would ask for something else. */
-    private static boolean isRange(int start, int count) {
-        if (start < 0)
-            throw new IndexOutOfBoundsException("start " + start);
-        return count > 0;
     }
 
     /**
@@ -601,12 +408,13 @@ public final class KVXModel implements AutoCloseable {
      * While another thread is in a call on the model, this returns and the end of that call frees
      * it. Does nothing the second time.
      *
-     * @throws IllegalStateException inside the model's own callback
+     * @throws IllegalStateException inside the model's own callback, and inside the log's consumer
      */
     @Override
     public void close() {
         if (inCallback())
             throw new IllegalStateException("a model can't be closed inside its own callback");
+        env.refuseConsumer();
         if (!handle.shut())
             return;
         terminate();
