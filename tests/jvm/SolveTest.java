@@ -102,7 +102,7 @@ class SolveTest {
         for (String mode : List.of("--async", "--log")) {
             Launch run = Launch.of(Launch.javaCommand(Launch.LIB, "Solve", mode), process -> {
                 TimeUnit.MILLISECONDS.sleep(1500);
-                Launch.of("kill", "-INT", Long.toString(process.pid()));
+                Launch.of("sh", "-c", "kill -INT " + process.pid());
             });
             assertEquals("4 interrupted", run.status() + " " + run.value("Status"));
             double objective = Double.parseDouble(run.value("Objective"));
