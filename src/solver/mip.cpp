@@ -149,6 +149,7 @@ class Mip {
     friend class NodeWatch;
 
     int solveOnce();
+    int solveBoxed();
     void start();
     std::unique_ptr<OsiSolverInterface> preprocess(OsiClpSolverInterface &solver);
     bool repair(std::vector<double> &x, double &objective);
@@ -420,9 +421,34 @@ int Mip::search(OsiSolverInterface &solver) {
     return isGap ? KVX_STATUS_NUMERIC : KVX_STATUS_OPTIMAL;
 }
 
+// A ray of the relaxation may break a set and proves nothing then. A model whose optimum is the
+// same in a large box and in a larger one is taken to be bounded.
+int Mip::solveBoxed() {
+    const std::vector<double> lower = problem.lower, upper = problem.upper;
+    int status = KVX_STATUS_OPTIMAL;
+    double optimum = 0;
+    for (double size : {1e6, 1e7}) {
+        if (status != KVX_STATUS_OPTIMAL)
+            break;
+        optimum = run.bestObjective;
+        for (size_t j = 0; j < lower.size(); j++) {
+            problem.lower[j] = std::max(lower[j], std::min(-size, upper[j]));
+            problem.upper[j] = std::min(upper[j], std::max(size, lower[j]));
+        }
+        status = solveOnce();
+    }
+    problem.lower = lower;
+    problem.upper = upper;
+    if (status == KVX_STATUS_OPTIMAL && relativeGap(optimum, run.bestObjective) > run.gap)
+        return KVX_STATUS_UNBOUNDED;
+    return status == KVX_STATUS_INFEASIBLE ? KVX_STATUS_INFEASIBLE_OR_UNBOUNDED : status;
+}
+
 int Mip::solveOnce() {
     ClpSimplex lp;
     Outcome relaxation = solveLp(run, problem, lp);
+    if (relaxation.status == KVX_STATUS_UNBOUNDED && !problem.sets.empty())
+        return solveBoxed();
     if (relaxation.status == KVX_STATUS_UNBOUNDED) {
         // With a ray of the relaxation and a solution, the model is unbounded. Whether there is a
         // solution may be hard to say, and then it isn't said.

@@ -217,6 +217,30 @@ TEST(Reformulate, FindsWhatEnumerationFinds) {
     EXPECT_GT(feasible, 100);
 }
 
+TEST(Reformulate, TellsBoundedFromUnbounded) {
+    Env env;
+    // The largest |x| of a diamond, whose rows limit neither variable alone, and of one side of it.
+    for (int sides : {4, 2}) {
+        const double free[] = {-inf, -inf, -inf}, obj[] = {1, 0, 0}, rhs[] = {1, 1, 1, 1};
+        const int beg[] = {0, 2, 4, 6}, ind[] = {1, 2, 1, 2, 1, 2, 1, 2};
+        const double val[] = {1, 1, 1, -1, -1, 1, -1, -1};
+        KVXmodel *handle = nullptr, *linear = nullptr;
+        ASSERT_EQ(KVX_OK,
+                  KVXnewmodel(env, &handle, nullptr, 3, obj, free, nullptr, nullptr, nullptr));
+        Model model(handle);
+        MUST(model, KVXaddconstrs(handle, sides, 2 * sides, beg, ind, val, "<<<<", rhs, nullptr));
+        MUST(model, KVXaddgenconstrAbs(handle, nullptr, 0, 1));
+        MUST(model, KVXsetintattr(handle, "ModelSense", KVX_MAXIMIZE));
+        MUST(model, KVXlinearizemodel(handle, &linear));
+        Model owner(linear);
+        MUST(owner, KVXoptimize(linear));
+        EXPECT_EQ(sides == 4 ? KVX_STATUS_OPTIMAL : KVX_STATUS_UNBOUNDED, intAttr(owner, "Status"));
+        if (sides == 4) {
+            EXPECT_NEAR(1, dblAttr(owner, "ObjVal"), 1e-6);
+        }
+    }
+}
+
 TEST(Reformulate, NamesWhatItRefuses) {
     Env env;
     KVXmodel *handle = nullptr;
