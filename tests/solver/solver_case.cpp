@@ -121,8 +121,10 @@ std::string described(KVXmodel *model) {
     return out.str();
 }
 
-// Some of COIN's presolve actions don't give everything back.
-extern "C" const char *__lsan_default_suppressions();
-extern "C" const char *__lsan_default_suppressions() {
-    return "leak:implied_free_action::presolve\nleak:presolve_dupmajor\n";
+// Some of COIN's presolve actions don't give everything back. The sanitizer looks for this
+// function.
+extern "C" __attribute__((visibility("default"))) const char *__lsan_default_suppressions();
+const char *__lsan_default_suppressions() {
+    return "leak:implied_free_action::presolve\nleak:presolve_dupmajor\n"
+           "leak:CbcModel::chooseBranch\n";
 }
