@@ -13,11 +13,11 @@ record Launch(int status, List<String> out, String err) {
 
     /** What a test does to the program while it runs. */
     interface Meddling {
-        void with(Process process) throws Exception;
+        void with(Process process, Path out) throws Exception;
     }
 
     static Launch of(String... command) throws Exception {
-        return of(List.of(command), process -> {});
+        return of(List.of(command), (process, out) -> {});
     }
 
     static Launch of(List<String> command, Meddling meddling) throws Exception {
@@ -28,7 +28,7 @@ record Launch(int status, List<String> out, String err) {
                                   .redirectOutput(out.toFile())
                                   .redirectError(err.toFile())
                                   .start();
-            meddling.with(process);
+            meddling.with(process, out);
             if (!process.waitFor(120, TimeUnit.SECONDS)) {
                 process.destroyForcibly();
                 throw new AssertionError(command + " doesn't end");
@@ -43,7 +43,7 @@ record Launch(int status, List<String> out, String err) {
 
     /** Runs an example program with this virtual machine's settings. */
     static Launch java(String main, String... args) throws Exception {
-        return of(javaCommand(LIB, main, args), process -> {});
+        return of(javaCommand(LIB, main, args), (process, out) -> {});
     }
 
     static List<String> javaCommand(Path library, String main, String... args) {

@@ -77,14 +77,14 @@ class LibraryTest {
 
     @Test
     void missingLibrariesAreNamedWithTheWayOut(@TempDir Path empty) throws Exception {
-        Launch missing = Launch.of(Launch.javaCommand(empty, "Solve"), process -> {});
+        Launch missing = Launch.of(Launch.javaCommand(empty, "Solve"), (process, out) -> {});
         assertEquals(1, missing.status());
         assertTrue(missing.err().contains("libkorvexjni130.so is in no directory of "
                                           + "java.library.path (" + empty),
                    missing.err());
         // The bridge without the solver beside it.
         Files.copy(LIBRARY, empty.resolve(LIBRARY.getFileName()));
-        Launch alone = Launch.of(Launch.javaCommand(empty, "Solve"), process -> {});
+        Launch alone = Launch.of(Launch.javaCommand(empty, "Solve"), (process, out) -> {});
         assertEquals(1, alone.status());
         assertTrue(alone.err().contains("libkorvex130.so, must lie beside it or in a directory of "
                                         + "the environment variable LD_LIBRARY_PATH"),

@@ -6,7 +6,6 @@ import static org.junit.jupiter.api.DynamicTest.dynamicTest;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.List;
-import java.util.concurrent.TimeUnit;
 import java.util.stream.Stream;
 import org.junit.jupiter.api.DynamicTest;
 import org.junit.jupiter.api.Test;
@@ -100,10 +99,13 @@ class SolveTest {
     @Test
     void anInterruptionStillReports() throws Exception {
         for (String mode : List.of("--async", "--log")) {
-            Launch run = Launch.of(Launch.javaCommand(Launch.LIB, "Solve", mode), process -> {
-                TimeUnit.MILLISECONDS.sleep(1500);
-                Launch.of("sh", "-c", "kill -INT " + process.pid());
-            });
+            Launch run =
+                Launch.of(Launch.javaCommand(Launch.LIB, "Solve", mode), (process, out) -> {
+                    while (!Files.readString(out).contains("Model:"))
+                        Thread.sleep(20);
+                    Thread.sleep(1500); // enough for a first solution
+                    Launch.of("sh", "-c", "kill -INT " + process.pid());
+                });
             assertEquals("4 interrupted", run.status() + " " + run.value("Status"));
             double objective = Double.parseDouble(run.value("Objective"));
             assertTrue(objective >= 7830.925 && objective < 9000, run.value("Objective"));
