@@ -111,7 +111,7 @@ TEST(Optimize, DiscreteOptimaAreThoseOfEnumeration) {
         }
         auto inSet = [&](const std::vector<double> &x) {
             int first = 4, last = -1, member = 0;
-            for (size_t j : {1, 3, 0, 2}) {
+            for (size_t j : {1U, 3U, 0U, 2U}) {
                 if (x[j] != 0) {
                     first = std::min(first, member);
                     last = member;

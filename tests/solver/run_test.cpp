@@ -1,0 +1,153 @@
+// Runs: what callbacks see and decide, background runs, requests to end, several at once.
+#include "solver_case.h"
+
+#include <atomic>
+#include <chrono>
+#include <random>
+#include <thread>
+
+namespace {
+
+// Splits the numbers of each row into two halves of equal sum; leaves as little over as possible.
+// With many columns no solver comes to an end.
+Model marketSplit(KVXenv *env, int columns, int rows, unsigned seed = 1) {
+    std::mt19937 random(seed);
+    const int vars = columns + 2 * rows;
+    KVXmodel *model = nullptr;
+    std::string types(static_cast<size_t>(columns), KVX_BINARY);
+    types.append(static_cast<size_t>(2 * rows), KVX_CONTINUOUS);
+    std::vector<double> obj(static_cast<size_t>(vars), 1);
+    std::fill(obj.begin(), obj.begin() + columns, 0.0);
+    EXPECT_EQ(KVX_OK, KVXnewmodel(env, &model, "split", vars, obj.data(), nullptr, nullptr,
+                                  types.data(), nullptr));
+    for (int i = 0; i < rows; i++) {
+        std::vector<int> ind;
+        std::vector<double> val;
+        int sum = 0;
+        for (int j = 0; j < columns; j++) {
+            int number = static_cast<int>(random() % 100);
+            ind.push_back(j);
+            val.push_back(number);
+            sum += number;
+        }
+        ind.insert(ind.end(), {columns + 2 * i, columns + 2 * i + 1});
+        val.insert(val.end(), {1, -1});
+        const int begin = 0;
+        const double half = sum / 2;
+        EXPECT_EQ(KVX_OK, KVXaddconstrs(model, 1, columns + 2, &begin, ind.data(), val.data(), "=",
+                                        &half, nullptr));
+    }
+    return Model(model);
+}
+
+struct Watch {
+    std::atomic<int> inside{0}, calls{0};
+    std::atomic<bool> overlapped{false};
+    std::thread::id thread;
+    int solutions = 0, syncResult = 0, freeResult = 0, stopWhere = -1;
+    double best = KVX_INFINITY;
+    std::string lastLine;
+
+    static int callback(KVXmodel *model, void *cbdata, int where, void *userdata) {
+        auto &watch = *static_cast<Watch *>(userdata);
+        watch.overlapped = watch.overlapped || watch.inside++ > 0;
+        watch.thread = std::this_thread::get_id();
+        if (watch.calls++ == 0) {
+            watch.syncResult = KVXsync(model);
+            watch.freeResult = KVXfreemodel(model);
+        }
+        double value = 0;
+        const char *line = nullptr;
+        if (where == KVX_CB_MIPSOL) {
+            watch.solutions++;
+            EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_MIPSOL_OBJ, &value));
+            EXPECT_LT(value, watch.best);
+            watch.best = value;
+        }
+        if (where == KVX_CB_MESSAGE) {
+            EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_MSG_STRING, &line));
+            watch.lastLine = line;
+        }
+        EXPECT_NE(KVX_OK, KVXcbget(cbdata, KVX_CB_IIS, KVX_CB_RUNTIME, &value));
+        EXPECT_NE(KVX_OK, KVXcbget(cbdata, where, KVX_CB_IIS_CONSTRS, &value));
+        EXPECT_NE(KVX_OK, KVXcbsetintparam(cbdata, "Seed", 1));
+        EXPECT_EQ(where == KVX_CB_MIPNODE, KVXcbcut(cbdata, 0, nullptr, nullptr, '<', 1) == KVX_OK);
+        EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_RUNTIME, &value));
+        watch.inside--;
+        return where == watch.stopWhere ? 4711 : 0;
+    }
+};
+
+TEST(Run, EndsInTheBackgroundWhenAsked) {
+    Env env;
+    Model model = marketSplit(env, 40, 5);
+    Watch watch;
+    MUST(model, KVXsetcallbackfunc(model.get(), Watch::callback, &watch));
+    MUST(model, KVXoptimizeasync(model.get()));
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    EXPECT_EQ(KVX_ERROR_IN_PROGRESS, KVXoptimize(model.get()));
+    EXPECT_EQ(KVX_STATUS_IN_PROGRESS, intAttr(model, "Status"));
+    auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ(KVX_OK, KVXterminate(model.get()));
+    MUST(model, KVXsync(model.get()));
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(2));
+    EXPECT_EQ(KVX_STATUS_INTERRUPTED, intAttr(model, "Status"));
+    EXPECT_EQ(watch.solutions, intAttr(model, "SolCount"));
+    EXPECT_NEAR(watch.best, dblAttr(model, "ObjVal"), 1e-6);
+    EXPECT_LT(dblAttr(model, "MaxVio"), 1e-6);
+    EXPECT_EQ(KVX_ERROR_IN_PROGRESS, watch.syncResult);
+    EXPECT_EQ(KVX_ERROR_IN_PROGRESS, watch.freeResult);
+    EXPECT_NE(std::this_thread::get_id(), watch.thread);
+    EXPECT_FALSE(watch.overlapped);
+    EXPECT_NE("", watch.lastLine);
+
+    // The request is spent; one that comes before a run ends just that run.
+    MUST(model, KVXsetcallbackfunc(model.get(), nullptr, nullptr));
+    KVXsetdblparam(KVXgetenv(model.get()), "TimeLimit", 0.1);
+    const int expected[] = {KVX_STATUS_TIME_LIMIT, KVX_STATUS_INTERRUPTED, KVX_STATUS_TIME_LIMIT};
+    for (int round = 0; round < 3; round++) {
+        if (round == 1)
+            KVXterminate(model.get());
+        MUST(model, KVXoptimize(model.get()));
+        EXPECT_EQ(expected[round], intAttr(model, "Status")) << round;
+    }
+    MUST(model, KVXoptimizeasync(model.get())); // Freeing the model ends the run.
+}
+
+TEST(Run, EndsWithTheResultOfTheCallback) {
+    Env env;
+    for (int where : {KVX_CB_POLLING, KVX_CB_PRESOLVE, KVX_CB_SIMPLEX, KVX_CB_MIP, KVX_CB_MIPSOL,
+                      KVX_CB_MIPNODE, KVX_CB_MESSAGE})
+        for (int threads : {1, 2}) {
+            Model model = marketSplit(env, 40, 5);
+            KVXsetintparam(KVXgetenv(model.get()), "Threads", threads);
+            Watch watch;
+            watch.stopWhere = where;
+            MUST(model, KVXsetcallbackfunc(model.get(), Watch::callback, &watch));
+            EXPECT_EQ(4711, KVXoptimize(model.get())) << where;
+            EXPECT_EQ(KVX_STATUS_INTERRUPTED, intAttr(model, "Status"));
+            EXPECT_FALSE(watch.overlapped);
+        }
+}
+
+TEST(Run, SeveralAtOnceDontDisturbEachOther) {
+    std::vector<double> alone, together(4);
+    auto solve = [](unsigned seed) {
+        Env env;
+        Model model = marketSplit(env, 12, 2, seed);
+        KVXsetintparam(KVXgetenv(model.get()), "Threads", seed % 2 ? 1 : 2);
+        EXPECT_EQ(KVX_OK, KVXoptimize(model.get()));
+        EXPECT_EQ(KVX_STATUS_OPTIMAL, intAttr(model, "Status"));
+        return dblAttr(model, "ObjVal");
+    };
+    for (unsigned seed = 0; seed < 4; seed++)
+        alone.push_back(solve(seed));
+    std::vector<std::thread> threads;
+    for (unsigned seed = 0; seed < 4; seed++)
+        threads.emplace_back([&, seed] { together[seed] = solve(seed); });
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(alone, together);
+}
+
+} // namespace
