@@ -99,7 +99,7 @@ public final class KorvexJni {
      *
      * @param model handle of the model
      * @param num its number, from 0
-     * @return the handle, or 0
+     * @return the handle, or 0 if the solver has none; the model's error text says why
      */
     public static native long getconcurrentenv(long model, int num);
 
@@ -1699,14 +1699,14 @@ public final class KorvexJni {
     // Basis.
 
     /**
-     * Solves B x = b with the basis matrix B.
+     * Solves B x = b with the basis matrix B; b goes by constraints, x by positions in the header.
      *
      * @param model handle of the model
      * @param blen number of entries of b
      * @param bind {@code blen} indices; not null
      * @param bval {@code blen} values; not null
-     * @param capacityslot element 0 holds the room in {@code xind} and {@code xval}, and receives
-     *     the number of entries written there
+     * @param capacityslot element 0 holds the room in {@code xind} and {@code xval}, for which the
+     *     number of constraints is always enough, and receives the number of entries written there
      * @param xind receives the indices of the result
      * @param xval receives its values
      * @return the status
@@ -1715,14 +1715,15 @@ public final class KorvexJni {
                                     int[] capacityslot, int[] xind, double[] xval);
 
     /**
-     * Solves B^T x = b with the basis matrix B.
+     * Solves B^T x = b with the basis matrix B; b goes by positions in the header, x by
+     * constraints.
      *
      * @param model handle of the model
      * @param blen number of entries of b
      * @param bind {@code blen} indices; not null
      * @param bval {@code blen} values; not null
-     * @param capacityslot element 0 holds the room in {@code xind} and {@code xval}, and receives
-     *     the number of entries written there
+     * @param capacityslot element 0 holds the room in {@code xind} and {@code xval}, for which the
+     *     number of constraints is always enough, and receives the number of entries written there
      * @param xind receives the indices of the result
      * @param xval receives its values
      * @return the status
@@ -1735,8 +1736,8 @@ public final class KorvexJni {
      *
      * @param model handle of the model
      * @param j index of the column
-     * @param capacityslot element 0 holds the room in {@code xind} and {@code xval}, and receives
-     *     the number of entries written there
+     * @param capacityslot element 0 holds the room in {@code xind} and {@code xval}, for which the
+     *     number of constraints is always enough, and receives the number of entries written there
      * @param xind receives the indices of the result
      * @param xval receives its values
      * @return the status
@@ -1749,8 +1750,9 @@ public final class KorvexJni {
      *
      * @param model handle of the model
      * @param i index of the row
-     * @param capacityslot element 0 holds the room in {@code xind} and {@code xval}, and receives
-     *     the number of entries written there
+     * @param capacityslot element 0 holds the room in {@code xind} and {@code xval}, for which the
+     *     number of variables and constraints together is always enough, and receives the number of
+     *     entries written there
      * @param xind receives the indices of the result
      * @param xval receives its values
      * @return the status
