@@ -62,7 +62,7 @@ public final class KVXBatch implements AutoCloseable {
     }
 
     /** Submits the failed or aborted request again. */
-    public void retry() { handle.call(this::jniretry); }
+    public void retry() { env.logging(() -> handle.call(this::jniretry)); }
 
     /** Aborts the request. */
     public void abort() { handle.call(this::jniabort); }

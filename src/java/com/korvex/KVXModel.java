@@ -372,7 +372,7 @@ public final class KVXModel extends ModelAttributes implements AutoCloseable {
      */
     public String optimizeBatch() {
         String[] slot = new String[1];
-        call(model -> jnioptimizebatch(model, slot));
+        env.logging(() -> call(model -> jnioptimizebatch(model, slot)));
         return slot[0];
     }
 
