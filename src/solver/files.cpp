@@ -189,6 +189,10 @@ void writeByEnding(const KVXmodel &model, const std::string &filename) {
 
 } // namespace
 
+bool isJsonFile(std::string_view filename) {
+    return formatOf(filename) == Format::json;
+}
+
 void writeResultFile(const KVXmodel &model) {
     const std::string &filename = strParam(model.env, "ResultFile");
     Format format = formatOf(filename);

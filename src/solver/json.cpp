@@ -53,6 +53,13 @@ std::string solutionAsJson(const KVXmodel &model) {
     return result.dump(2) + "\n";
 }
 
+char *copyForCaller(const std::string &text) {
+    char *copy = strdup(text.c_str());
+    if (!copy)
+        throw std::bad_alloc();
+    return copy;
+}
+
 } // namespace korvex
 
 using namespace korvex;
@@ -60,11 +67,7 @@ using namespace korvex;
 int KVXgetjsonsolution(KVXmodel *model, char **textP) {
     return guarded(model, [&] {
         needed(textP, "textP");
-        std::string text = solutionAsJson(*model);
-        char *copy = strdup(text.c_str());
-        if (!copy)
-            throw std::bad_alloc();
-        *textP = copy;
+        *textP = copyForCaller(solutionAsJson(*model));
     });
 }
 

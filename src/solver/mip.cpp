@@ -114,8 +114,10 @@ void configure(CbcModel &cbc, Run &run, const Problem &problem) {
                                                  static_cast<int>(owned.size()), set.type));
         sets.push_back(owned.back().get());
     }
-    if (!sets.empty())
+    if (!sets.empty()) {
         cbc.addObjects(static_cast<int>(sets.size()), sets.data());
+        cbc.setNumberBeforeTrust(0); // Branching by pseudo costs crashes on sets.
+    }
     if (intParam(run.settings, "Cuts"))
         addCuts(cbc);
     if (intParam(run.settings, "Heuristics"))

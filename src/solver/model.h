@@ -131,8 +131,9 @@ struct KVXenv {
 struct KVXmodel : korvex::ModelData {
     KVXenv env; // the model's own: a copy of its environment's parameters, the same log
     korvex::Solution solution;
-    bool hasIis = false; // the iis fields hold the result of KVXcomputeIIS
-    std::vector<std::vector<korvex::ParameterValue>> tuneResults; // best first
+    bool hasIis = false;                       // the iis fields hold the result of KVXcomputeIIS
+    std::vector<std::vector<int>> tuneResults; // best first; see tune.cpp
+    int latestTuneResult = 0;
 
     KVXcallback callback = nullptr;
     void *callbackData = nullptr;

@@ -236,11 +236,11 @@ void Run::offer(const std::vector<double> &x, double value) {
 
 void Run::conduct(const std::function<void(Run &)> &operation) {
     solvingThread = std::this_thread::get_id();
-    result = guarded(error, [&] {
-        operation(*this);
-        if (callbackStatus)
-            fail(callbackStatus, "the callback ended the run with status %d", callbackStatus);
-    });
+    result = guarded(error, [&] { operation(*this); });
+    if (callbackStatus) {
+        result = callbackStatus;
+        error = "the callback ended the run with status " + std::to_string(callbackStatus);
+    }
     finished = true;
 }
 

@@ -1,5 +1,6 @@
 #include "textfile.h"
 
+#include "inner.h"
 #include "input.h"
 #include "text.h"
 
@@ -199,9 +200,8 @@ ModelData complete(ModelData model, const std::string &filename) {
             auto &row = constr.row;
             row.erase(std::remove_if(row.begin(), row.end(), [](Entry e) { return e.value == 0; }),
                       row.end());
-            for (auto [var, value] : row)
-                model.vars[static_cast<size_t>(var)].column.push_back({static_cast<int>(i), value});
         }
+        makeColumns(model);
     } catch (const Failure &failure) {
         fail(KVX_ERROR_FILE_READ, "%s: %s", filename.c_str(), failure.text.c_str());
     }

@@ -67,6 +67,10 @@ std::string writeMps(const ModelData &model);
 ModelData readLp(const std::string &filename);
 std::string writeLp(const ModelData &model);
 std::string solutionAsJson(const KVXmodel &model);
+bool isJsonFile(std::string_view filename);
+
+// A text to be freed with KVXfree.
+char *copyForCaller(const std::string &text);
 
 // Writes the file that the parameter "ResultFile" names, if it names one and the run that has ended
 // found what belongs in it.
