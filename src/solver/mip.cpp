@@ -1,134 +1,22 @@
-// Mixed-integer models, by Cbc. Preprocessing is told to keep all columns, so that a point of
-// Cbc's is a point of the problem and the other way round.
-#include "optimize.h"
+// Mixed-integer models: starts, the search by Cbc, and what the callback has a say in.
+#include "cbc.h"
 
 #include "params.h"
 
-#include <CbcModel.hpp> // the next ones need it
-
 #include <CbcCutGenerator.hpp>
 #include <CbcEventHandler.hpp>
-#include <CbcHeuristicDiveCoefficient.hpp>
-#include <CbcHeuristicFPump.hpp>
-#include <CbcHeuristicGreedy.hpp>
-#include <CbcHeuristicLocal.hpp>
-#include <CbcHeuristicRINS.hpp>
-#include <CbcSOS.hpp>
+#include <CbcHeuristic.hpp>
 #include <CbcTree.hpp>
-#include <CglClique.hpp>
 #include <CglCutGenerator.hpp>
-#include <CglFlowCover.hpp>
-#include <CglGomory.hpp>
-#include <CglKnapsackCover.hpp>
-#include <CglMixedIntegerRounding2.hpp>
-#include <CglPreProcess.hpp>
-#include <CglProbing.hpp>
-#include <CglTwomir.hpp>
-#include <CglZeroHalf.hpp>
 #include <OsiClpSolverInterface.hpp>
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace korvex {
 namespace {
 
 constexpr int completionNodes = 500; // spent on completing a partial solution
-
-void addCuts(CbcModel &cbc) {
-    // How often to call a generator: while it helps, or at the root only.
-    constexpr int whileUseful = -98, rootOnly = -99;
-    CglProbing probing;
-    probing.setUsingObjective(1);
-    probing.setMaxPass(1);
-    probing.setMaxPassRoot(1);
-    probing.setMaxProbe(10);
-    probing.setMaxProbeRoot(50);
-    probing.setMaxLook(10);
-    probing.setMaxLookRoot(50);
-    probing.setMaxElements(200);
-    probing.setMaxElementsRoot(300);
-    probing.setRowCuts(3);
-    CglGomory gomory;
-    gomory.setLimitAtRoot(1000);
-    gomory.setLimit(50);
-    CglKnapsackCover knapsack;
-    CglClique clique;
-    clique.setStarCliqueReport(false);
-    clique.setRowCliqueReport(false);
-    clique.setMinViolation(0.1);
-    CglMixedIntegerRounding2 rounding(1, true, 1);
-    CglFlowCover flow;
-    CglTwomir twomir;
-    twomir.setMaxElements(250);
-    CglZeroHalf zeroHalf;
-    cbc.addCutGenerator(&probing, whileUseful, "probing");
-    cbc.addCutGenerator(&gomory, whileUseful, "Gomory");
-    cbc.addCutGenerator(&knapsack, whileUseful, "knapsack");
-    cbc.addCutGenerator(&clique, whileUseful, "clique");
-    cbc.addCutGenerator(&rounding, whileUseful, "rounding");
-    cbc.addCutGenerator(&flow, whileUseful, "flow cover");
-    cbc.addCutGenerator(&twomir, rootOnly, "two-step rounding");
-    cbc.addCutGenerator(&zeroHalf, whileUseful, "zero-half");
-}
-
-void addHeuristics(CbcModel &cbc) {
-    CbcRounding rounding(cbc);
-    CbcHeuristicFPump pump(cbc);
-    pump.setMaximumPasses(30);
-    CbcHeuristicGreedyCover greedy(cbc);
-    CbcHeuristicDiveCoefficient dive(cbc);
-    CbcHeuristicRINS neighbourhood(cbc);
-    CbcHeuristicLocal combine(cbc);
-    cbc.addHeuristic(&rounding, "rounding");
-    cbc.addHeuristic(&pump, "feasibility pump");
-    cbc.addHeuristic(&greedy, "greedy cover");
-    cbc.addHeuristic(&dive, "dive");
-    cbc.addHeuristic(&neighbourhood, "neighbourhood");
-    cbc.addHeuristic(&combine, "combine");
-}
-
-void configure(CbcModel &cbc, Run &run, const Problem &problem) {
-    cbc.passInMessageHandler(&problem.silence);
-    cbc.setLogLevel(0);
-    cbc.setIntegerTolerance(dblParam(run.settings, "IntegralityTol"));
-    cbc.setRandomSeed(intParam(run.settings, "Seed"));
-    cbc.setNumberStrong(5);
-    // Cbc's dynamic pseudo-costs take every branching object for that of an integer.
-    cbc.setNumberBeforeTrust(problem.sets.empty() ? 10 : 0);
-    cbc.setMinimumDrop(1e-4);
-    cbc.setMaximumCutPassesAtRoot(-100);
-    cbc.setMaximumCutPasses(10);
-    std::vector<OsiObject *> sets;
-    std::vector<std::unique_ptr<CbcSOS>> owned;
-    for (const Sos &set : problem.sets) {
-        std::vector<int> columns;
-        std::vector<double> weights;
-        for (const Entry &member : set.members) {
-            columns.push_back(member.index);
-            weights.push_back(static_cast<double>(weights.size()));
-        }
-        owned.push_back(std::make_unique<CbcSOS>(&cbc, static_cast<int>(columns.size()),
-                                                 columns.data(), weights.data(),
-                                                 static_cast<int>(owned.size()), set.type));
-        sets.push_back(owned.back().get());
-    }
-    if (!sets.empty()) {
-        cbc.addObjects(static_cast<int>(sets.size()), sets.data());
-        cbc.setNumberBeforeTrust(0); // Branching by pseudo costs crashes on sets.
-    }
-    if (intParam(run.settings, "Cuts"))
-        addCuts(cbc);
-    if (intParam(run.settings, "Heuristics"))
-        addHeuristics(cbc);
-}
-
-void markIntegers(OsiSolverInterface &solver, const Problem &problem) {
-    for (size_t j = 0; j < problem.cost.size(); j++)
-        if (problem.integer[j])
-            solver.setInteger(static_cast<int>(j));
-}
 
 class Mip {
   public:
@@ -153,7 +41,6 @@ class Mip {
     int solveOnce();
     int solveBoxed();
     void start();
-    std::unique_ptr<OsiSolverInterface> preprocess(OsiClpSolverInterface &solver);
     bool repair(std::vector<double> &x, double &objective);
     int search(OsiSolverInterface &solver);
 
@@ -166,7 +53,7 @@ class Mip {
     Run &run;
     Problem problem;
     const double tolerance = 10 * dblParam(run.settings, "FeasibilityTol");
-    double lastCandidate = 0;
+    std::vector<double> lastCandidate;
     bool rejected = false; // a solution of Cbc's turned out not to be one
 };
 
@@ -286,10 +173,12 @@ bool Mip::repair(std::vector<double> &x, double &objective) {
 // Looks at Cbc's best solution. Its integers are so only within a tolerance; a solution of the run
 // has them exact.
 void Mip::candidate(const CbcModel &cbc) {
-    if (!cbc.bestSolution() || cbc.getObjValue() >= lastCandidate)
+    if (!cbc.bestSolution())
         return;
-    lastCandidate = cbc.getObjValue();
     std::vector<double> x(cbc.bestSolution(), cbc.bestSolution() + problem.cost.size());
+    if (x == lastCandidate)
+        return;
+    lastCandidate = x;
     double objective;
     if (repair(x, objective))
         run.offer(x, objective);
@@ -356,39 +245,6 @@ void Mip::start() {
     }
 }
 
-// The tightened model with the same columns; null when there is none, for whatever reason: then the
-// search itself finds out. It may lack solutions that aren't better than others, so it is of no use
-// when there are conditions that it doesn't know.
-std::unique_ptr<OsiSolverInterface> Mip::preprocess(OsiClpSolverInterface &solver) {
-    if (!intParam(run.settings, "Presolve") || intParam(run.settings, "LazyConstraints") ||
-        !problem.sets.empty())
-        return nullptr;
-    const int columns = solver.getNumCols();
-    CglProbing probing;
-    probing.setUsingObjective(1);
-    probing.setMaxPass(1);
-    probing.setMaxPassRoot(1);
-    probing.setMaxProbeRoot(columns > 3000 ? 123 : columns);
-    probing.setMaxElements(100);
-    probing.setMaxElementsRoot(200);
-    probing.setMaxLookRoot(50);
-    probing.setRowCuts(3);
-    CglPreProcess process;
-    process.passInMessageHandler(&problem.silence);
-    process.passInProhibited(std::string(problem.cost.size(), 1).c_str(), columns);
-    process.addCutGenerator(&probing);
-    const OsiSolverInterface *processed = process.preProcessNonDefault(solver, 0, 10);
-    if (!processed || run.stopped() || processed->getNumCols() != columns)
-        return nullptr;
-    const int *original = process.originalColumns();
-    for (int j = 0; j < columns; j++)
-        if (original[j] != j)
-            return nullptr;
-    run.rowsRemoved = solver.getNumRows() - processed->getNumRows();
-    run.enter(KVX_CB_PRESOLVE);
-    return std::unique_ptr<OsiSolverInterface>(processed->clone());
-}
-
 int Mip::search(OsiSolverInterface &solver) {
     CbcModel cbc(solver);
     configure(cbc, run, problem);
@@ -403,7 +259,7 @@ int Mip::search(OsiSolverInterface &solver) {
     TreeWatch tree(*this, cbc);
     cbc.passInEventHandler(&tree);
     run.enter(KVX_CB_MIP);
-    lastCandidate = std::numeric_limits<double>::infinity();
+    lastCandidate.clear();
     rejected = false;
     cbc.branchAndBound();
     candidate(cbc);
@@ -419,8 +275,9 @@ int Mip::search(OsiSolverInterface &solver) {
     // What Cbc cut off while it was looking for something better is worse than the best.
     double bound = problem.sense * cbc.getBestPossibleObjValue();
     run.bound = run.better(bound, run.bestObjective) ? bound : run.bestObjective;
-    bool isGap = rejected && relativeGap(run.bestObjective, run.bound) > std::max(run.gap, 1e-6);
-    return isGap ? KVX_STATUS_NUMERIC : KVX_STATUS_OPTIMAL;
+    bool isProven = relativeGap(run.bestObjective, run.bound) <= std::max(run.gap, 1e-6) ||
+                    std::abs(run.bestObjective - run.bound) <= std::max(run.absoluteGap, 1e-6);
+    return isProven ? KVX_STATUS_OPTIMAL : KVX_STATUS_NUMERIC;
 }
 
 // A ray of the relaxation may break a set and proves nothing then. A model whose optimum is the
@@ -437,6 +294,7 @@ int Mip::solveBoxed() {
             problem.lower[j] = std::max(lower[j], std::min(-size, upper[j]));
             problem.upper[j] = std::min(upper[j], std::max(size, lower[j]));
         }
+        run.bound = -run.sense * KVX_INFINITY;
         status = solveOnce();
     }
     problem.lower = lower;
@@ -473,7 +331,7 @@ int Mip::solveOnce() {
     markIntegers(solver, problem);
     SimplexWatch watch(run, false);
     lp.passInEventHandler(&watch);
-    if (std::unique_ptr<OsiSolverInterface> processed = preprocess(solver)) {
+    if (std::unique_ptr<OsiSolverInterface> processed = preprocess(run, problem, solver)) {
         // Now and then preprocessing drops a row that is needed to know a column's value.
         int status = search(*processed);
         if (status != KVX_STATUS_NUMERIC)
