@@ -53,25 +53,35 @@ class LibraryTest {
                      entries);
     }
 
+    /** The parts of the solver's header, one after the other. */
+    private static String header() throws Exception {
+        StringBuilder text = new StringBuilder();
+        try (Stream<Path> parts = Files.list(Path.of(System.getProperty("korvex.header")))) {
+            for (Path part : (Iterable<Path>)parts::iterator)
+                text.append(Files.readString(part));
+        }
+        return text.toString();
+    }
+
     @Test
     void constantsAreThoseOfTheHeader() throws Exception {
-        TreeMap<String, Double> header = new TreeMap<>();
+        TreeMap<String, Double> defined = new TreeMap<>();
         Matcher m = Pattern.compile("(?m)^#define KVX_(\\w+) +\\(?('.'|[-0-9.e]+)\\)?( .*)?$")
-                        .matcher(Files.readString(Path.of(System.getProperty("korvex.header"))));
+                        .matcher(header());
         while (m.find())
-            header.put(m.group(1), m.group(2).startsWith("'") ? (double)m.group(2).charAt(1)
-                                                              : Double.parseDouble(m.group(2)));
-        header.keySet().removeAll(Set.of("INTERFACE_JAVA", "TEXT_SIZE")); // of the bridge alone
+            defined.put(m.group(1), m.group(2).startsWith("'") ? (double)m.group(2).charAt(1)
+                                                               : Double.parseDouble(m.group(2)));
+        defined.keySet().removeAll(Set.of("INTERFACE_JAVA", "TEXT_SIZE")); // of the bridge alone
         TreeMap<String, Double> java = new TreeMap<>();
         for (Field field : KVX.class.getFields()) {
             Object value = field.get(null);
             java.put(field.getName(), value instanceof Character ? (double)(Character)value
                                                                  : ((Number)value).doubleValue());
         }
-        Set<Object> differences = new HashSet<>(header.entrySet());
+        Set<Object> differences = new HashSet<>(defined.entrySet());
         differences.addAll(java.entrySet());
         differences.removeIf(
-            entry -> header.entrySet().contains(entry) && java.entrySet().contains(entry));
+            entry -> defined.entrySet().contains(entry) && java.entrySet().contains(entry));
         assertEquals(Set.of(), differences);
     }
 
