@@ -2,12 +2,15 @@ package com.korvex;
 
 import static org.junit.jupiter.api.Assertions.*;
 
+import java.nio.file.Files;
+import java.nio.file.Path;
 import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.Timeout;
+import org.junit.jupiter.api.io.TempDir;
 
-/** What can be had of a solved model: its basis, and derived models. */
+/** What can be had of a solved model: its basis, derived models, the result of a batch. */
 @Timeout(60)
 class SolutionTest {
     private KVXEnv env;
@@ -104,6 +107,29 @@ class SolutionTest {
             }
             split.convertToFixed();
             assertEquals(0, split.getInt("IsMIP"));
+            double[] penalty = {-1};
+            assertEquals(0, KorvexJni.feasrelax(split.handle(), 0, 1, new double[16],
+                                                new double[16], new double[2], penalty));
+            assertEquals(0, penalty[0], 1e-9);
         }
+    }
+
+    @Test
+    void aBatchEndsWithTheSameSolution(@TempDir Path directory) throws Exception {
+        String id = model.optimizeBatch();
+        Path file = directory.resolve("batch.json");
+        try (KVXBatch batch = new KVXBatch(env, id)) {
+            while (batch.getInt("BatchStatus") != KVX.BATCH_COMPLETED) {
+                Thread.sleep(10);
+                batch.update();
+            }
+            assertEquals(id, batch.getString("BatchID"));
+            assertTrue(batch.jsonSolution().contains("\"objective\": 1073.18"));
+            batch.writeJsonSolution(file.toString());
+            assertEquals(batch.jsonSolution(), Files.readString(file));
+            batch.discard();
+        }
+        assertEquals(KVX.ERROR_NOT_FOUND,
+                     assertThrows(KVXException.class, () -> new KVXBatch(env, id)).status());
     }
 }

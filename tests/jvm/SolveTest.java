@@ -97,6 +97,16 @@ class SolveTest {
     }
 
     @Test
+    void aConflictIsNamed() throws Exception {
+        Launch run = Launch.java("Solve", SHIFTS, "--iis");
+        assertEquals(3, run.status());
+        String conflict = String.join(";", run.out());
+        assertTrue(conflict.contains("one of them:;  constraint demand_tue;  constraint demand_wed;"
+                                     + "  constraint limit_eva;  constraint day_off;  bound "),
+                   conflict);
+    }
+
+    @Test
     void anInterruptionStillReports() throws Exception {
         for (String mode : List.of("--async", "--log")) {
             Launch run =
