@@ -230,8 +230,10 @@ public final class Solve {
         System.out.println("These can't hold together, but could without any one of them:");
         list(model.getInts("IISConstr", 0, numConstrs),
              i -> "constraint " + model.getStrings("ConstrName", i, 1)[0]);
-        list(model.getInts("IISLB", 0, numVars), j -> "bound " + variables[j] + " >= " + lb[j]);
-        list(model.getInts("IISUB", 0, numVars), j -> "bound " + variables[j] + " <= " + ub[j]);
+        list(model.getInts("IISLB", 0, numVars),
+             j -> "bound " + variables[j] + " >= " + number(() -> lb[j]));
+        list(model.getInts("IISUB", 0, numVars),
+             j -> "bound " + variables[j] + " <= " + number(() -> ub[j]));
         list(model.getInts("IISSOS", 0, model.getInt("NumSOS")), k -> "set number " + k);
     }
 

@@ -4,22 +4,26 @@ import static org.junit.jupiter.api.Assertions.*;
 
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.util.HashSet;
+import java.util.Set;
 import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.Timeout;
 import org.junit.jupiter.api.io.TempDir;
 
-/** What can be had of a solved model: its basis, derived models, the result of a batch. */
+/** What can be had of a model: its basis, derived models, tuning, a batch. */
 @Timeout(60)
 class SolutionTest {
+    private static final String MODELS = System.getProperty("korvex.examples") + "/models/";
+
     private KVXEnv env;
     private KVXModel model;
 
     @BeforeEach
     void solve() {
         env = Models.quietEnv();
-        model = KVXModel.read(env, System.getProperty("korvex.examples") + "/models/bakery.lp");
+        model = KVXModel.read(env, MODELS + "bakery.lp");
         model.optimize();
     }
 
@@ -112,6 +116,25 @@ class SolutionTest {
                                                 new double[16], new double[2], penalty));
             assertEquals(0, penalty[0], 1e-9);
         }
+    }
+
+    @Test
+    void tuningAndConflictsCallBack() {
+        Set<Integer> reasons = new HashSet<>();
+        try (KVXModel split = Models.marketSplit(env, 10, 1, 1)) {
+            split.params().set("TuneTimeLimit", 1.0);
+            split.setCallback(context -> reasons.add(context.where()));
+            split.tune();
+            split.loadTuneResult(0);
+            assertTrue(split.getInt("TuneResultCount") > 0 && reasons.contains(KVX.CB_TUNE));
+        }
+        try (KVXModel shifts = KVXModel.read(env, MODELS + "shifts.lp")) {
+            shifts.setCallback(context -> reasons.add(context.where()));
+            shifts.computeIIS();
+            assertTrue(reasons.contains(KVX.CB_IIS));
+            assertArrayEquals(new int[] {0, 1, 1, 0, 0, 1, 1}, shifts.getInts("IISConstr", 0, 7));
+        }
+        assertThrows(KVXException.class, model::computeIIS); // it is feasible
     }
 
     @Test
