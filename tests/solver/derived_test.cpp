@@ -16,12 +16,6 @@ std::pair<int, double> solved(const Model &model) {
     return {status, status == KVX_STATUS_OPTIMAL ? dblAttr(model, "ObjVal") : 0};
 }
 
-Model derived(const Model &model, int (*derive)(KVXmodel *, KVXmodel **)) {
-    KVXmodel *result = nullptr;
-    EXPECT_EQ(KVX_OK, derive(model.get(), &result)) << KVXgetmerrormsg(model.get());
-    return Model(result);
-}
-
 // A random model with a known feasible point, in which rows and bounds of all shapes occur.
 Model randomModel(KVXenv *env, unsigned seed, bool integers, bool infeasibleRows = false) {
     std::mt19937 random(seed);

@@ -196,22 +196,31 @@ TEST(Reformulate, FindsWhatEnumerationFinds) {
     Env env;
     int feasible = 0;
     for (size_t s = 0; s < specials.size(); s++)
-        for (unsigned seed = 0; seed < 12; seed++) {
+        for (unsigned seed = 0; seed < 40; seed++) {
             SCOPED_TRACE("special " + std::to_string(s) + ", seed " + std::to_string(seed));
             Case random(seed);
             Model model = random.build(env, specials[s]);
-            KVXmodel *handle = nullptr;
-            MUST(model, KVXlinearizemodel(model.get(), &handle));
-            Model linear(handle);
+            Model linear = derived(model, KVXlinearizemodel);
             EXPECT_EQ(0, intAttr(linear, "NumGenConstrs"));
-            double expected = random.enumerated(specials[s]);
-            MUST(linear, KVXoptimize(handle));
-            if (std::abs(expected) == inf) {
-                EXPECT_EQ(KVX_STATUS_INFEASIBLE, intAttr(linear, "Status"));
-            } else {
-                feasible++;
-                EXPECT_EQ(KVX_STATUS_OPTIMAL, intAttr(linear, "Status"));
-                EXPECT_NEAR(expected, dblAttr(linear, "ObjVal"), 1e-6);
+            const double expected = random.enumerated(specials[s]);
+            const bool isFeasible = std::abs(expected) < inf;
+            const int status = isFeasible ? KVX_STATUS_OPTIMAL : KVX_STATUS_INFEASIBLE;
+            feasible += isFeasible;
+            for (const Model *each : {&model, &linear}) {
+                MUST(*each, KVXoptimize(each->get()));
+                EXPECT_EQ(status, intAttr(*each, "Status"));
+                if (isFeasible) {
+                    EXPECT_NEAR(expected, dblAttr(*each, "ObjVal"), 1e-6);
+                }
+            }
+            if (isFeasible) {
+                Point x(vars);
+                MUST(model, KVXgetdblattrarray(model.get(), "X", 0, vars, x.data()));
+                EXPECT_TRUE(specials[s].holds(x));
+                Model fixed = derived(model, KVXfixmodel);
+                MUST(fixed, KVXoptimize(fixed.get()));
+                EXPECT_EQ(0, intAttr(fixed, "IsMIP"));
+                EXPECT_NEAR(expected, dblAttr(fixed, "ObjVal"), 1e-6);
             }
         }
     EXPECT_GT(feasible, 100);
@@ -224,19 +233,17 @@ TEST(Reformulate, TellsBoundedFromUnbounded) {
         const double free[] = {-inf, -inf, -inf}, obj[] = {1, 0, 0}, rhs[] = {1, 1, 1, 1};
         const int beg[] = {0, 2, 4, 6}, ind[] = {1, 2, 1, 2, 1, 2, 1, 2};
         const double val[] = {1, 1, 1, -1, -1, 1, -1, -1};
-        KVXmodel *handle = nullptr, *linear = nullptr;
+        KVXmodel *handle = nullptr;
         ASSERT_EQ(KVX_OK,
                   KVXnewmodel(env, &handle, nullptr, 3, obj, free, nullptr, nullptr, nullptr));
         Model model(handle);
         MUST(model, KVXaddconstrs(handle, sides, 2 * sides, beg, ind, val, "<<<<", rhs, nullptr));
         MUST(model, KVXaddgenconstrAbs(handle, nullptr, 0, 1));
         MUST(model, KVXsetintattr(handle, "ModelSense", KVX_MAXIMIZE));
-        MUST(model, KVXlinearizemodel(handle, &linear));
-        Model owner(linear);
-        MUST(owner, KVXoptimize(linear));
-        EXPECT_EQ(sides == 4 ? KVX_STATUS_OPTIMAL : KVX_STATUS_UNBOUNDED, intAttr(owner, "Status"));
+        MUST(model, KVXoptimize(handle));
+        EXPECT_EQ(sides == 4 ? KVX_STATUS_OPTIMAL : KVX_STATUS_UNBOUNDED, intAttr(model, "Status"));
         if (sides == 4) {
-            EXPECT_NEAR(1, dblAttr(owner, "ObjVal"), 1e-6);
+            EXPECT_NEAR(1, dblAttr(model, "ObjVal"), 1e-6);
         }
     }
 }

@@ -14,6 +14,12 @@ double dblAttr(const Model &model, const char *name) {
     return value;
 }
 
+Model derived(const Model &model, int (*derive)(KVXmodel *, KVXmodel **)) {
+    KVXmodel *result = nullptr;
+    EXPECT_EQ(KVX_OK, derive(model.get(), &result)) << KVXgetmerrormsg(model.get());
+    return Model(result);
+}
+
 namespace {
 
 template <class T>

@@ -36,6 +36,9 @@ using Model = std::unique_ptr<KVXmodel, FreeModel>;
 int intAttr(const Model &model, const char *name);
 double dblAttr(const Model &model, const char *name);
 
+// A model derived from another one by one of the functions that do.
+Model derived(const Model &model, int (*derive)(KVXmodel *, KVXmodel **));
+
 // The data of a model, all that can be read through the interface, as text.
 std::string described(KVXmodel *model);
 
