@@ -95,7 +95,7 @@ class Basis {
 
 CoinIndexedVector read(const Basis &basis, const SparseVector *b) {
     needed(b, "b");
-    return basis.vector(ListReader(basis.head.size(), "index").read(b->len, b->ind, b->val));
+    return basis.vector(readList(b->len, b->ind, b->val, basis.head.size(), "index"));
 }
 
 void write(const std::vector<double> &result, SparseVector *x) {

@@ -160,13 +160,13 @@ int KVXloadmodel(KVXenv *env, KVXmodel **modelP, const char *name, int numvars, 
         std::vector<Variable> vars = readVariables(0, numvars, obj, lb, ub, types, varnames);
         readArray(numvars, beg, "begins");
         readArray(numvars, len, "lengths");
-        ListReader reader(model->constrs.size(), "constraint");
         for (size_t j = 0; j < vars.size(); j++) {
             if (!readCount(len[j], "a column"))
                 continue;
             readCount(beg[j], "a begin");
-            vars[j].column = reader.read(len[j], needed(ind, "indices") + beg[j],
-                                         needed(val, "coefficients") + beg[j]);
+            vars[j].column =
+                readList(len[j], needed(ind, "indices") + beg[j],
+                         needed(val, "coefficients") + beg[j], model->constrs.size(), "constraint");
         }
         appendVars(*model, std::move(vars));
         *modelP = model.release();
@@ -227,8 +227,7 @@ int KVXaddqconstr(KVXmodel *model, int numlnz, const int *lind, const double *lv
                   const char *name) {
     return guarded(model, [&] {
         const size_t limit = model->vars.size();
-        model->qconstrs.push_back({readName(name),
-                                   ListReader(limit, "variable").read(numlnz, lind, lval),
+        model->qconstrs.push_back({readName(name), readList(numlnz, lind, lval, limit, "variable"),
                                    readQuadratic(numqnz, qrow, qcol, qval, limit), readSense(sense),
                                    readFinite(rhs, "the right-hand side")});
         touch(*model);
@@ -243,16 +242,15 @@ int KVXaddsos(KVXmodel *model, int numsos, int nummembers, const int *types, con
         readArray(nummembers, ind, "members");
         readArray(nummembers, weight, "weights");
         std::vector<Sos> sets;
-        std::vector<size_t> memberOf(model->vars.size(), 0); // the last set of each, plus one
         for (size_t s = 0; s + 1 < begins.size(); s++) {
             if (types[s] != KVX_SOS_TYPE1 && types[s] != KVX_SOS_TYPE2)
                 fail(KVX_ERROR_INVALID_ARGUMENT, "SOS %zu: unknown type %d", s, types[s]);
             Sos set{types[s], {}};
+            std::set<int> members;
             for (int k = begins[s]; k < begins[s + 1]; k++) {
-                size_t &last = memberOf[readIndex(ind[k], memberOf.size(), "variable")];
-                if (last == s + 1)
+                readIndex(ind[k], model->vars.size(), "variable");
+                if (!members.insert(ind[k]).second)
                     fail(KVX_ERROR_INVALID_ARGUMENT, "SOS %zu: variable %d twice", s, ind[k]);
-                last = s + 1;
                 set.members.push_back({ind[k], readFinite(weight[k], "a weight")});
             }
             sets.push_back(std::move(set));
@@ -336,7 +334,7 @@ int KVXsetobjective(KVXmodel *model, int objsense, int numlnz, const int *lind, 
     return guarded(model, [&] {
         int sense = objsense ? readObjSense(objsense) : model->objsense;
         const size_t size = model->vars.size();
-        auto coefs = dense(ListReader(size, "variable").read(numlnz, lind, lval), size);
+        auto coefs = dense(readList(numlnz, lind, lval, size, "variable"), size);
         auto terms = readQuadratic(numqnz, qrow, qcol, qval, size);
         model->objcon = readFinite(objcon, "the objective constant");
         model->objsense = sense;
@@ -367,7 +365,7 @@ int KVXsetobjectiven(KVXmodel *model, int index, int priority, const char *name,
         objective.reltol = readFinite(reltol, "the relative tolerance");
         if (abstol < 0 || reltol < 0)
             fail(KVX_ERROR_INVALID_ARGUMENT, "a tolerance is negative");
-        objective.coefs = dense(ListReader(size, "variable").read(numlnz, lind, lval), size);
+        objective.coefs = dense(readList(numlnz, lind, lval, size, "variable"), size);
         if (number == model->objectives.size())
             model->objectives.emplace_back();
         model->objectives[number] = std::move(objective);

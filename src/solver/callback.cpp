@@ -77,9 +77,9 @@ int setRunParam(void *cbdata, const char *name, const ParameterValue &value) {
 }
 
 Row readRow(const Run &run, int length, const int *ind, const double *val, char sense, double rhs) {
-    ListReader reader(run.model.vars.size(), "variable");
     Range sides = sidesOf(sense, rhs, 0);
-    return {reader.read(length, ind, val), sides.lower, sides.upper};
+    return {readList(length, ind, val, run.model.vars.size(), "variable"), sides.lower,
+            sides.upper};
 }
 
 } // namespace

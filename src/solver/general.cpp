@@ -209,14 +209,14 @@ int KVXgetgenconstrAbs(KVXmodel *model, int genconstr, int *resvarP, int *argvar
 
 int KVXaddgenconstrIndicator(KVXmodel *model, const char *name, int binvar, int binval, int numlnz,
                              const int *lind, const double *lval, char sense, double rhs) {
-    return add(
-        model, name, KVX_GENCONSTR_INDICATOR, binvar, binval, [&](GeneralConstraint &constr) {
-            if (binval != 0 && binval != 1)
-                fail(KVX_ERROR_INVALID_ARGUMENT, "binval must be 0 or 1, not %d", binval);
-            constr.linear = ListReader(model->vars.size(), "variable").read(numlnz, lind, lval);
-            constr.sense = readSense(sense);
-            constr.number = readFinite(rhs, "the right-hand side");
-        });
+    return add(model, name, KVX_GENCONSTR_INDICATOR, binvar, binval,
+               [&](GeneralConstraint &constr) {
+                   if (binval != 0 && binval != 1)
+                       fail(KVX_ERROR_INVALID_ARGUMENT, "binval must be 0 or 1, not %d", binval);
+                   constr.linear = readList(numlnz, lind, lval, model->vars.size(), "variable");
+                   constr.sense = readSense(sense);
+                   constr.number = readFinite(rhs, "the right-hand side");
+               });
 }
 
 int KVXgetgenconstrIndicator(KVXmodel *model, int genconstr, int *binvarP, int *binvalP,

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <unordered_map>
 
 namespace korvex {
 
@@ -95,23 +96,22 @@ char senseOf(double lower, double upper) {
     return upper >= KVX_INFINITY && lower > -KVX_INFINITY ? KVX_GREATER_EQUAL : KVX_LESS_EQUAL;
 }
 
-std::vector<Entry> ListReader::read(int count, const int *ind, const double *val) {
+// The cost doesn't depend on the limit, since models are built row by row.
+std::vector<Entry> readList(int count, const int *ind, const double *val, size_t limit,
+                            const char *what) {
     readArray(count, ind, "indices");
     readArray(count, val, "coefficients");
     std::vector<Entry> list;
-    list.reserve(static_cast<size_t>(count));
+    std::unordered_map<int, size_t> position;
     for (int k = 0; k < count; k++) {
-        size_t &place = position[readIndex(ind[k], position.size(), what)];
-        double value = readFinite(val[k], "a coefficient");
-        if (place) {
-            list[place - 1].value += value;
-        } else {
-            list.push_back({ind[k], value});
-            place = list.size();
-        }
+        readIndex(ind[k], limit, what);
+        readFinite(val[k], "a coefficient");
+        auto [place, isNew] = position.emplace(ind[k], list.size());
+        if (isNew)
+            list.push_back({ind[k], val[k]});
+        else
+            list[place->second].value += val[k];
     }
-    for (const Entry &entry : list)
-        position[static_cast<size_t>(entry.index)] = 0;
     list.erase(std::remove_if(list.begin(), list.end(), [](Entry e) { return e.value == 0; }),
                list.end());
     return list;
@@ -137,11 +137,10 @@ std::vector<std::vector<Entry>> readLists(int count, int total, const int *beg, 
     std::vector<int> begins = readBegins(count, total, beg);
     readArray(total, ind, "indices");
     readArray(total, val, "coefficients");
-    ListReader reader(limit, what);
     std::vector<std::vector<Entry>> lists(begins.size() - 1);
     for (size_t k = 0; k < lists.size(); k++)
         if (int length = begins[k + 1] - begins[k]; length > 0)
-            lists[k] = reader.read(length, ind + begins[k], val + begins[k]);
+            lists[k] = readList(length, ind + begins[k], val + begins[k], limit, what);
     return lists;
 }
 

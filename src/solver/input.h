@@ -49,16 +49,9 @@ char senseOf(double lower, double upper);
 char readSense(char sense);
 int readObjSense(int sense);
 
-// Reads sparse lists: sums entries of equal index at the place of the first, drops zeros.
-class ListReader {
-  public:
-    ListReader(size_t limit, const char *what) : position(limit), what(what) {}
-    std::vector<Entry> read(int count, const int *ind, const double *val);
-
-  private:
-    std::vector<size_t> position; // of each index in the list being read, plus one; 0: not in it
-    const char *what;
-};
+// A sparse list: sums entries of equal index at the place of the first, drops zeros.
+std::vector<Entry> readList(int count, const int *ind, const double *val, size_t limit,
+                            const char *what);
 
 // The begins of count lists in compressed sparse layout, and the total behind them.
 std::vector<int> readBegins(int count, int total, const int *beg);

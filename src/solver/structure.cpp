@@ -37,16 +37,19 @@ void storeQuadratic(const std::vector<QuadraticTerm> &terms, int *numP, int *qro
     }
 }
 
-template <class NameOf>
-int findName(KVXmodel *model, size_t size, const char *name, int *indexP, NameOf nameOf) {
+template <class Item>
+int findName(KVXmodel *model, std::vector<Item> ModelData::*items, const char *name, int *indexP,
+             std::string (*made)(const ModelData &, int)) {
     return guardedRead(model, [&] {
         needed(name, "name");
         needed(indexP, "indexP");
-        for (int i = 0; i < intSize(size); i++)
-            if (nameOf(*model, i) == name) {
+        for (int i = 0; i < intSize((model->*items).size()); i++) {
+            const std::string &own = (model->*items)[static_cast<size_t>(i)].name;
+            if (own.empty() ? made(*model, i) == name : own == name) {
                 *indexP = i;
                 return;
             }
+        }
         fail(KVX_ERROR_NOT_FOUND, "nothing is named \"%s\"", name);
     });
 }
@@ -118,11 +121,11 @@ int KVXgetsos(KVXmodel *model, int *nummembersP, int *types, int *beg, int *ind,
 }
 
 int KVXgetconstrbyname(KVXmodel *model, const char *name, int *indexP) {
-    return findName(model, model ? model->constrs.size() : 0, name, indexP, constrName);
+    return findName(model, &ModelData::constrs, name, indexP, constrName);
 }
 
 int KVXgetvarbyname(KVXmodel *model, const char *name, int *indexP) {
-    return findName(model, model ? model->vars.size() : 0, name, indexP, varName);
+    return findName(model, &ModelData::vars, name, indexP, varName);
 }
 
 int KVXgetq(KVXmodel *model, int *numqnzP, int *qrow, int *qcol, double *qval) {
