@@ -4,15 +4,9 @@ import static org.junit.jupiter.api.Assertions.*;
 import static org.junit.jupiter.api.DynamicTest.dynamicTest;
 
 import java.lang.reflect.Array;
-import java.util.ArrayList;
-import java.util.List;
-import java.util.stream.IntStream;
-import java.util.stream.Stream;
-import org.junit.jupiter.api.AfterEach;
-import org.junit.jupiter.api.BeforeEach;
-import org.junit.jupiter.api.DynamicTest;
-import org.junit.jupiter.api.Test;
-import org.junit.jupiter.api.TestFactory;
+import java.util.*;
+import java.util.stream.*;
+import org.junit.jupiter.api.*;
 
 /** What is built through the natives is read back as it was. */
 class BuildTest {
@@ -281,22 +275,6 @@ class BuildTest {
         assertArrayEquals(new int[] {0, 1}, beg);
         assertArrayEquals(new int[] {0, 1}, ind);
         assertArrayEquals(new double[] {2, 5}, val);
-    }
-
-    @Test
-    void sparseListsAreCleanedInPlace() {
-        int[] len = {5}, ind = {3, 1, 3, 2, 1}, first = {1, 0, 1, 0, 2}, second = {2, 1, 2, 0, 2};
-        double[] val = {1, 2, 3, 4, -2}, val3 = {1, 2, 3, 4, 0};
-        ok("clean2", len, ind, val);
-        assertEquals(2, len[0]);
-        assertArrayEquals(new int[] {2, 3, 3, 2, 1}, ind); // beyond the length: as it was
-        assertArrayEquals(new double[] {4, 4, 3, 4, -2}, val);
-        len[0] = 5;
-        ok("clean3", len, first, second, val3);
-        assertEquals(3, len[0]);
-        assertArrayEquals(new int[] {0, 0, 1}, java.util.Arrays.copyOf(first, 3));
-        assertArrayEquals(new int[] {0, 1, 2}, java.util.Arrays.copyOf(second, 3));
-        assertArrayEquals(new double[] {4, 2, 4}, java.util.Arrays.copyOf(val3, 3));
     }
 
     @Test

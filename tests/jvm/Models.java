@@ -1,8 +1,11 @@
 package com.korvex;
 
-import java.util.Random;
+import static org.junit.jupiter.api.Assertions.*;
 
-/** Environments and models that several tests use. */
+import java.util.Random;
+import org.junit.jupiter.api.function.Executable;
+
+/** Environments, models and checks that several tests use. */
 final class Models {
     private Models() {}
 
@@ -12,6 +15,10 @@ final class Models {
         env.params().set("LogToConsole", 0);
         env.start();
         return env;
+    }
+
+    static void fails(int status, Executable use) {
+        assertEquals(status, assertThrows(KVXException.class, use).status());
     }
 
     /**

@@ -3,8 +3,7 @@ package com.korvex;
 import java.lang.reflect.Method;
 import java.util.Map;
 import java.util.function.Function;
-import java.util.stream.Collectors;
-import java.util.stream.Stream;
+import java.util.stream.*;
 
 /** The natives of KorvexJni by name, for tables. */
 final class Natives {
