@@ -175,7 +175,7 @@ int KVXcbsetstrparam(void *cbdata, const char *name, const char *) {
 
 int KVXcbproceed(void *cbdata) {
     return guardedCallback(cbdata, [&](Run &run) {
-        if (run.present.empty() && run.occasion.where != KVX_CB_TUNE)
+        if (!run.hasPhases)
             fail(KVX_ERROR_NOT_SUPPORTED, "the run has no phase that could be ended");
         run.stop(Run::next);
     });

@@ -141,7 +141,8 @@ std::unique_ptr<OsiSolverInterface> preprocess(Run &run, const Problem &problem,
         return nullptr;
     const int *original = process.originalColumns();
     for (int j = 0; j < columns; j++)
-        if (original[j] != j)
+        // It makes columns integer that needn't be, and then cuts off solutions by their bounds.
+        if (original[j] != j || processed->isInteger(j) != solver.isInteger(j))
             return nullptr;
     run.rowsRemoved = solver.getNumRows() - processed->getNumRows();
     run.enter(KVX_CB_PRESOLVE);

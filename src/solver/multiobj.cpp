@@ -63,6 +63,7 @@ Outcome solveObjectives(Run &run, Problem problem) {
         levels[objectives[k].priority].push_back(static_cast<int>(k));
     blend(problem, objectives, levels.begin()->second);
     const Problem first = problem;
+    run.hasPhases = true;
     double firstBound = 0;
     int solved = 0, status = KVX_STATUS_OPTIMAL;
     for (const auto &[priority, members] : levels) {

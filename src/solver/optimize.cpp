@@ -4,6 +4,7 @@
 #include "reformulate.h"
 #include "textfile.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace korvex {
@@ -30,8 +31,11 @@ void check(const KVXmodel &model) {
     if (!model.qconstrs.empty())
         fail(KVX_ERROR_NOT_SUPPORTED, "quadratic constraints, like %s, can't be solved",
              qconstrName(model, 0).c_str());
-    if (!model.quadratic.empty() && !model.objectives.empty())
-        fail(KVX_ERROR_NOT_SUPPORTED, "one of several objectives can't be quadratic");
+    bool isLinear = model.quadratic.empty() &&
+                    std::all_of(model.vars.begin(), model.vars.end(),
+                                [](const Variable &var) { return var.pwlX.empty(); });
+    if (!isLinear && !model.objectives.empty())
+        fail(KVX_ERROR_NOT_SUPPORTED, "one of several objectives must be linear");
 }
 
 void sayHead(Run &run) {

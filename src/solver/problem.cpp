@@ -104,7 +104,7 @@ double Problem::objective(const std::vector<double> &x) const {
         value += cost[j] * x[j];
     for (const QuadraticTerm &term : quadratic)
         value += term.value * x[static_cast<size_t>(term.row)] * x[static_cast<size_t>(term.col)];
-    return sense * value;
+    return sense * value + 0.0;
 }
 
 double Problem::violation(const std::vector<double> &x) const {
@@ -139,7 +139,7 @@ void Problem::addRow(const Row &row) {
 void Problem::round(std::vector<double> &x) const {
     for (size_t j = 0; j < cost.size(); j++)
         if (integer[j] && x[j] != KVX_UNDEFINED)
-            x[j] = std::round(x[j]);
+            x[j] = std::round(x[j]) + 0.0; // no negative zero
 }
 
 } // namespace korvex

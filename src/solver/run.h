@@ -90,6 +90,7 @@ class Run {
     Occasion occasion;
     int callbackStatus = 0;   // the result that ended the run
     std::vector<Row> lazies;  // lazy constraints
+    bool hasPhases = false;   // stop(next) ends one of them
     std::vector<int> present; // numbers of the objectives that are being optimised, of several
     std::vector<Row> cuts;    // added by the callback at the present node
 

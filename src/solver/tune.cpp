@@ -51,6 +51,7 @@ void tune(Run &run) {
     run.timeLimit = dblParam(run.settings, "TuneTimeLimit");
     auto settings = settingsFor(model);
     std::vector<Trial> trials;
+    run.hasPhases = true;
     for (size_t k = 0; k < settings.size() && !run.poll(); k++) {
         run.report(KVX_CB_TUNE, {{KVX_CB_TUNE_TRIAL, static_cast<double>(k)},
                                  {KVX_CB_TUNE_TRIALS, static_cast<double>(settings.size())}});
@@ -59,6 +60,10 @@ void tune(Run &run) {
             setParam(inner->env, names[i], settings[k][i]);
         double share = (run.timeLimit - run.elapsed()) / static_cast<double>(settings.size() - k);
         int status = solveInside(run, *inner, std::min(share, dblParam(run.settings, "TimeLimit")));
+        if (run.stopped() == Run::next) { // The callback gives this trial up.
+            run.goOn();
+            continue;
+        }
         if (run.stopped())
             break;
         const Solution &found = inner->solution;

@@ -34,7 +34,8 @@
  *   of a general constraint     int: GenConstrType (KVX_GENCONSTR_)   string: GenConstrName(w)
  *
  * Signs: ReducedCost and Dual are the change of the objective value per unit of bound or right-hand
- * side, in the model's own sense. Slack is right-hand side minus activity.
+ * side, in the model's own sense. Of several objectives, ObjVal and ObjBound belong to the highest
+ * priority. Slack is right-hand side minus activity.
  */
 #define KVX_UNDEFINED 1e101
 

@@ -98,7 +98,9 @@ int KVXsetobjective(KVXmodel *model, int objsense, int numlnz, const int *lind, 
  * @param name its name, or null
  * @param constant objective constant
  * @param weight factor in the blend
- * @param abstol,reltol how much later objectives may worsen this one
+ * @param abstol,reltol how much later objectives may worsen this one: the larger of the two; a
+ *        blend, by the sum over its members times their weights. The model's own linear objective
+ *        counts for nothing then, and a quadratic or piecewise-linear one is refused.
  */
 int KVXsetobjectiven(KVXmodel *model, int index, int priority, const char *name, int numlnz,
                      const int *lind, const double *lval, double constant, double weight,

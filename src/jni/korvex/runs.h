@@ -13,8 +13,10 @@
 int KVXsetcallbackfuncadv(KVXmodel *model, KVXcallback callback, void *userdata, int flags);
 /** Installs the model's callback, or removes it with two nulls. */
 int KVXsetcallbackfunc(KVXmodel *model, KVXcallback callback, void *userdata);
-/** Solves the model. A limit, an interruption or infeasibility is not a failure: the status is 0
- * and the attribute "Status" tells. */
+/** Solves the model. Quadratic constraints, quadratic objectives that aren't convex and quadratic
+ * objectives together with discrete variables give KVX_ERROR_NOT_SUPPORTED. A limit, an
+ * interruption or infeasibility is not a failure: the status is 0 and the attribute "Status" tells.
+ */
 int KVXoptimize(KVXmodel *model);
 /** Starts to solve the model on a thread of the library's own. Until KVXsync calls that would
  * change the model or its parameters are refused with KVX_ERROR_IN_PROGRESS. Its data can be read,
