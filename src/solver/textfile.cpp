@@ -185,8 +185,10 @@ ModelData complete(ModelData model, const std::string &filename) {
     try {
         if (!isName(model.name))
             fail(KVX_ERROR_FILE_READ, "the model's name isn't UTF-8 text");
+        readFinite(model.objcon, "the objective constant");
         for (size_t j = 0; j < model.vars.size(); j++) {
             Variable &var = model.vars[j];
+            readFinite(var.obj, "an objective coefficient");
             Range domain = readDomain({var.lb, var.ub, var.type}, j);
             var.lb = domain.lower;
             var.ub = domain.upper;
@@ -198,6 +200,8 @@ ModelData complete(ModelData model, const std::string &filename) {
             constr.upper = sides.upper;
             constr.sense = senseOf(constr.lower, constr.upper);
             auto &row = constr.row;
+            for (const Entry &entry : row)
+                readFinite(entry.value, "a coefficient");
             row.erase(std::remove_if(row.begin(), row.end(), [](Entry e) { return e.value == 0; }),
                       row.end());
         }

@@ -66,6 +66,7 @@ ModelData readMps(const std::string &filename);
 std::string writeMps(const ModelData &model);
 ModelData readLp(const std::string &filename);
 std::string writeLp(const ModelData &model);
+bool isLpName(std::string_view name); // whether an LP file can hold it
 std::string solutionAsJson(const KVXmodel &model);
 bool isJsonFile(std::string_view filename);
 

@@ -1,6 +1,5 @@
-// Tuning: one setting after the other is tried on a copy of the model, each for its share of the
-// time that is left. Linear models are tried with every method and without presolve, others
-// without cuts, heuristics, presolve, and combinations of these.
+// Tuning: the model's own setting and those below are tried one after the other on a copy of the
+// model, each for its share of the time that is left.
 #include "guard.h"
 #include "inner.h"
 #include "optimize.h"
@@ -11,14 +10,16 @@
 namespace korvex {
 namespace {
 
-// What tuning changes, and the settings as values in that order.
+// What tuning changes, and settings as values in that order.
 constexpr const char *names[] = {"Method", "Presolve", "Cuts", "Heuristics"};
 constexpr int own = -2; // the model's own value
 using Setting = std::array<int, std::size(names)>;
-constexpr Setting linearSettings[] = {{own, own, own, own}, {0, own, own, own}, {1, own, own, own},
-                                      {2, own, own, own},   {0, 0, own, own},   {1, 0, own, own}};
-constexpr Setting mipSettings[] = {{own, own, own, own}, {own, own, 0, own}, {own, own, own, 0},
-                                   {own, own, 0, 0},     {own, 0, own, own}, {own, 0, 0, own}};
+constexpr Setting linearSettings[] = {{own, own, own, own}, {-1, 1, own, own}, {0, 1, own, own},
+                                      {1, 1, own, own},     {2, 1, own, own},  {0, 0, own, own},
+                                      {1, 0, own, own}};
+constexpr Setting mipSettings[] = {{own, own, own, own}, {own, 1, 1, 1}, {own, 1, 0, 1},
+                                   {own, 1, 1, 0},       {own, 1, 0, 0}, {own, 0, 1, 1},
+                                   {own, 0, 0, 1}};
 
 struct Trial {
     std::vector<int> values;
@@ -55,6 +56,10 @@ void tune(Run &run) {
     for (size_t k = 0; k < settings.size() && !run.poll(); k++) {
         run.report(KVX_CB_TUNE, {{KVX_CB_TUNE_TRIAL, static_cast<double>(k)},
                                  {KVX_CB_TUNE_TRIALS, static_cast<double>(settings.size())}});
+        if (run.stopped() == Run::next) { // the callback proceeds with the next trial
+            run.goOn();
+            continue;
+        }
         auto inner = makeInnerModel(run.settings, model);
         for (size_t i = 0; i < std::size(names); i++)
             setParam(inner->env, names[i], settings[k][i]);

@@ -173,7 +173,7 @@ TEST(Batches, endWithTheProcess) {
 }
 
 struct Trials {
-    int calls = 0, stopAt = -1;
+    int calls = 0, stopAt = -1, skip = -1;
 };
 
 int countTrials(KVXmodel *model, void *cbdata, int where, void *data) {
@@ -185,6 +185,9 @@ int countTrials(KVXmodel *model, void *cbdata, int where, void *data) {
     EXPECT_EQ(0, KVXcbget(cbdata, where, KVX_CB_TUNE_TRIALS, &count));
     EXPECT_EQ(trial, trials.calls);
     EXPECT_GT(count, trial);
+    if (trial == trials.skip) {
+        EXPECT_EQ(0, KVXcbproceed(cbdata));
+    }
     return trials.calls++ == trials.stopAt ? KVXterminate(model) : 0;
 }
 
@@ -209,9 +212,9 @@ TEST(Tuning, keepsTheSettingsThatItTried) {
     EXPECT_TRUE(changed);
     EXPECT_EQ(KVX_ERROR_INDEX_OUT_OF_RANGE, KVXgettuneresult(model.get(), trials.calls));
 
-    trials = {0, 2};
+    trials = {0, 3, 1};
     MUST(model, KVXtunemodel(model.get()));
-    EXPECT_EQ(intAttr(model, "TuneResultCount"), 2) << "the third trial was ended";
+    EXPECT_EQ(intAttr(model, "TuneResultCount"), 2) << "of four, one skipped and one ended";
 }
 
 TEST(Tuning, keepsToItsTimeLimit) {

@@ -127,6 +127,9 @@ TEST_F(Files, damagedFilesAreRefusedWithFileAndLine) {
          "\x7f"
          "ELF\x02\x01\n\xff\xfe",
          "section"},
+        {"a.mps", "ROWS\n L c\nCOLUMNS\n x c inf\nENDATA\n",
+         "a coefficient must be a finite number"},
+        {"a.lp", "min\n x\nst\n x <> 2\nend\n", "line 4: '<>' is no relation"},
         {"a.lp", "", "line 0: a section's keyword is expected"},
         {"a.lp", "min\n x\nst\n c: x + >= 2\nend\n", "line 4: a term is expected at '>'"},
         {"a.lp", "min\n x\nst\n c: x >= y\nend\n", "line 4: a number is expected at 'y'"},

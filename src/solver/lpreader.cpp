@@ -1,68 +1,38 @@
-// LP files: objective and constraints as formulas, with quadratic terms in brackets, then bounds,
-// lists of integer, binary and semi-continuous variables, and SOS.
-#include "guard.h"
+// Reading LP files: objective and constraints as formulas, with quadratic terms in brackets, then
+// bounds, lists of integer, binary and semi-continuous variables, and SOS.
+#include "input.h"
 #include "text.h"
 #include "textfile.h"
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 
 namespace korvex {
 namespace {
 
-enum class Section {
-    none,
-    minimize,
-    maximize,
-    constraints,
-    bounds,
-    integers,
-    binaries,
-    semis,
-    sos,
-    end
-};
-
-struct Keyword {
-    std::string_view word;
-    Section section;
-};
+enum class Section { none, minimize, maximize, rows, bounds, integers, binaries, semis, sos, end };
 
 // Keywords begin a line and no colon follows them.
-constexpr Keyword keywords[] = {
-    {"minimize", Section::minimize},
-    {"minimum", Section::minimize},
-    {"min", Section::minimize},
-    {"maximize", Section::maximize},
-    {"maximum", Section::maximize},
-    {"max", Section::maximize},
-    {"subject", Section::constraints},
-    {"such", Section::constraints},
-    {"st", Section::constraints},
-    {"s.t.", Section::constraints},
-    {"st.", Section::constraints},
-    {"bounds", Section::bounds},
-    {"bound", Section::bounds},
-    {"general", Section::integers},
-    {"generals", Section::integers},
-    {"gen", Section::integers},
-    {"integer", Section::integers},
-    {"integers", Section::integers},
-    {"int", Section::integers},
-    {"binary", Section::binaries},
-    {"binaries", Section::binaries},
-    {"bin", Section::binaries},
-    {"semi", Section::semis},
-    {"semis", Section::semis},
-    {"sos", Section::sos},
-    {"end", Section::end},
+constexpr std::pair<Section, std::string_view> keywords[] = {
+    {Section::minimize, "minimize minimum min"},
+    {Section::maximize, "maximize maximum max"},
+    {Section::rows, "subject such st s.t. st."},
+    {Section::bounds, "bounds bound"},
+    {Section::integers, "generals general gen integers integer int"},
+    {Section::binaries, "binaries binary bin"},
+    {Section::semis, "semis semi"},
+    {Section::sos, "sos"},
+    {Section::end, "end"},
 };
 
 Section sectionOf(std::string_view word) {
-    for (const Keyword &keyword : keywords)
-        if (equalIgnoringCase(keyword.word, word))
-            return keyword.section;
+    for (auto [section, words] : keywords)
+        for (size_t begin = 0; begin < words.size();) {
+            size_t end = std::min(words.find(' ', begin), words.size());
+            if (equalIgnoringCase(words.substr(begin, end - begin), word))
+                return section;
+            begin = end + 1;
+        }
     return Section::none;
 }
 
@@ -76,11 +46,6 @@ bool beginsNumber(char c) {
     return (c >= '0' && c <= '9') || c == '.';
 }
 
-bool isWritableName(std::string_view name) {
-    return name.find_first_of(separators) == std::string_view::npos && !beginsNumber(name[0]) &&
-           sectionOf(name) == Section::none && !isInfinity(name);
-}
-
 struct Token {
     enum Kind { name, number, symbol, end } kind;
     std::string_view text; // of a symbol: its first character; relations as <, > or =
@@ -88,6 +53,18 @@ struct Token {
     int line;
     bool beginsLine;
 };
+
+// What a relation says of the side left of it, and that relation read from the right.
+void limit(double &lower, double &upper, char sense, double side) {
+    if (sense != '>')
+        upper = side;
+    if (sense != '<')
+        lower = side;
+}
+
+char mirrored(char sense) {
+    return sense == '<' ? '>' : sense == '>' ? '<' : sense;
+}
 
 struct Expression {
     std::vector<Entry> linear;
@@ -112,7 +89,7 @@ class LpReader {
         objective();
         while ((section = takeSection()) != Section::end) {
             while (sectionHere() == Section::none && here().kind != Token::end) {
-                if (section == Section::constraints)
+                if (section == Section::rows)
                     constraint();
                 else if (section == Section::bounds)
                     bound();
@@ -147,9 +124,10 @@ class LpReader {
                 std::string_view relation = rest.substr(0, length);
                 length = std::max<size_t>(length, 1);
                 token.text = rest.substr(0, 1);
-                for (std::string_view sense : {"<", ">"})
-                    if (relation.find(sense) != std::string_view::npos)
-                        token.text = sense;
+                if (relation == "=<" || relation == "=>")
+                    token.text = rest.substr(1, 1);
+                else if (length > 2 || relation == "<>" || relation == "><")
+                    source.refuse(quoted(relation) + " is no relation");
             } else if (!isName(token.text)) {
                 source.refuse(quoted(token.text) + " isn't UTF-8 text");
             }
@@ -189,8 +167,8 @@ class LpReader {
             refuse("a section's keyword is expected");
         std::string_view word = here().text;
         position++;
-        bool two = equalIgnoringCase(word, "subject") || equalIgnoringCase(word, "such");
-        if (two && !here().beginsLine)
+        if ((equalIgnoringCase(word, "subject") || equalIgnoringCase(word, "such")) &&
+            !here().beginsLine)
             position++;
         if (section == Section::semis && take("-"))
             position++;
@@ -302,17 +280,16 @@ class LpReader {
                 refuse("a square or a product is expected");
             result.quadratic.push_back({i, j, value});
         }
-        if (!take("/"))
-            return;
-        if (number() != 2)
+        bool halved = take("/");
+        if (halved && number() != 2)
             refuse("only a 2 can stand below the brackets");
-        for (size_t k = first; k < result.quadratic.size(); k++)
+        for (size_t k = first; halved && k < result.quadratic.size(); k++)
             result.quadratic[k].value /= 2;
     }
 
     void objective() {
         label();
-        Expression formula = expression();
+        const Expression formula = expression();
         for (auto [var, value] : formula.linear)
             model.vars[static_cast<size_t>(var)].obj = value;
         model.quadratic = formula.quadratic;
@@ -330,35 +307,23 @@ class LpReader {
         std::string name = label();
         Expression formula = expression();
         double lower = -KVX_INFINITY, upper = KVX_INFINITY;
-        auto addSide = [&](char sense, double side) {
-            if (sense != '>')
-                upper = side;
-            if (sense != '<')
-                lower = side;
-        };
         char sense = relation();
         if (formula.hasTerms()) {
-            addSide(sense, number() - formula.constant);
+            limit(lower, upper, sense, number() - formula.constant);
         } else {
             double left = formula.constant;
             formula = expression();
-            addSide(sense == '<' ? '>' : sense == '>' ? '<' : '=', left - formula.constant);
+            limit(lower, upper, mirrored(sense), left - formula.constant);
             if (sense != '=' && take(std::string_view(&sense, 1)))
-                addSide(sense, number() - formula.constant);
+                limit(lower, upper, sense, number() - formula.constant);
         }
         if (formula.quadratic.empty()) {
-            Constraint &constr = model.constrs.emplace_back();
-            constr.name = name;
-            constr.lower = lower;
-            constr.upper = upper;
-            constr.row = formula.linear;
+            model.constrs.push_back({name, sense, lower, upper, KVX_BASIC, 0, formula.linear});
             return;
         }
         if (lower > -KVX_INFINITY && upper < KVX_INFINITY && lower != upper)
             refuse("a quadratic constraint with two sides, before what is");
-        sense = lower == upper         ? KVX_EQUAL
-                : upper < KVX_INFINITY ? KVX_LESS_EQUAL
-                                       : KVX_GREATER_EQUAL;
+        sense = senseOf(lower, upper);
         model.qconstrs.push_back({name, formula.linear, formula.quadratic, sense,
                                   sense == KVX_GREATER_EQUAL ? lower : upper});
     }
@@ -372,21 +337,15 @@ class LpReader {
             sense = relation();
         }
         Variable &var = model.vars[static_cast<size_t>(variable(false))];
-        if (sense && sense != '<')
-            var.ub = left;
-        if (sense && sense != '>')
-            var.lb = left;
+        if (sense)
+            limit(var.lb, var.ub, mirrored(sense), left);
         if (!sense && equalIgnoringCase(here().text, "free")) {
             position++;
             var.lb = -KVX_INFINITY;
             var.ub = KVX_INFINITY;
         } else if (!sense || isHere("<") || isHere(">") || isHere("=")) {
             sense = relation();
-            double right = number();
-            if (sense != '>')
-                var.ub = right;
-            if (sense != '<')
-                var.lb = right;
+            limit(var.lb, var.ub, sense, number());
         }
     }
 
@@ -427,121 +386,15 @@ class LpReader {
     std::vector<size_t> place; // of each variable in the formula that is being read, if it is there
 };
 
-// Text with a line break now and then.
-class LpWriter {
-  public:
-    explicit LpWriter(const ModelData &model)
-        : model(model), vars(model, model.vars.size(), varName, isWritableName),
-          constrs(model, model.constrs.size(), constrName, isWritableName),
-          qconstrs(model, model.qconstrs.size(), qconstrName, isWritableName) {}
-
-    std::string write() {
-        text = model.name.empty() ? "" : "\\ " + model.name + '\n';
-        text += model.objsense == KVX_MAXIMIZE ? "Maximize\n obj:" : "Minimize\n obj:";
-        // Every variable, so that all of them are there in their order.
-        for (size_t j = 0; j < model.vars.size(); j++)
-            add(signedNumber(model.vars[j].obj) + " " + vars[j]);
-        quadratic(model.quadratic, 2);
-        if (!model.quadratic.empty())
-            add(" / 2");
-        if (model.objcon != 0 || model.vars.empty())
-            add(signedNumber(model.objcon));
-        text += "\nSubject To";
-        for (size_t i = 0; i < model.constrs.size(); i++)
-            constraint(constrs[i], model.constrs[i]);
-        for (size_t i = 0; i < model.qconstrs.size(); i++) {
-            const QuadraticConstraint &constr = model.qconstrs[i];
-            text += "\n " + qconstrs[i] + ":";
-            linear(constr.linear);
-            quadratic(constr.quadratic, 1);
-            side(constr.sense, constr.rhs);
-        }
-        text += "\nBounds";
-        for (size_t j = 0; j < model.vars.size(); j++) {
-            const Variable &var = model.vars[j];
-            if (var.lb != 0 || var.ub < KVX_INFINITY)
-                text += "\n " + number(var.lb) + " <= " + vars[j] + " <= " + number(var.ub);
-        }
-        list("\nGenerals", KVX_INTEGER, KVX_SEMIINT);
-        list("\nBinaries", KVX_BINARY, KVX_BINARY);
-        list("\nSemi-continuous", KVX_SEMICONT, KVX_SEMIINT);
-        text += "\nSOS";
-        for (size_t k = 0; k < model.sos.size(); k++) {
-            text += "\n s" + std::to_string(k);
-            text += model.sos[k].type == KVX_SOS_TYPE1 ? ": S1 ::" : ": S2 ::";
-            for (auto [index, weight] : model.sos[k].members)
-                add(" " + vars[static_cast<size_t>(index)] + ":" + number(weight));
-        }
-        return text + "\nEnd\n";
-    }
-
-  private:
-    static std::string number(double value) {
-        return std::fabs(value) < KVX_INFINITY ? toText(value) : value < 0 ? "-inf" : "inf";
-    }
-
-    static std::string signedNumber(double value) {
-        return (std::signbit(value) ? " - " : " + ") + toText(std::fabs(value));
-    }
-
-    void add(const std::string &piece) {
-        if (text.size() - text.rfind('\n') > 90)
-            text += "\n  ";
-        text += piece;
-    }
-
-    void linear(const std::vector<Entry> &entries) {
-        for (auto [index, value] : entries)
-            add(signedNumber(value) + " " + vars[static_cast<size_t>(index)]);
-    }
-
-    void quadratic(const std::vector<QuadraticTerm> &terms, double factor) {
-        if (terms.empty())
-            return;
-        add(" + [");
-        for (auto [i, j, value] : terms)
-            add(signedNumber(factor * value) + " " + vars[static_cast<size_t>(i)] + " * " +
-                vars[static_cast<size_t>(j)]);
-        add(" ]");
-    }
-
-    void side(char sense, double value) {
-        add(std::string(" ") + sense + (sense == '=' ? " " : "= ") + number(value));
-    }
-
-    void constraint(const std::string &name, const Constraint &constr) {
-        text += "\n " + name + ":";
-        bool low = constr.lower > -KVX_INFINITY, high = constr.upper < KVX_INFINITY;
-        bool twoSided = constr.row.empty() || (low && high && constr.lower != constr.upper);
-        if (twoSided)
-            text += " " + number(constr.lower) + " <=" + (constr.row.empty() ? " 0" : "");
-        linear(constr.row);
-        if (twoSided || !low)
-            side('<', constr.upper);
-        else
-            side(high ? '=' : '>', constr.lower);
-    }
-
-    void list(const char *title, char type, char other) {
-        text += title;
-        for (size_t j = 0; j < model.vars.size(); j++)
-            if (model.vars[j].type == type || model.vars[j].type == other)
-                text += "\n " + vars[j];
-    }
-
-    const ModelData &model;
-    const Names vars, constrs, qconstrs;
-    std::string text;
-};
-
 } // namespace
+
+bool isLpName(std::string_view name) {
+    return name.find_first_of(separators) == std::string_view::npos && !beginsNumber(name[0]) &&
+           sectionOf(name) == Section::none && !isInfinity(name);
+}
 
 ModelData readLp(const std::string &filename) {
     return complete(LpReader(filename).read(), filename);
-}
-
-std::string writeLp(const ModelData &model) {
-    return LpWriter(model).write();
 }
 
 } // namespace korvex
