@@ -334,8 +334,8 @@ int KVXsetobjective(KVXmodel *model, int objsense, int numlnz, const int *lind, 
     return guarded(model, [&] {
         int sense = objsense ? readObjSense(objsense) : model->objsense;
         const size_t size = model->vars.size();
-        auto coefs = dense(readList(numlnz, lind, lval, size, "variable"), size);
-        auto terms = readQuadratic(numqnz, qrow, qcol, qval, size);
+        auto coefs = dense(readList(std::max(numlnz, 0), lind, lval, size, "variable"), size);
+        auto terms = readQuadratic(std::max(numqnz, 0), qrow, qcol, qval, size);
         model->objcon = readFinite(objcon, "the objective constant");
         model->objsense = sense;
         for (size_t j = 0; j < size; j++) {

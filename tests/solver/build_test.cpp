@@ -167,6 +167,8 @@ TEST(Build, ReadsBackWhatWasAdded) {
     EXPECT_EQ(0, index); // named by its index
     MUST(model, KVXgetvarbyname(handle, "C1", &index));
     EXPECT_EQ(KVX_ERROR_NOT_FOUND, KVXgetvarbyname(handle, "C2", &index));
+    // Absent parts of an objective.
+    MUST(model, KVXsetobjective(handle, 0, -1, nullptr, nullptr, -2, nullptr, nullptr, nullptr, 7));
     int n = 5, a[] = {2, 1, 2, 0, 1}, b[] = {0, 1, 0, 0, 1};
     double v[] = {1, 2, 3, 4, -2};
     KVXclean3(&n, a, b, v);

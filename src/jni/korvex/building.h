@@ -85,7 +85,8 @@ void KVXclean2(int *lenP, int *ind, double *val);
 void KVXclean3(int *lenP, int *ind1, int *ind2, double *val);
 
 /** Sets the whole objective: linear terms (all others become 0), quadratic terms, constant.
- * @param objsense KVX_MINIMIZE, KVX_MAXIMIZE, or 0 to leave it */
+ * @param objsense KVX_MINIMIZE, KVX_MAXIMIZE, or 0 to leave it
+ * @param numlnz,numqnz number of terms; a negative one counts as 0 */
 int KVXsetobjective(KVXmodel *model, int objsense, int numlnz, const int *lind, const double *lval,
                     int numqnz, const int *qrow, const int *qcol, const double *qval,
                     double objcon);
