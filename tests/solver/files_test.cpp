@@ -26,7 +26,7 @@ const char *const sampleMps = "NAME the sample\n"
                               "    RHS twosides -0.3\n"
                               "RANGES\n    RNG twosides 0.7\n"
                               "BOUNDS\n FR BND x\n UP BND i 1e9\n BV BND b\n SC BND n 9\n"
-                              " LO BND s 2\n SC BND s 1e100\n MI BND unused\n UP BND unused -1\n"
+                              " LO BND s 2\n SC BND s 1e100\n UP BND unused -1\n"
                               "QUADOBJ\n    x x -0.2\n    x s 0.1\n"
                               "SOS\n S2 SOS SET\n    SET x 1\n    SET s 2.5\n    SET i 3\n"
                               "ENDATA\n";
