@@ -234,7 +234,6 @@ public final class Solve {
              j -> "bound " + variables[j] + " >= " + number(() -> lb[j]));
         list(model.getInts("IISUB", 0, numVars),
              j -> "bound " + variables[j] + " <= " + number(() -> ub[j]));
-        list(model.getInts("IISSOS", 0, model.getInt("NumSOS")), k -> "set number " + k);
     }
 
     private static void list(int[] belongs, IntFunction<String> text) {

@@ -18,8 +18,9 @@
  *  - Bounds of +-KVX_INFINITY or beyond mean "no bound". Bounds that contradict each other are
  *    refused, and so are bounds of a binary variable outside 0 and 1 when an attribute is set; when
  *    it is added or becomes binary, its bounds are cut off there.
- *  - Names have no control characters. What has none is named by its index: C0 for a variable, R0
- *    for a constraint, Q0 and G0 for quadratic and general constraints.
+ *  - Names have neither control characters nor, in the development solver, characters beyond
+ *    U+FFFF. An element without one gets one when it is made: a letter (C for variables, R for
+ *    constraints, G for general constraints) and the number of those that were made before it.
  *  - A null handle is refused with KVX_ERROR_INVALID_ARGUMENT.
  *  - An object may be used by one thread at a time; KVXterminate and KVXmsg may be called from any
  *    thread at any moment. Different environments, and different models of one environment, may be

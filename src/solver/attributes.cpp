@@ -1,100 +1,287 @@
-// Attributes: the functions of all types and shapes over the table.
-#include "attributes.h"
-#include "text.h"
+// Attributes: a table of how each is read and set, and the functions of all types and shapes.
+#include "input.h"
+#include "run.h"
+
+#include <cmath>
+#include <tuple>
 
 using namespace korvex;
 
 namespace {
 
-constexpr const char *typeNames[] = {"", "integer", "double", "text", "character"};
-constexpr const char *elementNames[] = {
-    "the model", "variables", "constraints", "SOS", "quadratic constraints", "general constraints"};
+using M = KVXmodel;
+using General = GeneralConstraint;
+
+// A setter checks the value and, in a second round with commit set, stores it: so a list of values
+// is stored only when all of them are good.
+template <class T>
+struct Access {
+    T (*get)(M &, size_t);
+    void (*set)(M &, size_t, T, bool commit) = nullptr;
+};
+using Int = Access<int>;
+using Dbl = Access<double>;
+using Text = Access<const char *>;
+using Char = Access<char>;
+
+// What must be there for an attribute to be read, and whether setting it leaves the optimum.
+enum Trait { changing, neutral, result, solution, duals, startBasis, iis };
+
+struct Attribute {
+    const char *name;
+    int element; // KVX_OF_
+    std::variant<Int, Dbl, Text, Char> access;
+    Trait trait = changing;
+};
+
+template <class Owner, class T>
+T &field(M &m, size_t i, T Owner::*member) {
+    if constexpr (std::is_base_of_v<Owner, M>)
+        return m.*member;
+    else if constexpr (std::is_same_v<Owner, Solution>)
+        return m.solution.*member;
+    else
+        return std::get<std::vector<Owner> &>(std::tie(m.vars, m.constrs, m.genconstrs))[i].*member;
+}
+
+// Coefficients of the selected objective: a single one is in the variables.
+struct Selected {};
+double &field(M &m, size_t j, Selected *) {
+    return m.objectives.empty() ? m.vars[j].obj : m.objectives[at(m.objNumber)].coefs[j];
+}
+constexpr Selected *selected = nullptr;
+
+template <auto member>
+auto get(M &m, size_t i) {
+    auto &value = field(m, i, member);
+    using T = std::decay_t<decltype(value)>;
+    if constexpr (std::is_same_v<T, std::string>)
+        return value.c_str();
+    else if constexpr (std::is_same_v<T, std::vector<double>>)
+        return value[i];
+    else
+        return value;
+}
+
+template <auto member, auto checked, class T>
+void set(M &m, size_t i, T value, bool commit) {
+    auto good = checked(m, value);
+    if (commit)
+        field(m, i, member) = good;
+}
+
+// The values that setters take.
+struct Good {
+    static double number(M &, double v) { return readFinite(v, "the value"); }
+    static int sense(M &, int v) { return readObjSense(v); }
+    static int zero(M &, int v) { return intSize(readIndex(v, 1, "scenario")); }
+    static int objective(M &m, int v) {
+        return intSize(readIndex(v, std::max<size_t>(1, m.objectives.size()), "objective"));
+    }
+    static int basis(M &, int v) {
+        if (v < KVX_SUPERBASIC || v > KVX_BASIC)
+            fail(KVX_ERROR_VALUE_OUT_OF_RANGE, "unknown basis status %d", v);
+        return v;
+    }
+    static std::string text(M &, const char *v) { return readName(v); }
+    static std::string name(M &, const char *v) {
+        if (!v || !*v)
+            fail(KVX_ERROR_INVALID_ARGUMENT, "the name of an element can't be empty");
+        return readName(v);
+    }
+};
+
+// A bound outside those of a binary variable is refused, not cut off.
+template <auto part, class T>
+void setDomain(M &m, size_t j, T value, bool commit) {
+    Variable &var = m.vars[j];
+    Range given{var.lb, var.ub, var.type};
+    given.*part = value;
+    Range domain = readDomain(given, j);
+    if (var.type == KVX_BINARY && (domain.lower > given.lower || domain.upper < given.upper))
+        fail(KVX_ERROR_VALUE_OUT_OF_RANGE, "variable %zu is binary", j);
+    if (commit)
+        std::tie(var.lb, var.ub, var.type) = std::tie(domain.lower, domain.upper, domain.kind);
+}
+
+double rhsOf(const Range &sides) {
+    return sides.kind == KVX_GREATER_EQUAL ? sides.lower : sides.upper;
+}
+
+// How the attributes of a constraint change its sides; the other side of a range stays.
+struct Edit {
+    static void lower(Range &r, double v, size_t) { r = {v, r.upper, senseOf(v, r.upper)}; }
+    static void upper(Range &r, double v, size_t) { r = {r.lower, v, senseOf(r.lower, v)}; }
+    static void sense(Range &r, char v, size_t i) { r = sidesOf(v, rhsOf(r), i); }
+    static void rhs(Range &r, double v, size_t) {
+        r.lower = r.kind == KVX_LESS_EQUAL ? r.lower : v;
+        r.upper = r.kind == KVX_GREATER_EQUAL ? r.upper : v;
+    }
+};
+
+template <auto edit, class T>
+void setSides(M &m, size_t i, T value, bool commit) {
+    Constraint &c = m.constrs[i];
+    Range sides{c.lower, c.upper, c.sense};
+    edit(sides, value, i);
+    sides = readSides(sides, i);
+    if (commit)
+        std::tie(c.lower, c.upper, c.sense) = std::tie(sides.lower, sides.upper, sides.kind);
+}
+
+double rhs(M &m, size_t i) {
+    return rhsOf({m.constrs[i].lower, m.constrs[i].upper, m.constrs[i].sense});
+}
+
+// Tests of variables.
+struct Is {
+    static bool integer(const Variable &v) { return v.isInteger(); }
+    static bool discrete(const Variable &v) { return v.type != KVX_CONTINUOUS; }
+    static bool binary(const Variable &v) {
+        return v.type == KVX_BINARY || (v.type == KVX_INTEGER && v.lb >= 0 && v.ub <= 1);
+    }
+};
+
+template <auto test>
+int count(M &m, size_t) {
+    return static_cast<int>(std::count_if(m.vars.begin(), m.vars.end(), test));
+}
+
+int isMip(M &m, size_t) {
+    return !m.sos.empty() || !m.genconstrs.empty() || count<Is::discrete>(m, 0) > 0;
+}
+
+double gap(M &m, size_t) {
+    double difference = std::abs(m.solution.objval - m.solution.bound);
+    return difference == 0 ? 0 : difference / std::max(1e-10, std::abs(m.solution.objval));
+}
+
+double runtime(M &m, size_t) {
+    std::chrono::duration<double> past = std::chrono::steady_clock::now() - m.runStart;
+    return m.running ? past.count() : m.solution.runtime;
+}
+
+constexpr int model = KVX_OF_MODEL, var = KVX_OF_VARIABLE, row = KVX_OF_CONSTRAINT;
+constexpr int general = KVX_OF_GENCONSTRAINT;
+constexpr Attribute table[] = {
+    {"NumVars", model, Int{[](M &m, size_t) { return intSize(m.vars.size()); }}},
+    {"NumConstrs", model, Int{[](M &m, size_t) { return intSize(m.constrs.size()); }}},
+    {"NumNZs", model, Int{[](M &m, size_t) { return matrixOf(m).getNumElements(); }}},
+    {"NumSOS", model, Int{[](M &m, size_t) { return intSize(m.sos.size()); }}},
+    {"NumQConstrs", model, Int{[](M &, size_t) { return 0; }}},
+    {"NumGenConstrs", model, Int{[](M &m, size_t) { return intSize(m.genconstrs.size()); }}},
+    {"NumQNZs", model, Int{[](M &, size_t) { return 0; }}},
+    {"NumIntVars", model, Int{count<Is::integer>}},
+    {"NumBinVars", model, Int{count<Is::binary>}},
+    {"NumObj", model, Int{[](M &m, size_t) { return std::max(1, intSize(m.objectives.size())); }}},
+    {"NumScenarios", model, Int{[](M &, size_t) { return 1; }}},
+    {"TuneResultCount", model, Int{[](M &m, size_t) { return intSize(m.tuneResults.size()); }}},
+    {"IsMIP", model, Int{isMip}},
+    {"IsQP", model, Int{[](M &, size_t) { return 0; }}},
+    {"IsMultiObj", model, Int{[](M &m, size_t) { return m.objectives.empty() ? 0 : 1; }}},
+    {"ModelSense", model, Int{get<&M::objsense>, set<&M::objsense, Good::sense>}},
+    {"ObjNumber", model, Int{get<&M::objNumber>, set<&M::objNumber, Good::objective>}, neutral},
+    {"ScenarioNumber", model, Int{get<&M::scenarioNumber>, set<&M::scenarioNumber, Good::zero>},
+     neutral},
+    {"Status", model, Int{[](M &m, size_t) { return currentStatus(m); }}},
+    {"SolCount", model, Int{get<&Solution::solutions>}, result},
+    {"ObjCon", model, Dbl{get<&M::objcon>, set<&M::objcon, Good::number>}},
+    {"ObjVal", model, Dbl{get<&Solution::objval>}, solution},
+    {"ObjBound", model, Dbl{get<&Solution::bound>}, result},
+    {"MIPGap", model, Dbl{gap}, solution},
+    {"Runtime", model, Dbl{runtime}},
+    {"NodeCount", model, Dbl{get<&Solution::nodes>}, result},
+    {"IterCount", model, Dbl{get<&Solution::iterations>}, result},
+    {"ModelName", model, Text{get<&M::name>, set<&M::name, Good::text>}, neutral},
+    {"LB", var, Dbl{get<&Variable::lb>, setDomain<&Range::lower>}},
+    {"UB", var, Dbl{get<&Variable::ub>, setDomain<&Range::upper>}},
+    {"VarType", var, Char{get<&Variable::type>, setDomain<&Range::kind>}},
+    {"Obj", var, Dbl{get<&Variable::obj>, set<&Variable::obj, Good::number>}},
+    {"ObjN", var, Dbl{get<selected>, set<selected, Good::number>}},
+    {"Start", var, Dbl{get<&Variable::start>, set<&Variable::start, Good::number>}, neutral},
+    {"X", var, Dbl{get<&Solution::x>}, solution},
+    {"ReducedCost", var, Dbl{get<&Solution::reducedCosts>}, duals},
+    {"VarBasis", var, Int{get<&Variable::basis>, set<&Variable::basis, Good::basis>}, startBasis},
+    {"IISLB", var, Int{get<&Variable::iisLb>}, iis},
+    {"IISUB", var, Int{get<&Variable::iisUb>}, iis},
+    {"VarName", var, Text{get<&Variable::name>, set<&Variable::name, Good::name>}, neutral},
+    {"RHS", row, Dbl{rhs, setSides<Edit::rhs>}},
+    {"RowLower", row, Dbl{get<&Constraint::lower>, setSides<Edit::lower>}},
+    {"RowUpper", row, Dbl{get<&Constraint::upper>, setSides<Edit::upper>}},
+    {"Sense", row, Char{get<&Constraint::sense>, setSides<Edit::sense>}},
+    {"Dual", row, Dbl{get<&Solution::duals>}, duals},
+    {"Slack", row, Dbl{get<&Solution::slacks>}, solution},
+    {"ConstrBasis", row, Int{get<&Constraint::basis>, set<&Constraint::basis, Good::basis>},
+     startBasis},
+    {"IISConstr", row, Int{get<&Constraint::iis>}, iis},
+    {"ConstrName", row, Text{get<&Constraint::name>, set<&Constraint::name, Good::name>}, neutral},
+    {"GenConstrType", general, Int{get<&General::kind>}},
+    {"GenConstrName", general, Text{get<&General::name>, set<&General::name, Good::name>}, neutral},
+};
 
 const Attribute &find(const char *name) {
     needed(name, "the attribute name");
-    for (const Attribute &attribute : attributeTable())
+    for (const Attribute &attribute : table)
         if (equalIgnoringCase(attribute.name, name))
             return attribute;
     fail(KVX_ERROR_UNKNOWN_ATTRIBUTE, "unknown attribute \"%s\"", name);
 }
 
-int typeOf(const Attribute &attribute) {
-    return static_cast<int>(attribute.access.index()) + 1;
-}
-
-template <class T>
-const Access<T> &accessOf(const Attribute &attribute, bool ofModel) {
-    auto access = std::get_if<Access<T>>(&attribute.access);
-    if (!access)
-        fail(KVX_ERROR_UNKNOWN_ATTRIBUTE, "attribute %s is of the type %s", attribute.name,
-             typeNames[typeOf(attribute)]);
-    if (ofModel != (attribute.element == KVX_OF_MODEL))
-        fail(KVX_ERROR_UNKNOWN_ATTRIBUTE, "attribute %s is one of %s", attribute.name,
-             elementNames[attribute.element]);
-    return *access;
-}
-
-void refuseMissing(const KVXmodel &model, const Attribute &attribute) {
-    const Solution &solution = model.solution;
-    const bool there[] = {true,           solution.status != KVX_STATUS_LOADED,
-                          solution.hasX,  solution.hasDuals,
-                          model.hasBasis, model.hasIis};
-    bool needsNothing = attribute.needs == Needs::Nothing;
-    if (!there[static_cast<size_t>(attribute.needs)] || (model.running && !needsNothing))
-        fail(KVX_ERROR_DATA_NOT_AVAILABLE, "attribute %s isn't available", attribute.name);
-}
-
-// The elements that a call is about.
+// The elements that a call is about: the model itself, a range or a list of other elements.
+enum Shape { whole, range, listed };
 struct Elements {
-    int start, count; // a range, or
-    bool isList = false;
+    Shape shape;
+    int count = 1, start = 0;
     const int *list = nullptr;
-
-    size_t operator[](int k) const { return static_cast<size_t>(isList ? list[k] : start + k); }
-
-    void check(const KVXmodel &model, const Attribute &attribute) const {
-        const char *what = elementNames[attribute.element];
-        const size_t sizes[] = {1,
-                                model.vars.size(),
-                                model.constrs.size(),
-                                model.sos.size(),
-                                model.qconstrs.size(),
-                                model.genconstrs.size()};
-        if (size_t number = readCount(count, what); number && !isList)
-            readRange(start, number, sizes[attribute.element], what);
-        if (isList)
-            readArray(count, list, "indices");
-        for (int k = 0; isList && k < count; k++)
-            readIndex(list[k], sizes[attribute.element], what);
-    }
 };
 
+// Finds an attribute of the type T, and the indices of the elements.
 template <class T>
-int getAttr(KVXmodel *model, const char *name, bool ofModel, Elements elements, T *values) {
+auto prepare(const M &m, const char *name, const Elements &elements, const T *values) {
+    const Attribute &attribute = find(name);
+    auto access = std::get_if<Access<T>>(&attribute.access);
+    if (!access || (elements.shape == whole) != (attribute.element == KVX_OF_MODEL))
+        fail(KVX_ERROR_UNKNOWN_ATTRIBUTE, "attribute %s has another type or other elements",
+             attribute.name);
+    auto [shape, count, start, list] = elements;
+    readArray(count, values, "values");
+    const size_t limits[] = {1, m.vars.size(), m.constrs.size(), 0, 0, m.genconstrs.size()};
+    const size_t limit = limits[attribute.element];
+    if (shape == listed)
+        readArray(count, list, "indices");
+    else
+        readRange(start, count, limit, "elements");
+    std::vector<size_t> indices;
+    for (int k = 0; k < count; k++)
+        indices.push_back(readIndex(shape == listed ? list[k] : start + k, limit, "element"));
+    return std::tuple(attribute, *access, indices);
+}
+
+template <class T>
+int getAttr(M *model, const char *name, Elements elements, T *values) {
     return guardedRead(model, [&] {
-        const Attribute &attribute = find(name);
-        const Access<T> &access = accessOf<T>(attribute, ofModel);
-        refuseMissing(*model, attribute);
-        elements.check(*model, attribute);
-        readArray(elements.count, values, "values");
-        for (int k = 0; k < elements.count; k++)
-            values[k] = access.get(*model, elements[k]);
+        auto [attribute, access, indices] = prepare<T>(*model, name, elements, values);
+        const Solution &s = model->solution;
+        const bool known[] = {s.status != KVX_STATUS_LOADED, s.hasX, s.hasDuals, model->hasBasis,
+                              model->hasIis};
+        if (attribute.trait >= result && (model->running || !known[attribute.trait - result]))
+            fail(KVX_ERROR_DATA_NOT_AVAILABLE, "attribute %s isn't available", attribute.name);
+        for (size_t k = 0; k < indices.size(); k++)
+            values[k] = access.get(*model, indices[k]);
     });
 }
 
 template <class T>
-int setAttr(KVXmodel *model, const char *name, bool ofModel, Elements elements, const T *values) {
+int setAttr(M *model, const char *name, Elements elements, const T *values) {
     return guarded(model, [&] {
-        const Attribute &attribute = find(name);
-        const Access<T> &access = accessOf<T>(attribute, ofModel);
+        auto [attribute, access, indices] = prepare<T>(*model, name, elements, values);
         if (!access.set)
             fail(KVX_ERROR_READ_ONLY, "attribute %s can't be set", attribute.name);
-        elements.check(*model, attribute);
-        readArray(elements.count, values, "values");
         for (bool commit : {false, true})
-            for (int k = 0; k < elements.count; k++)
-                access.set(*model, elements[k], values[k], commit);
-        if (attribute.changesOptimum)
+            for (size_t k = 0; k < indices.size(); k++)
+                access.set(*model, indices[k], values[k], commit);
+        model->hasBasis |= attribute.trait == startBasis && !indices.empty();
+        if (attribute.trait == changing)
             touch(*model);
     });
 }
@@ -102,49 +289,36 @@ int setAttr(KVXmodel *model, const char *name, bool ofModel, Elements elements, 
 } // namespace
 
 // The functions of one type.
-#define KVX_ELEMENT_ATTRIBUTES(type, T)                                                            \
-    int KVXget##type##attrelement(KVXmodel *model, const char *name, int element, T *value) {      \
-        return getAttr<T>(model, name, false, {element, 1}, value);                                \
-    }                                                                                              \
-    int KVXget##type##attrarray(KVXmodel *model, const char *name, int start, int len,             \
-                                T *values) {                                                       \
-        return getAttr<T>(model, name, false, {start, len}, values);                               \
-    }                                                                                              \
-    int KVXget##type##attrlist(KVXmodel *model, const char *name, int len, const int *ind,         \
-                               T *values) {                                                        \
-        return getAttr<T>(model, name, false, {0, len, true, ind}, values);                        \
-    }                                                                                              \
-    int KVXset##type##attrelement(KVXmodel *model, const char *name, int element, T value) {       \
-        return setAttr<T>(model, name, false, {element, 1}, &value);                               \
-    }                                                                                              \
-    int KVXset##type##attrarray(KVXmodel *model, const char *name, int start, int len,             \
-                                T const *values) {                                                 \
-        return setAttr<T>(model, name, false, {start, len}, values);                               \
-    }                                                                                              \
-    int KVXset##type##attrlist(KVXmodel *model, const char *name, int len, const int *ind,         \
-                               T const *values) {                                                  \
-        return setAttr<T>(model, name, false, {0, len, true, ind}, values);                        \
+#define KVX_ATTRIBUTE(Name, call, ...)                                                             \
+    int KVX##Name(KVXmodel *m, const char *name, __VA_ARGS__) {                                    \
+        return call;                                                                               \
     }
-#define KVX_MODEL_ATTRIBUTES(type, T)                                                              \
-    int KVXget##type##attr(KVXmodel *model, const char *name, T *value) {                          \
-        return getAttr<T>(model, name, true, {0, 1}, value);                                       \
-    }                                                                                              \
-    int KVXset##type##attr(KVXmodel *model, const char *name, T value) {                           \
-        return setAttr<T>(model, name, true, {0, 1}, &value);                                      \
-    }
+#define KVX_OF_THE_MODEL(type, T)                                                                  \
+    KVX_ATTRIBUTE(get##type##attr, getAttr<T>(m, name, {whole}, v), T *v)                          \
+    KVX_ATTRIBUTE(set##type##attr, setAttr<T>(m, name, {whole}, &v), T v)
+#define KVX_OF_ELEMENTS(type, T)                                                                   \
+    KVX_ATTRIBUTE(get##type##attrelement, getAttr<T>(m, name, {range, 1, i}, v), int i, T *v)      \
+    KVX_ATTRIBUTE(set##type##attrelement, setAttr<T>(m, name, {range, 1, i}, &v), int i, T v)      \
+    KVX_ATTRIBUTE(get##type##attrarray, getAttr<T>(m, name, {range, n, i}, v), int i, int n, T *v) \
+    KVX_ATTRIBUTE(set##type##attrarray, setAttr<T>(m, name, {range, n, i}, v), int i, int n,       \
+                  T const *v)                                                                      \
+    KVX_ATTRIBUTE(get##type##attrlist, getAttr<T>(m, name, {listed, n, 0, ind}, v), int n,         \
+                  const int *ind, T *v)                                                            \
+    KVX_ATTRIBUTE(set##type##attrlist, setAttr<T>(m, name, {listed, n, 0, ind}, v), int n,         \
+                  const int *ind, T const *v)
 
-KVX_MODEL_ATTRIBUTES(int, int)
-KVX_MODEL_ATTRIBUTES(dbl, double)
-KVX_MODEL_ATTRIBUTES(str, const char *)
-KVX_ELEMENT_ATTRIBUTES(int, int)
-KVX_ELEMENT_ATTRIBUTES(dbl, double)
-KVX_ELEMENT_ATTRIBUTES(char, char)
-KVX_ELEMENT_ATTRIBUTES(str, const char *)
+KVX_OF_THE_MODEL(int, int)
+KVX_OF_THE_MODEL(dbl, double)
+KVX_OF_THE_MODEL(str, const char *)
+KVX_OF_ELEMENTS(int, int)
+KVX_OF_ELEMENTS(dbl, double)
+KVX_OF_ELEMENTS(char, char)
+KVX_OF_ELEMENTS(str, const char *)
 
 int KVXgetattrinfo(KVXmodel *model, const char *name, int *type, int *element, int *settable) {
     return guardedRead(model, [&] {
         const Attribute &attribute = find(name);
-        store(type, typeOf(attribute));
+        store(type, static_cast<int>(attribute.access.index()) + KVX_TYPE_INT);
         store(element, attribute.element);
         store(settable,
               std::visit([](auto &access) { return access.set ? 1 : 0; }, attribute.access));

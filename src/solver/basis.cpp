@@ -3,174 +3,123 @@
 
 #include <CoinFactorization.hpp>
 #include <CoinIndexedVector.hpp>
-#include <CoinPackedMatrix.hpp>
 
-#include <algorithm>
 #include <cmath>
 
 using namespace korvex;
 
 namespace {
 
-constexpr double zero = 1e-14; // Smaller results are rounding errors.
-
-class Basis {
-  public:
-    explicit Basis(const KVXmodel &model)
-        : model(model), columns(static_cast<int>(model.vars.size())),
-          rows(static_cast<int>(model.constrs.size())), head(model.constrs.size()) {
-        if (!model.solution.hasBasis)
-            fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the model has no basis of a linear solution");
-        factorize();
-    }
-
-    // b by rows becomes B^-1 b by positions.
-    void solve(CoinIndexedVector &b) {
-        factorization.updateColumn(&work, &b);
-        signLogicals(b);
-    }
-
-    // b by positions becomes B^-T b by rows.
-    void solveTransposed(CoinIndexedVector &b) {
-        signLogicals(b);
-        factorization.updateColumnTranspose(&work, &b);
-    }
-
-    CoinIndexedVector vector(const std::vector<Entry> &entries) const {
-        CoinIndexedVector result;
-        result.reserve(rows);
-        for (const Entry &entry : entries)
-            result.quickInsert(entry.index, entry.value);
-        return result;
-    }
-
-    const KVXmodel &model;
-    const int columns, rows;
-    std::vector<int> head; // basic variable of each position; columns + i for the logical of row i
-
-  private:
-    void factorize() {
-        std::vector<int> rowPosition, columnPosition; // negative: nonbasic
-        for (const Constraint &constr : model.constrs)
-            rowPosition.push_back(constr.basis == KVX_BASIC ? 1 : -1);
-        std::vector<int> index;
-        std::vector<double> value;
-        std::vector<CoinBigIndex> begin = {0};
-        for (const Variable &var : model.vars) {
-            columnPosition.push_back(var.basis == KVX_BASIC ? 1 : -1);
-            for (const Entry &entry : var.column) {
-                index.push_back(entry.index);
-                value.push_back(entry.value);
-            }
-            begin.push_back(static_cast<CoinBigIndex>(index.size()));
+struct Basis {
+    explicit Basis(const KVXmodel &model) : rows(intSize(model.constrs.size())) {
+        if (!model.hasBasis)
+            fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the model has no basis");
+        ModelData data = model;
+        for (Constraint &constr : data.constrs) {
+            Variable logical;
+            logical.basis = constr.basis;
+            constr.row.push_back({addVariable(data, logical), 1});
         }
-        CoinPackedMatrix matrix(true, rows, columns, begin.back(), value.data(), index.data(),
-                                begin.data(), nullptr);
+        std::vector<int> basics;
+        for (size_t j = 0; j < data.vars.size(); j++)
+            if (data.vars[j].basis == KVX_BASIC)
+                basics.push_back(intSize(j));
+        matrix = matrixOf(data);
+        CoinPackedMatrix square;
+        square.submatrixOf(matrix, intSize(basics.size()), basics.data());
+        // Negative: not basic; afterwards each basic column's position.
+        std::vector<int> rowPosition(at(rows), -1), position(basics.size(), 1);
         int status = -99;
         for (double area = 1; status == -99 && area < 1e3; area *= 2) { // too little memory
             factorization.areaFactor(area);
-            status = factorization.factorize(matrix, rowPosition.data(), columnPosition.data());
+            status = factorization.factorize(square, rowPosition.data(), position.data());
         }
-        if (status != 0)
+        if (status != 0 || intSize(basics.size()) != rows)
             fail(KVX_ERROR_NUMERIC, "the basis matrix is singular");
-        for (int j = 0; j < columns + rows; j++) {
-            int position = j < columns ? columnPosition[static_cast<size_t>(j)]
-                                       : rowPosition[static_cast<size_t>(j - columns)];
-            if (position >= 0)
-                head[static_cast<size_t>(position)] = j;
-        }
+        head.resize(basics.size());
+        for (size_t k = 0; k < basics.size(); k++)
+            head[at(position[k])] = basics[k];
+    }
+
+    // Solves B x = b or, transposed, B' x = b.
+    std::vector<double> solve(const std::vector<Entry> &b, bool transposed) {
+        CoinIndexedVector work, vector;
         work.reserve(rows);
+        vector.reserve(rows);
+        for (auto [index, value] : b)
+            vector.quickInsert(index, value);
+        if (transposed)
+            factorization.updateColumnTranspose(&work, &vector);
+        else
+            factorization.updateColumn(&work, &vector);
+        return {vector.denseVector(), vector.denseVector() + rows};
     }
 
-    // The factorization's own logicals are the unit vectors times slackValue().
-    void signLogicals(CoinIndexedVector &b) const {
-        for (int k = 0; k < b.getNumElements(); k++)
-            if (int position = b.getIndices()[k]; head[static_cast<size_t>(position)] >= columns)
-                b.denseVector()[position] *= factorization.slackValue();
-    }
-
+    const int rows;
+    CoinPackedMatrix matrix; // by columns, those of the logicals behind those of the variables
+    std::vector<int> head;   // the basic column of each position
     CoinFactorization factorization;
-    CoinIndexedVector work;
 };
 
-CoinIndexedVector read(const Basis &basis, const SparseVector *b) {
-    needed(b, "b");
-    return basis.vector(readList(b->len, b->ind, b->val, basis.head.size(), "index"));
+// make(basis) returns the dense result.
+template <class Make>
+int write(KVXmodel *model, SparseVector *x, Make make) {
+    return guarded(model, [&] {
+        Basis basis(*model);
+        std::vector<Entry> entries;
+        for (double value : make(basis))
+            entries.push_back({intSize(entries.size()), value});
+        auto isRounding = [](Entry entry) { return std::abs(entry.value) <= 1e-14; };
+        entries.erase(std::remove_if(entries.begin(), entries.end(), isRounding), entries.end());
+        const int count = intSize(entries.size());
+        if (needed(x, "x")->len < count)
+            fail(KVX_ERROR_INVALID_ARGUMENT, "x has room for %d entries, but has %d", x->len,
+                 count);
+        storeEntries(x->ind, x->val, entries);
+        x->len = count;
+    });
 }
 
-void write(const std::vector<double> &result, SparseVector *x) {
-    needed(x, "x");
-    auto isEntry = [](double value) { return std::abs(value) > zero; };
-    auto count = std::count_if(result.begin(), result.end(), isEntry);
-    if (x->len < count)
-        fail(KVX_ERROR_INVALID_ARGUMENT, "x has room for %d entries, but has %ld", x->len, count);
-    int written = 0;
-    for (size_t i = 0; i < result.size(); i++)
-        if (isEntry(result[i])) {
-            x->ind[written] = static_cast<int>(i);
-            x->val[written++] = result[i];
-        }
-    x->len = written;
-}
-
-std::vector<double> dense(const CoinIndexedVector &vector, int size) {
-    return {vector.denseVector(), vector.denseVector() + size};
+int solve(KVXmodel *model, const SparseVector *b, SparseVector *x, bool transposed) {
+    return write(model, x, [&](Basis &basis) {
+        needed(b, "b");
+        return basis.solve(readList(b->len, b->ind, b->val, at(basis.rows), "index"), transposed);
+    });
 }
 
 } // namespace
 
 int KVXFSolve(KVXmodel *model, SparseVector *b, SparseVector *x) {
-    return guarded(model, [&] {
-        Basis basis(*model);
-        CoinIndexedVector vector = read(basis, b);
-        basis.solve(vector);
-        write(dense(vector, basis.rows), x);
-    });
+    return solve(model, b, x, false);
 }
 
 int KVXBSolve(KVXmodel *model, SparseVector *b, SparseVector *x) {
-    return guarded(model, [&] {
-        Basis basis(*model);
-        CoinIndexedVector vector = read(basis, b);
-        basis.solveTransposed(vector);
-        write(dense(vector, basis.rows), x);
-    });
+    return solve(model, b, x, true);
 }
 
 int KVXBinvColj(KVXmodel *model, int j, SparseVector *x) {
-    return guarded(model, [&] {
-        Basis basis(*model);
-        size_t column = readIndex(j, model->vars.size() + model->constrs.size(), "column");
-        CoinIndexedVector vector =
-            basis.vector(j < basis.columns ? model->vars[column].column
-                                           : std::vector<Entry>{{j - basis.columns, 1}});
-        basis.solve(vector);
-        write(dense(vector, basis.rows), x);
+    return write(model, x, [&](Basis &basis) {
+        readIndex(j, at(basis.matrix.getNumCols()), "column");
+        const auto column = basis.matrix.getVector(j);
+        std::vector<Entry> entries;
+        for (int k = 0; k < column.getNumElements(); k++)
+            entries.push_back({column.getIndices()[k], column.getElements()[k]});
+        return basis.solve(entries, false);
     });
 }
 
 int KVXBinvRowi(KVXmodel *model, int i, SparseVector *x) {
-    return guarded(model, [&] {
-        Basis basis(*model);
-        readIndex(i, basis.head.size(), "row");
-        CoinIndexedVector vector = basis.vector({{i, 1}});
-        basis.solveTransposed(vector);
-        std::vector<double> row, logicals = dense(vector, basis.rows);
-        for (const Variable &var : model->vars) {
-            double value = 0;
-            for (const Entry &entry : var.column)
-                value += entry.value * logicals[static_cast<size_t>(entry.index)];
-            row.push_back(value);
-        }
-        row.insert(row.end(), logicals.begin(), logicals.end());
-        write(row, x);
+    return write(model, x, [&](Basis &basis) {
+        readIndex(i, at(basis.rows), "row");
+        std::vector<double> row(at(basis.matrix.getNumCols()));
+        basis.matrix.transposeTimes(basis.solve({{i, 1}}, true).data(), row.data());
+        return row;
     });
 }
 
 int KVXgetBasisHead(KVXmodel *model, int *head) {
     return guarded(model, [&] {
-        Basis basis(*model);
-        std::copy(basis.head.begin(), basis.head.end(),
-                  basis.rows > 0 ? needed(head, "head") : head);
+        readArray(intSize(model->constrs.size()), head, "head");
+        storeAll(head, Basis(*model).head);
     });
 }

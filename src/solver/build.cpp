@@ -2,83 +2,58 @@
 // and checked before the model changes.
 #include "input.h"
 
+#include <set>
 #include <tuple>
 
 using namespace korvex;
 
 namespace {
 
-std::vector<Variable> readVariables(size_t first, int count, const double *obj, const double *lb,
-                                    const double *ub, const char *types, const char *const *names) {
-    std::vector<Variable> vars(readCount(count, "variables"));
+void addVars(KVXmodel &model, const std::vector<std::vector<Entry>> &columns, const double *obj,
+             const double *lb, const double *ub, const char *types, const char *const *names) {
+    const size_t old = model.vars.size();
+    std::vector<Variable> vars(columns.size());
     for (size_t j = 0; j < vars.size(); j++) {
-        Variable &var = vars[j];
-        var.name = readName(names ? names[j] : nullptr);
-        var.obj = obj ? readFinite(obj[j], "an objective coefficient") : 0;
-        Range domain = readDomain({lb ? lb[j] : 0, ub ? ub[j] : KVX_INFINITY,
-                                   types ? types[j] : static_cast<char>(KVX_CONTINUOUS)},
-                                  first + j);
-        std::tie(var.lb, var.ub, var.type) = std::tie(domain.lower, domain.upper, domain.kind);
+        Variable &v = vars[j];
+        Range given{lb ? lb[j] : 0, ub ? ub[j] : KVX_INFINITY, types ? types[j] : KVX_CONTINUOUS};
+        Range domain = readDomain(given, old + j);
+        std::tie(v.lb, v.ub, v.type) = std::tie(domain.lower, domain.upper, domain.kind);
+        v.obj = obj ? readFinite(obj[j], "an objective coefficient") : 0;
+        v.name = readName(names ? names[j] : nullptr);
     }
-    return vars;
-}
-
-// sides(i) gives the sides of the i-th of the new rows.
-template <class Sides>
-std::vector<Constraint> readConstraints(int count, Sides sides, const char *const *names) {
-    std::vector<Constraint> constrs(readCount(count, "constraints"));
-    for (size_t i = 0; i < constrs.size(); i++) {
-        Constraint &constr = constrs[i];
-        Range range = sides(i);
-        constr.name = readName(names ? names[i] : nullptr);
-        std::tie(constr.lower, constr.upper, constr.sense) =
-            std::tie(range.lower, range.upper, range.kind);
-    }
-    return constrs;
-}
-
-// Adds columns or rows, which hold their entries in *own, and the entries to *cross of the others.
-template <class Item, class Other>
-void append(std::vector<Item> &items, std::vector<Item> added, std::vector<Entry> Item::*own,
-            std::vector<Other> &others, std::vector<Entry> Other::*cross) {
-    const size_t old = items.size();
-    auto isNew = [&](const Entry &entry) { return static_cast<size_t>(entry.index) >= old; };
-    items.insert(items.end(), std::make_move_iterator(added.begin()),
-                 std::make_move_iterator(added.end()));
-    try {
-        for (size_t i = old; i < items.size(); i++)
-            for (auto [index, value] : items[i].*own)
-                (others[static_cast<size_t>(index)].*cross).push_back({static_cast<int>(i), value});
-    } catch (...) {
-        for (Other &other : others)
-            while (!(other.*cross).empty() && isNew((other.*cross).back()))
-                (other.*cross).pop_back();
-        items.erase(items.begin() + static_cast<std::ptrdiff_t>(old), items.end());
-        throw;
-    }
-}
-
-void appendVars(KVXmodel &model, std::vector<Variable> vars) {
     for (Objective &objective : model.objectives)
-        objective.coefs.reserve(model.vars.size() + vars.size());
-    append(model.vars, std::move(vars), &Variable::column, model.constrs, &Constraint::row);
-    for (Objective &objective : model.objectives)
-        objective.coefs.resize(model.vars.size());
+        objective.coefs.resize(old + vars.size());
+    for (size_t j = 0; j < vars.size(); j++) {
+        int var = addVariable(model, std::move(vars[j]));
+        for (auto [constr, value] : columns[j])
+            model.constrs[at(constr)].row.push_back({var, value});
+    }
     touch(model);
 }
 
-template <class Sides>
-int addConstraints(KVXmodel *model, int count, int numnz, const int *beg, const int *ind,
-                   const double *val, const char *const *names, Sides sides) {
-    return guarded(model, [&] {
-        auto rows = readLists(count, numnz, beg, ind, val, model->vars.size(), "variable");
-        std::vector<Constraint> constrs = readConstraints(count, sides, names);
-        for (size_t i = 0; i < constrs.size(); i++)
-            constrs[i].row = std::move(rows[i]);
-        append(model->constrs, std::move(constrs), &Constraint::row, model->vars,
-               &Variable::column);
-        touch(*model);
-    });
+// Rows with senses and right-hand sides; without senses, with both sides.
+void addRows(KVXmodel &model, int count, int numnz, const int *beg, const int *ind,
+             const double *val, const char *senses, const double *rhs, const double *upper,
+             const char *const *names) {
+    auto rows = readLists(count, numnz, beg, ind, val, model.vars.size(), "variable");
+    std::vector<Constraint> constrs;
+    for (size_t i = 0; i < rows.size(); i++) {
+        size_t index = model.constrs.size() + i;
+        needed(rhs, "the array of sides");
+        Range sides = senses ? sidesOf(senses[i], rhs[i], index)
+                             : readSides({rhs[i], needed(upper, "senses or sides")[i], 0}, index);
+        std::string name = readName(names ? names[i] : nullptr);
+        constrs.push_back({name, sides.lower, sides.upper, std::move(rows[i]), sides.kind});
+    }
+    for (Constraint &constr : constrs)
+        addConstraint(model, std::move(constr));
+    touch(model);
+}
+
+void refuseQuadratic(int numqnz, const std::string &what) {
+    if (readCount(numqnz, "quadratic terms") > 0)
+        fail(KVX_ERROR_NOT_SUPPORTED, "%s has quadratic terms, which can't be solved",
+             what.c_str());
 }
 
 // The new index of every item after a deletion, -1 for a deleted one.
@@ -94,13 +69,20 @@ std::vector<int> renumbering(size_t size, int num, const int *ind, const char *w
     return numbers;
 }
 
+void renumber(std::vector<Entry> &entries, const std::vector<int> &numbers) {
+    for (Entry &entry : entries)
+        entry.index = numbers[at(entry.index)];
+    auto isGone = [](const Entry &entry) { return entry.index < 0; };
+    entries.erase(std::remove_if(entries.begin(), entries.end(), isGone), entries.end());
+}
+
 template <class Item>
 void keep(std::vector<Item> &items, const std::vector<int> &numbers) {
-    size_t kept = 0;
     for (size_t i = 0; i < items.size(); i++)
-        if (numbers[i] >= 0 && kept++ != i)
-            items[kept - 1] = std::move(items[i]);
-    items.erase(items.begin() + static_cast<std::ptrdiff_t>(kept), items.end());
+        if (numbers[i] >= 0 && at(numbers[i]) != i)
+            items[at(numbers[i])] = std::move(items[i]);
+    auto gone = std::count(numbers.begin(), numbers.end(), -1);
+    items.erase(items.end() - gone, items.end());
 }
 
 template <class Item>
@@ -112,34 +94,22 @@ int deleteItems(KVXmodel *model, std::vector<Item> ModelData::*items, int num, c
     });
 }
 
-void setEntry(std::vector<Entry> &list, int index, double value) {
-    auto entry = std::find_if(list.begin(), list.end(), [&](Entry e) { return e.index == index; });
-    if (entry != list.end() && value != 0)
-        entry->value = value;
-    else if (entry != list.end())
-        list.erase(entry);
-    else if (value != 0)
-        list.push_back({index, value});
-}
-
-std::vector<double> dense(const std::vector<Entry> &entries, size_t size) {
-    std::vector<double> values(size);
-    for (auto [index, value] : entries)
-        values[static_cast<size_t>(index)] = value;
-    return values;
+// The variables without which a general constraint means nothing.
+std::vector<int *> variablesOf(GeneralConstraint &constr) {
+    std::vector<int *> vars = {&constr.first};
+    if (constr.kind == KVX_GENCONSTR_ABS || constr.kind == KVX_GENCONSTR_PWL)
+        vars.push_back(&constr.second);
+    for (int &var : constr.vars)
+        vars.push_back(&var);
+    return vars;
 }
 
 } // namespace
 
 int KVXnewmodel(KVXenv *env, KVXmodel **modelP, const char *name, int numvars, const double *obj,
                 const double *lb, const double *ub, const char *types, const char *const *names) {
-    return guardedRead(env, [&] {
-        needed(modelP, "modelP");
-        auto model = makeModel(*env);
-        model->name = readName(name);
-        model->vars = readVariables(0, numvars, obj, lb, ub, types, names);
-        *modelP = model.release();
-    });
+    return KVXloadmodel(env, modelP, name, numvars, 0, KVX_MINIMIZE, 0, obj, nullptr, nullptr,
+                        nullptr, nullptr, nullptr, nullptr, lb, ub, types, names, nullptr);
 }
 
 int KVXloadmodel(KVXenv *env, KVXmodel **modelP, const char *name, int numvars, int numconstrs,
@@ -153,22 +123,16 @@ int KVXloadmodel(KVXenv *env, KVXmodel **modelP, const char *name, int numvars, 
         model->name = readName(name);
         model->objsense = readObjSense(objsense);
         model->objcon = readFinite(objcon, "the objective constant");
-        readArray(numconstrs, senses, "senses");
-        readArray(numconstrs, rhs, "right-hand sides");
-        auto sides = [&](size_t i) { return sidesOf(senses[i], rhs[i], i); };
-        model->constrs = readConstraints(numconstrs, sides, constrnames);
-        std::vector<Variable> vars = readVariables(0, numvars, obj, lb, ub, types, varnames);
-        readArray(numvars, beg, "begins");
-        readArray(numvars, len, "lengths");
-        for (size_t j = 0; j < vars.size(); j++) {
-            if (!readCount(len[j], "a column"))
-                continue;
-            readCount(beg[j], "a begin");
-            vars[j].column =
-                readList(len[j], needed(ind, "indices") + beg[j],
-                         needed(val, "coefficients") + beg[j], model->constrs.size(), "constraint");
-        }
-        appendVars(*model, std::move(vars));
+        addRows(*model, numconstrs, 0, beg, ind, val, senses, rhs, nullptr, constrnames);
+        std::vector<std::vector<Entry>> columns(readCount(numvars, "variables"));
+        for (size_t j = 0; len && j < columns.size(); j++)
+            if (readCount(len[j], "a column") > 0) {
+                size_t begin = readCount(needed(beg, "begins")[j], "a begin");
+                columns[j] =
+                    readList(len[j], needed(ind, "indices") + begin,
+                             needed(val, "coefficients") + begin, at(numconstrs), "constraint");
+            }
+        addVars(*model, columns, obj, lb, ub, types, varnames);
         *modelP = model.release();
     });
 }
@@ -177,61 +141,39 @@ int KVXaddvars(KVXmodel *model, int numvars, int numnz, const int *beg, const in
                const double *val, const double *obj, const double *lb, const double *ub,
                const char *types, const char *const *names) {
     return guarded(model, [&] {
-        auto columns =
-            readLists(numvars, numnz, beg, ind, val, model->constrs.size(), "constraint");
-        auto vars = readVariables(model->vars.size(), numvars, obj, lb, ub, types, names);
-        for (size_t j = 0; j < vars.size(); j++)
-            vars[j].column = std::move(columns[j]);
-        appendVars(*model, std::move(vars));
+        size_t limit = model->constrs.size();
+        auto columns = readLists(numvars, numnz, beg, ind, val, limit, "constraint");
+        addVars(*model, columns, obj, lb, ub, types, names);
     });
 }
 
 int KVXaddconstrs(KVXmodel *model, int numconstrs, int numnz, const int *beg, const int *ind,
                   const double *val, const char *senses, const double *rhs,
                   const char *const *names) {
-    return addConstraints(model, numconstrs, numnz, beg, ind, val, names, [&](size_t i) {
-        return sidesOf(needed(senses, "senses")[i], needed(rhs, "right-hand sides")[i],
-                       model->constrs.size() + i);
+    return guarded(model, [&] {
+        addRows(*model, numconstrs, numnz, beg, ind, val, senses, rhs, nullptr, names);
     });
 }
 
 int KVXaddrangeconstrs(KVXmodel *model, int numconstrs, int numnz, const int *beg, const int *ind,
                        const double *val, const double *lower, const double *upper,
                        const char *const *names) {
-    return addConstraints(model, numconstrs, numnz, beg, ind, val, names, [&](size_t i) {
-        Range sides{needed(lower, "lower sides")[i], needed(upper, "upper sides")[i], 0};
-        sides = readSides(sides, model->constrs.size() + i);
-        sides.kind = senseOf(sides.lower, sides.upper);
-        return sides;
+    return guarded(model, [&] {
+        addRows(*model, numconstrs, numnz, beg, ind, val, nullptr, lower, upper, names);
     });
 }
 
-int KVXaddqpterms(KVXmodel *model, int numqnz, const int *qrow, const int *qcol,
-                  const double *qval) {
-    return guarded(model, [&] {
-        auto terms = readQuadratic(numqnz, qrow, qcol, qval, model->vars.size());
-        model->quadratic.insert(model->quadratic.end(), terms.begin(), terms.end());
-        touch(*model);
-    });
+int KVXaddqpterms(KVXmodel *model, int numqnz, const int *, const int *, const double *) {
+    return guarded(model, [&] { refuseQuadratic(numqnz, "the objective"); });
 }
 
 int KVXdelq(KVXmodel *model) {
-    return guarded(model, [&] {
-        model->quadratic.clear();
-        touch(*model);
-    });
+    return guarded(model, [] {});
 }
 
-int KVXaddqconstr(KVXmodel *model, int numlnz, const int *lind, const double *lval, int numqnz,
-                  const int *qrow, const int *qcol, const double *qval, char sense, double rhs,
-                  const char *name) {
-    return guarded(model, [&] {
-        const size_t limit = model->vars.size();
-        model->qconstrs.push_back({readName(name), readList(numlnz, lind, lval, limit, "variable"),
-                                   readQuadratic(numqnz, qrow, qcol, qval, limit), readSense(sense),
-                                   readFinite(rhs, "the right-hand side")});
-        touch(*model);
-    });
+int KVXaddqconstr(KVXmodel *model, int, const int *, const double *, int, const int *, const int *,
+                  const double *, char, double, const char *name) {
+    return guarded(model, [&] { refuseQuadratic(1, "the constraint " + readName(name)); });
 }
 
 int KVXaddsos(KVXmodel *model, int numsos, int nummembers, const int *types, const int *beg,
@@ -243,17 +185,17 @@ int KVXaddsos(KVXmodel *model, int numsos, int nummembers, const int *types, con
         readArray(nummembers, weight, "weights");
         std::vector<Sos> sets;
         for (size_t s = 0; s + 1 < begins.size(); s++) {
+            sets.push_back({types[s], {}});
+            std::set<int> vars;
+            for (size_t k = at(begins[s]); k < at(begins[s + 1]); k++) {
+                readIndex(ind[k], model->vars.size(), "variable");
+                sets[s].members.push_back({ind[k], readFinite(weight[k], "a weight")});
+                vars.insert(ind[k]);
+            }
             if (types[s] != KVX_SOS_TYPE1 && types[s] != KVX_SOS_TYPE2)
                 fail(KVX_ERROR_INVALID_ARGUMENT, "SOS %zu: unknown type %d", s, types[s]);
-            Sos set{types[s], {}};
-            std::set<int> members;
-            for (int k = begins[s]; k < begins[s + 1]; k++) {
-                readIndex(ind[k], model->vars.size(), "variable");
-                if (!members.insert(ind[k]).second)
-                    fail(KVX_ERROR_INVALID_ARGUMENT, "SOS %zu: variable %d twice", s, ind[k]);
-                set.members.push_back({ind[k], readFinite(weight[k], "a weight")});
-            }
-            sets.push_back(std::move(set));
+            if (vars.size() < sets[s].members.size())
+                fail(KVX_ERROR_INVALID_ARGUMENT, "SOS %zu: a variable is in it twice", s);
         }
         model->sos.insert(model->sos.end(), sets.begin(), sets.end());
         touch(*model);
@@ -263,24 +205,21 @@ int KVXaddsos(KVXmodel *model, int numsos, int nummembers, const int *types, con
 int KVXdelvars(KVXmodel *model, int num, const int *ind) {
     return guarded(model, [&] {
         std::vector<int> numbers = renumbering(model->vars.size(), num, ind, "variable");
-        for (size_t g = 0; g < model->genconstrs.size(); g++)
-            for (int var : dependsOn(model->genconstrs[g]))
-                if (numbers[static_cast<size_t>(var)] < 0)
+        for (GeneralConstraint &constr : model->genconstrs)
+            for (int *var : variablesOf(constr))
+                if (numbers[at(*var)] < 0)
                     fail(KVX_ERROR_INVALID_ARGUMENT, "general constraint %s needs variable %s",
-                         genconstrName(*model, static_cast<int>(g)).c_str(),
-                         varName(*model, var).c_str());
+                         constr.name.c_str(), model->vars[at(*var)].name.c_str());
         keep(model->vars, numbers);
         for (Constraint &constr : model->constrs)
-            renumber(constr.row, numbers, &Entry::index);
-        renumber(model->quadratic, numbers, &QuadraticTerm::row, &QuadraticTerm::col);
+            renumber(constr.row, numbers);
         for (Sos &set : model->sos)
-            renumber(set.members, numbers, &Entry::index);
-        for (QuadraticConstraint &constr : model->qconstrs) {
-            renumber(constr.linear, numbers, &Entry::index);
-            renumber(constr.quadratic, numbers, &QuadraticTerm::row, &QuadraticTerm::col);
+            renumber(set.members, numbers);
+        for (GeneralConstraint &constr : model->genconstrs) {
+            renumber(constr.linear, numbers);
+            for (int *var : variablesOf(constr))
+                *var = numbers[at(*var)];
         }
-        for (GeneralConstraint &constr : model->genconstrs)
-            renumberVariables(constr, numbers);
         for (Objective &objective : model->objectives)
             keep(objective.coefs, numbers);
         touch(*model);
@@ -288,13 +227,7 @@ int KVXdelvars(KVXmodel *model, int num, const int *ind) {
 }
 
 int KVXdelconstrs(KVXmodel *model, int num, const int *ind) {
-    return guarded(model, [&] {
-        std::vector<int> numbers = renumbering(model->constrs.size(), num, ind, "constraint");
-        keep(model->constrs, numbers);
-        for (Variable &var : model->vars)
-            renumber(var.column, numbers, &Entry::index);
-        touch(*model);
-    });
+    return deleteItems(model, &ModelData::constrs, num, ind, "constraint");
 }
 
 int KVXdelsos(KVXmodel *model, int num, const int *ind) {
@@ -302,7 +235,7 @@ int KVXdelsos(KVXmodel *model, int num, const int *ind) {
 }
 
 int KVXdelqconstrs(KVXmodel *model, int num, const int *ind) {
-    return deleteItems(model, &ModelData::qconstrs, num, ind, "quadratic constraint");
+    return guarded(model, [&] { renumbering(0, num, ind, "quadratic constraint"); });
 }
 
 int KVXdelgenconstrs(KVXmodel *model, int num, const int *ind) {
@@ -312,40 +245,33 @@ int KVXdelgenconstrs(KVXmodel *model, int num, const int *ind) {
 int KVXchgcoeffs(KVXmodel *model, int numchgs, const int *cind, const int *vind,
                  const double *val) {
     return guarded(model, [&] {
+        readList(numchgs, vind, val, model->vars.size(), "variable"); // checks them
         readArray(numchgs, cind, "constraint indices");
-        readArray(numchgs, vind, "variable indices");
-        readArray(numchgs, val, "coefficients");
-        for (int k = 0; k < numchgs; k++) {
+        for (int k = 0; k < numchgs; k++)
             readIndex(cind[k], model->constrs.size(), "constraint");
-            readIndex(vind[k], model->vars.size(), "variable");
-            readFinite(val[k], "a coefficient");
-        }
         for (int k = 0; k < numchgs; k++) {
-            setEntry(model->constrs[static_cast<size_t>(cind[k])].row, vind[k], val[k]);
-            setEntry(model->vars[static_cast<size_t>(vind[k])].column, cind[k], val[k]);
+            std::vector<Entry> &row = model->constrs[at(cind[k])].row;
+            auto isOld = [&](const Entry &entry) { return entry.index == vind[k]; };
+            row.erase(std::remove_if(row.begin(), row.end(), isOld), row.end());
+            if (val[k] != 0)
+                row.push_back({vind[k], val[k]});
         }
         touch(*model);
     });
 }
 
 int KVXsetobjective(KVXmodel *model, int objsense, int numlnz, const int *lind, const double *lval,
-                    int numqnz, const int *qrow, const int *qcol, const double *qval,
-                    double objcon) {
+                    int numqnz, const int *, const int *, const double *, double objcon) {
     return guarded(model, [&] {
         int sense = objsense ? readObjSense(objsense) : model->objsense;
-        const size_t size = model->vars.size();
-        auto coefs = dense(readList(std::max(numlnz, 0), lind, lval, size, "variable"), size);
-        auto terms = readQuadratic(std::max(numqnz, 0), qrow, qcol, qval, size);
-        model->objcon = readFinite(objcon, "the objective constant");
+        auto terms = readList(std::max(numlnz, 0), lind, lval, model->vars.size(), "variable");
+        refuseQuadratic(std::max(numqnz, 0), "the objective");
+        readFinite(objcon, "the objective constant");
+        clearObjective(*model);
         model->objsense = sense;
-        for (size_t j = 0; j < size; j++) {
-            model->vars[j].obj = coefs[j];
-            model->vars[j].pwlX.clear();
-            model->vars[j].pwlY.clear();
-        }
-        model->quadratic.swap(terms);
-        model->objectives.clear();
-        model->objNumber = 0;
+        model->objcon = objcon;
+        for (auto [var, value] : terms)
+            model->vars[at(var)].obj = value;
         touch(*model);
     });
 }
@@ -354,20 +280,16 @@ int KVXsetobjectiven(KVXmodel *model, int index, int priority, const char *name,
                      const int *lind, const double *lval, double constant, double weight,
                      double abstol, double reltol) {
     return guarded(model, [&] {
-        const size_t size = model->vars.size();
         size_t number = readIndex(index, model->objectives.size() + 1, "objective");
-        Objective objective;
-        objective.name = readName(name);
-        objective.priority = priority;
-        objective.constant = readFinite(constant, "the objective constant");
-        objective.weight = readFinite(weight, "the weight");
-        objective.abstol = readFinite(abstol, "the absolute tolerance");
-        objective.reltol = readFinite(reltol, "the relative tolerance");
+        for (double value : {constant, weight, abstol, reltol})
+            readFinite(value, "a number of an objective");
         if (abstol < 0 || reltol < 0)
             fail(KVX_ERROR_INVALID_ARGUMENT, "a tolerance is negative");
-        objective.coefs = dense(readList(numlnz, lind, lval, size, "variable"), size);
-        if (number == model->objectives.size())
-            model->objectives.emplace_back();
+        Objective objective{readName(name), priority, constant, weight, abstol, reltol, {}};
+        objective.coefs.resize(model->vars.size());
+        for (auto [var, value] : readList(numlnz, lind, lval, model->vars.size(), "variable"))
+            objective.coefs[at(var)] = value;
+        model->objectives.resize(std::max(model->objectives.size(), number + 1));
         model->objectives[number] = std::move(objective);
         touch(*model);
     });
@@ -376,7 +298,8 @@ int KVXsetobjectiven(KVXmodel *model, int index, int priority, const char *name,
 int KVXsetpwlobj(KVXmodel *model, int var, int npts, const double *x, const double *y) {
     return guarded(model, [&] {
         Variable &variable = model->vars[readIndex(var, model->vars.size(), "variable")];
-        auto [xs, ys] = readPoints(npts, x, y);
+        readPoints(npts, x, y);
+        std::vector<double> xs(x, x + npts), ys(y, y + npts);
         variable.pwlX.swap(xs);
         variable.pwlY.swap(ys);
         variable.obj = 0;

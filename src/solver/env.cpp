@@ -21,9 +21,7 @@ int newEnv(KVXenv **envP, int interfacenum, int major, int minor, int technical,
         env->log = std::make_shared<Log>();
         *envP = env.release();
     });
-    if (status != KVX_OK)
-        return status;
-    return guarded(*envP, [&] {
+    return status != KVX_OK ? status : guarded(*envP, [&] {
         if (interfacenum != KVX_INTERFACE_JAVA)
             fail(KVX_ERROR_INVALID_ARGUMENT, "interface number %d isn't known", interfacenum);
         if (major != KVX_VERSION_MAJOR)
@@ -32,6 +30,11 @@ int newEnv(KVXenv **envP, int interfacenum, int major, int minor, int technical,
                  KVX_VERSION_TECHNICAL);
         configure(**envP);
     });
+}
+
+KVXenv *refuseEnv(KVXmodel *model, const char *why) {
+    guardedRead(model, [&] { fail(KVX_ERROR_NOT_SUPPORTED, "%s", why); });
+    return nullptr;
 }
 
 } // namespace
@@ -67,38 +70,22 @@ KVXenv *KVXgetenv(KVXmodel *model) {
 }
 
 KVXenv *KVXgetconcurrentenv(KVXmodel *model, int) {
-    guardedRead(model, [] {
-        fail(KVX_ERROR_NOT_SUPPORTED, "a model isn't solved with several settings at once");
-    });
-    return nullptr;
+    return refuseEnv(model, "a model isn't solved with several settings at once");
 }
 
 void KVXdiscardconcurrentenvs(KVXmodel *) {}
 
-KVXenv *KVXgetmultiobjenv(KVXmodel *model, int index) {
-    KVXenv *result = nullptr;
-    guarded(model, [&] {
-        if (index < 0 || static_cast<size_t>(index) >= model->objectives.size())
-            fail(KVX_ERROR_INDEX_OUT_OF_RANGE, "there is no objective %d", index);
-        std::unique_ptr<KVXenv> &env = model->multiobjEnvs[index];
-        if (!env) {
-            env = std::make_unique<KVXenv>(model->env);
-            env->error.clear();
-        }
-        result = env.get();
-    });
-    return result;
+KVXenv *KVXgetmultiobjenv(KVXmodel *model, int) {
+    return refuseEnv(model, "all objectives are optimized with the model's own parameters");
 }
 
-void KVXdiscardmultiobjenvs(KVXmodel *model) {
-    guarded(model, [&] { model->multiobjEnvs.clear(); });
-}
+void KVXdiscardmultiobjenvs(KVXmodel *) {}
 
 void KVXfreeenv(KVXenv *env) {
     if (!env || env->owner)
         return;
     std::string unused;
-    guarded(unused, [&] { env->log->flush(*env); });
+    guarded(unused, [&] { env->log->finishLine(*env); });
     delete env;
 }
 

@@ -1,78 +1,55 @@
-// Model and attribute files by the ending of their name: solutions, starts, bases and parameters.
-#include "guard.h"
+// Model and attribute files by the ending of their name: models, solutions, starts, bases and
+// parameters.
+#include "input.h"
 #include "params.h"
-#include "text.h"
 #include "textfile.h"
 
+#include <algorithm>
+#include <cstring>
 #include <sstream>
 
 namespace korvex {
 namespace {
 
-enum class Format { none, mps, lp, solution, start, basis, parameters, json };
+enum Format { none, mps, lp, solution, start, basis, parameters, json };
 
 Format formatOf(std::string_view name) {
-    static constexpr std::pair<std::string_view, Format> endings[] = {
-        {".mps", Format::mps},   {".lp", Format::lp},     {".sol", Format::solution},
-        {".mst", Format::start}, {".bas", Format::basis}, {".prm", Format::parameters},
-        {".json", Format::json},
-    };
-    for (std::string_view packed : {".gz", ".bz2"})
+    static constexpr const char *endings[] = {"",     ".mps", ".lp",  ".sol",
+                                              ".mst", ".bas", ".prm", ".json"};
+    for (const char *packed : {".gz", ".bz2"})
         if (hasEnding(name, packed))
-            name.remove_suffix(packed.size());
-    for (auto [ending, format] : endings)
-        if (hasEnding(name, ending))
-            return format;
-    return Format::none;
+            name.remove_suffix(std::strlen(packed));
+    for (int format = mps; format <= json; format++)
+        if (hasEnding(name, endings[format]))
+            return static_cast<Format>(format);
+    return none;
 }
 
-bool isModel(Format format) {
-    return format == Format::mps || format == Format::lp;
-}
-
-// Lines "name value" have names with blanks inside, but not at their ends.
-bool isWritableName(std::string_view name) {
-    return name[0] != '#' && name[0] != ' ' && name.back() != ' ';
+[[noreturn]] void refuseEnding(int status, const char *filename) {
+    fail(status, "%s: the name doesn't end like that of such a file", filename);
 }
 
 template <class Value>
 std::string writeValues(const KVXmodel &model, Value value) {
-    Names names(model, model.vars.size(), varName, isWritableName);
+    indexOf(model.vars, isWord);
     std::string text;
     for (size_t j = 0; j < model.vars.size(); j++)
         if (value(j) != KVX_UNDEFINED)
-            text += names[j] + ' ' + toText(value(j)) + '\n';
+            text += model.vars[j].name + ' ' + toText(value(j)) + '\n';
     return text;
 }
 
-std::string writeSolution(const KVXmodel &model) {
-    if (!model.solution.hasX)
-        fail(KVX_ERROR_DATA_NOT_AVAILABLE, "there is no solution");
-    return "# Objective value = " + toText(model.solution.objval) + '\n' +
-           writeValues(model, [&](size_t j) { return model.solution.x[j]; });
-}
-
 // The values become start values; variables that aren't listed keep theirs.
-void readValues(KVXmodel &model, const std::string &filename) {
-    Names names(model, model.vars.size(), varName, isWritableName);
-    Source source(filename);
+void readValues(KVXmodel &model, Source &source) {
+    Index index = indexOf(model.vars, isWord);
     std::vector<std::pair<size_t, double>> values;
     while (source.nextLine('#')) {
-        std::string_view number = source.tokens.back();
-        std::string_view name = source.line.substr(0, source.column(number));
-        name.remove_prefix(source.column(source.tokens[0]));
-        name = name.substr(0, name.find_last_not_of(" \t") + 1);
-        int index = names.find(name);
-        if (index < 0)
-            source.refuse("the variable " + quoted(name) + " is unknown");
-        values.push_back({static_cast<size_t>(index), source.number(number)});
+        if (source.words.size() != 2)
+            refuse(source.line, "isn't a name and a value");
+        values.emplace_back(find(index, source.words[0]), numberIn(source.words[1]));
     }
-    for (auto [index, value] : values)
-        model.vars[index].start = value;
-}
-
-bool hasNoBlanks(std::string_view name) {
-    return name.find(' ') == std::string_view::npos;
+    for (auto [j, value] : values)
+        model.vars[j].start = value;
 }
 
 // Without a line, constraints are basic and variables at their lower bound. A line XU or XL makes a
@@ -80,127 +57,135 @@ bool hasNoBlanks(std::string_view name) {
 std::string writeBasis(const KVXmodel &model) {
     if (!model.hasBasis)
         fail(KVX_ERROR_DATA_NOT_AVAILABLE, "there is no basis");
-    Names vars(model, model.vars.size(), varName, hasNoBlanks);
-    Names constrs(model, model.constrs.size(), constrName, hasNoBlanks);
+    indexOf(model.vars, isWord);
+    indexOf(model.constrs, isWord);
     std::string text = "NAME\n";
-    size_t row = 0;
-    auto nextNonbasic = [&] {
-        while (row < model.constrs.size() && model.constrs[row].basis == KVX_BASIC)
-            row++;
-        return row < model.constrs.size();
-    };
-    for (size_t j = 0; j < model.vars.size(); j++) {
-        int status = model.vars[j].basis;
-        if (status == KVX_BASIC) {
-            if (!nextNonbasic())
-                fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the basis has too many variables");
-            bool upper = model.constrs[row].basis == KVX_NONBASIC_UPPER;
-            text += (upper ? " XU " : " XL ") + vars[j] + ' ' + constrs[row++] + '\n';
-        } else if (status == KVX_NONBASIC_UPPER) {
-            text += " UL " + vars[j] + '\n';
-        }
+    std::vector<const Constraint *> nonbasic;
+    for (const Constraint &constr : model.constrs)
+        if (constr.basis != KVX_BASIC)
+            nonbasic.push_back(&constr);
+    auto next = nonbasic.begin();
+    for (const Variable &var : model.vars) {
+        if (var.basis == KVX_NONBASIC_UPPER)
+            text += " UL " + var.name + '\n';
+        if (var.basis != KVX_BASIC)
+            continue;
+        if (next == nonbasic.end())
+            fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the basis has too many members");
+        text += (*next)->basis == KVX_NONBASIC_UPPER ? " XU " : " XL ";
+        text += var.name + ' ' + (*next++)->name + '\n';
     }
-    if (nextNonbasic())
-        fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the basis has too few variables");
+    if (next != nonbasic.end())
+        fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the basis has too few members");
     return text + "ENDATA\n";
 }
 
-void readBasis(KVXmodel &model, const std::string &filename) {
-    Names vars(model, model.vars.size(), varName, hasNoBlanks);
-    Names constrs(model, model.constrs.size(), constrName, hasNoBlanks);
-    Source source(filename);
+void readBasis(KVXmodel &model, Source &source) {
+    Index vars = indexOf(model.vars, isWord), constrs = indexOf(model.constrs, isWord);
     std::vector<int> varStatus(vars.size(), KVX_NONBASIC_LOWER);
     std::vector<int> constrStatus(constrs.size(), KVX_BASIC);
-    auto find = [&](const Names &names, size_t field) {
-        int index = names.find(source.tokens[field]);
-        if (index < 0)
-            source.refuse("the name " + quoted(source.tokens[field]) + " is unknown");
-        return static_cast<size_t>(index);
-    };
-    while (source.nextLine('*')) {
-        std::string_view type = source.tokens[0];
-        size_t fields = source.tokens.size();
-        if (type == "ENDATA") {
-            for (size_t j = 0; j < varStatus.size(); j++)
-                model.vars[j].basis = varStatus[j];
-            for (size_t i = 0; i < constrStatus.size(); i++)
-                model.constrs[i].basis = constrStatus[i];
-            model.hasBasis = true;
-            return;
-        }
-        if ((type == "XU" || type == "XL") && fields == 3) {
-            size_t row = find(constrs, 2);
-            varStatus[find(vars, 1)] = KVX_BASIC;
-            constrStatus[row] = type == "XU" ? KVX_NONBASIC_UPPER : KVX_NONBASIC_LOWER;
-        } else if ((type == "UL" || type == "LL") && fields == 2) {
-            varStatus[find(vars, 1)] = type == "UL" ? KVX_NONBASIC_UPPER : KVX_NONBASIC_LOWER;
-        } else if (type != "NAME") {
-            source.refuse("this is no line of a basis file");
-        }
+    const auto &words = source.words;
+    while (source.nextLine('*') && !(source.isHeader() && words[0] == "ENDATA")) {
+        bool isPair = words[0] == "XU" || words[0] == "XL";
+        bool isUpper = words[0] == "XU" || words[0] == "UL";
+        if (source.isHeader() && words[0] == "NAME")
+            continue;
+        if (words.size() != (isPair ? 3 : 2) || !(isPair || isUpper || words[0] == "LL"))
+            refuse(words[0], "begins no line of a basis file");
+        int &status = varStatus[find(vars, words[1])];
+        int &atBound = isPair ? constrStatus[find(constrs, words[2])] : status;
+        status = KVX_BASIC;
+        atBound = isUpper ? KVX_NONBASIC_UPPER : KVX_NONBASIC_LOWER;
     }
-    source.refuse("the file ends without ENDATA");
+    if (words.empty() || words[0] != "ENDATA")
+        fail(KVX_ERROR_FILE_READ, "the file ends without ENDATA");
+    for (size_t j = 0; j < vars.size(); j++)
+        model.vars[j].basis = varStatus[j];
+    for (size_t i = 0; i < constrs.size(); i++)
+        model.constrs[i].basis = constrStatus[i];
+    model.hasBasis = true;
 }
 
-std::string writeModel(const ModelData &model, Format format) {
-    const char *what = !model.genconstrs.empty()   ? "general constraints"
-                       : !model.objectives.empty() ? "several objectives"
-                                                   : nullptr;
+void refuseSpecial(const ModelData &model) {
+    bool isSpecial = !model.sos.empty() || !model.genconstrs.empty() || !model.objectives.empty();
     for (const Variable &var : model.vars)
-        if (!var.pwlX.empty())
-            what = "piecewise-linear objectives";
-    if (what)
-        fail(KVX_ERROR_FILE_WRITE, "model files hold no %s", what);
-    return format == Format::mps ? writeMps(model) : writeLp(model);
+        isSpecial = isSpecial || !var.pwlX.empty();
+    if (isSpecial)
+        fail(KVX_ERROR_NOT_SUPPORTED, "model files hold no sets, no general constraints and only "
+                                      "one objective, without piecewise-linear terms");
 }
 
-void writeByEnding(const KVXmodel &model, const std::string &filename) {
-    std::string text;
-    std::ostringstream parameters;
-    Format format = formatOf(filename);
-    switch (format) {
-    case Format::none:
-        fail(KVX_ERROR_FILE_WRITE,
-             "%s: the name ends in none of .mps .lp .sol .mst .bas .prm .json, with or without .gz "
-             "or .bz2 behind it",
-             filename.c_str());
-    case Format::mps:
-    case Format::lp:
-        text = writeModel(model, format);
-        break;
-    case Format::solution:
-        text = writeSolution(model);
-        break;
-    case Format::start:
-        text = writeValues(model, [&](size_t j) { return model.vars[j].start; });
-        break;
-    case Format::basis:
-        text = writeBasis(model);
-        break;
-    case Format::parameters:
-        writeParams(model.env, parameters);
-        text = parameters.str();
-        break;
-    case Format::json:
-        text = solutionAsJson(model);
-        break;
+std::string contents(const KVXmodel &model, const char *filename) {
+    std::ostringstream stream;
+    switch (formatOf(filename)) {
+    case mps:
+        refuseSpecial(model);
+        return writeMps(model);
+    case lp:
+        refuseSpecial(model);
+        return writeLp(model);
+    case solution:
+        if (!model.solution.hasX)
+            fail(KVX_ERROR_DATA_NOT_AVAILABLE, "there is no solution");
+        return "# Objective value = " + toText(model.solution.objval) + '\n' +
+               writeValues(model, [&](size_t j) { return model.solution.x[j]; });
+    case start:
+        return writeValues(model, [&](size_t j) { return model.vars[j].start; });
+    case basis:
+        return writeBasis(model);
+    case parameters:
+        writeParams(model.env, stream);
+        return stream.str();
+    case json:
+        return solutionAsJson(model);
+    default:
+        refuseEnding(KVX_ERROR_FILE_WRITE, filename);
     }
-    writeFile(filename, text);
+}
+
+// Checks and completes what was read.
+ModelData complete(ModelData model) {
+    readFinite(model.objcon, "the objective constant");
+    for (size_t j = 0; j < model.vars.size(); j++) {
+        Variable &var = model.vars[j];
+        Range domain = readDomain({var.lb, var.ub, var.type}, j);
+        var.lb = domain.lower;
+        var.ub = domain.upper;
+    }
+    for (size_t i = 0; i < model.constrs.size(); i++) {
+        Constraint &constr = model.constrs[i];
+        Range sides = readSides({constr.lower, constr.upper, 0}, i);
+        constr.lower = sides.lower;
+        constr.upper = sides.upper;
+        constr.sense = senseOf(constr.lower, constr.upper);
+    }
+    return model;
+}
+
+// Every failure of a reader says where it was.
+template <class Read>
+auto readSource(const char *filename, Read read) {
+    Source source{readFile(filename)};
+    try {
+        return read(source);
+    } catch (const Failure &failure) {
+        fail(KVX_ERROR_FILE_READ, "%s, line %d: %s", filename, source.number, failure.text.c_str());
+    }
 }
 
 } // namespace
 
 bool isJsonFile(std::string_view filename) {
-    return formatOf(filename) == Format::json;
+    return formatOf(filename) == json;
 }
 
 void writeResultFile(const KVXmodel &model) {
     const std::string &filename = strParam(model.env, "ResultFile");
     Format format = formatOf(filename);
-    bool available = format == Format::solution ? model.solution.hasX
-                     : format == Format::basis  ? model.hasBasis
-                                                : true;
-    if (!filename.empty() && available)
-        writeByEnding(model, filename);
+    bool isMissing =
+        (format == solution && !model.solution.hasX) || (format == basis && !model.hasBasis);
+    if (!filename.empty() && !isMissing)
+        writeFile(filename, contents(model, filename.c_str()));
 }
 
 } // namespace korvex
@@ -210,50 +195,45 @@ using namespace korvex;
 int KVXreadmodel(KVXenv *env, const char *filename, KVXmodel **modelP) {
     return guardedRead(env, [&] {
         needed(modelP, "modelP");
-        Format format = formatOf(needed(filename, "filename"));
-        if (!isModel(format))
-            fail(KVX_ERROR_FILE_READ,
-                 "%s: the name ends in none of .mps .lp, with or without .gz or .bz2 behind it",
-                 filename);
-        auto model = makeModel(*env);
-        static_cast<ModelData &>(*model) =
-            format == Format::mps ? readMps(filename) : readLp(filename);
-        *modelP = model.release();
+        int format = KVXismodelfile(needed(filename, "filename"));
+        if (!format)
+            refuseEnding(KVX_ERROR_FILE_READ, filename);
+        auto read = [&](Source &source) {
+            return complete(format == mps ? readMps(source) : readLp(source));
+        };
+        *modelP = makeModel(*env, readSource(filename, read)).release();
     });
 }
 
 int KVXread(KVXmodel *model, const char *filename) {
     return guarded(model, [&] {
-        switch (formatOf(needed(filename, "filename"))) {
-        case Format::solution:
-        case Format::start:
-            return readValues(*model, filename);
-        case Format::basis:
-            return readBasis(*model, filename);
-        case Format::parameters: {
-            std::istringstream file(readFile(filename));
-            return readParams(model->env, file, filename);
-        }
-        default:
-            fail(KVX_ERROR_FILE_READ,
-                 "%s: the name ends in none of .sol .mst .bas .prm, with or without .gz or .bz2 "
-                 "behind it",
-                 filename);
+        Format format = formatOf(needed(filename, "filename"));
+        if (format == parameters) {
+            std::istringstream stream(readFile(filename));
+            readParams(model->env, stream, filename);
+        } else if (format == solution || format == start || format == basis) {
+            readSource(filename, [&](Source &source) {
+                (format == basis ? readBasis : readValues)(*model, source);
+            });
+        } else {
+            refuseEnding(KVX_ERROR_FILE_READ, filename);
         }
     });
 }
 
 int KVXwrite(KVXmodel *model, const char *filename) {
-    return guarded(model, [&] { writeByEnding(*model, needed(filename, "filename")); });
+    return guarded(model, [&] {
+        std::string text = contents(*model, needed(filename, "filename"));
+        writeFile(filename, text);
+    });
 }
 
 int KVXismodelfile(const char *filename) {
-    Format format = filename ? formatOf(filename) : Format::none;
-    return isModel(format) ? (format == Format::mps ? 1 : 2) : 0;
+    Format format = filename ? formatOf(filename) : none;
+    return format <= lp ? format : 0;
 }
 
 int KVXisattrfile(const char *filename) {
-    Format format = filename ? formatOf(filename) : Format::none;
-    bool attribute = format >= Format::solution && format <= Format::parameters;
-    return attribute ? static_cast<int>(format) - static_cast<int>(Format::solution) + 1 : 0;
+    Format format = filename ? formatOf(filename) : none;
+    return format >= solution && format <= parameters ? format - lp : 0;
 }

@@ -2,21 +2,20 @@
 
 #include <CoinError.hpp>
 
+#include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <cstdarg>
-#include <cstdio>
 
 namespace korvex {
 
 void fail(int status, const char *format, ...) {
-    std::va_list arguments, again;
+    char text[2 * KVX_TEXT_SIZE]; // Longer texts are cut off.
+    std::va_list arguments;
     va_start(arguments, format);
-    va_copy(again, arguments);
-    int length = std::vsnprintf(nullptr, 0, format, arguments);
+    std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    std::string text(length > 0 ? static_cast<size_t>(length) : 0, '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, again);
-    va_end(again);
-    throw Failure{status, std::move(text)};
+    throw Failure{status, validUtf8(text)};
 }
 
 void refuseDuringRun(const KVXmodel &model) {
@@ -29,25 +28,75 @@ int caught(std::string &error) noexcept {
         try {
             throw;
         } catch (Failure &failure) {
-            if (!failure.text.empty())
-                error.swap(failure.text);
+            error.swap(failure.text);
             return failure.status;
         } catch (const std::bad_alloc &) {
             error = "out of memory";
             return KVX_ERROR_OUT_OF_MEMORY;
         } catch (CoinError &problem) {
             error = problem.className() + "::" + problem.methodName() + ": " + problem.message();
-            return KVX_ERROR_INTERNAL;
         } catch (const std::exception &problem) {
             error = problem.what();
-            return KVX_ERROR_INTERNAL;
-        } catch (...) {
-            error = "an unknown exception";
-            return KVX_ERROR_INTERNAL;
         }
+        return KVX_ERROR_INTERNAL;
     } catch (...) { // No memory is left for the text.
         return KVX_ERROR_OUT_OF_MEMORY;
     }
+}
+
+std::string toText(double value) {
+    char buffer[40];
+    double shown = std::clamp(value, -KVX_INFINITY, KVX_INFINITY);
+    return {buffer, std::to_chars(buffer, buffer + sizeof buffer, shown).ptr};
+}
+
+template <class Number>
+static bool parseNumber(std::string_view text, Number &value) {
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-')
+        text.remove_prefix(1);
+    const char *last = text.data() + text.size();
+    auto [end, error] = std::from_chars(text.data(), last, value);
+    return error == std::errc() && end == last;
+}
+
+bool parse(std::string_view text, int &value) {
+    return parseNumber(text, value);
+}
+
+bool parse(std::string_view text, double &value) {
+    return parseNumber(text, value) && !std::isnan(value);
+}
+
+bool isName(std::string_view text) {
+    for (size_t i = 0, length; i < text.size(); i += length) {
+        auto byte = [&](size_t k) {
+            return i + k < text.size() ? static_cast<unsigned char>(text[i + k]) : 0;
+        };
+        auto follows = [&](size_t k) { return (byte(k) & 0xC0) == 0x80; };
+        length = byte(0) < 0x80 ? 1 : byte(0) < 0xE0 ? 2 : 3;
+        bool isGood = length == 1   ? byte(0) >= 0x20 && byte(0) != 0x7F
+                      : length == 2 ? byte(0) >= 0xC2 && follows(1)
+                                    : byte(0) < 0xF0 && follows(1) && follows(2) &&
+                                          (byte(0) != 0xE0 || byte(1) >= 0xA0) && // shortest form
+                                          (byte(0) != 0xED || byte(1) < 0xA0);    // no surrogate
+        if (!isGood)
+            return false;
+    }
+    return true;
+}
+
+std::string validUtf8(std::string_view text) {
+    std::string result(text);
+    if (!isName(text))
+        for (char &c : result)
+            c = (c < 0x20 && c != '\t') || c == 0x7F ? '?' : c; // char is signed: no byte above ASCII
+    return result;
+}
+
+bool equalIgnoringCase(std::string_view a, std::string_view b) {
+    auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [&](char x, char y) { return lower(x) == lower(y); });
 }
 
 } // namespace korvex

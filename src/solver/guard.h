@@ -6,17 +6,17 @@
 
 #include "model.h"
 
+#include <string_view>
+
 namespace korvex {
 
-// A failure: thrown inside the solver, turned into status and error text by the guard. An empty
-// text leaves the text that is there.
+// A failure: thrown inside the solver, turned into status and error text by the guard.
 struct Failure {
     int status;
     std::string text;
 };
 
-// printf into a Failure; a '%' in an argument has no meaning. Numbers that aren't integers go
-// through toText.
+// printf into a Failure. Numbers that aren't integers go through toText.
 [[noreturn]] void fail(int status, const char *format, ...) __attribute__((format(printf, 2, 3)));
 
 // Only inside a catch block: the status of the exception that is being handled; its text goes to
@@ -44,29 +44,17 @@ int guarded(std::string &error, Body &&body) noexcept {
     }
 }
 
-// A call on an environment that reads.
+// A call that reads what a run doesn't change: allowed while one goes on.
 template <class Body>
 int guardedRead(KVXenv *env, Body &&body) noexcept {
     return env ? guarded(env->error, body) : KVX_ERROR_INVALID_ARGUMENT;
 }
-
-// A call on an environment that changes it: refused while a run of the model that owns it goes on.
-template <class Body>
-int guarded(KVXenv *env, Body &&body) noexcept {
-    return guardedRead(env, [&] {
-        if (env->owner)
-            refuseDuringRun(*env->owner);
-        body();
-    });
-}
-
-// A call on a model that reads what a run doesn't change: allowed while one goes on.
 template <class Body>
 int guardedRead(KVXmodel *model, Body &&body) noexcept {
     return model ? guarded(model->env.error, body) : KVX_ERROR_INVALID_ARGUMENT;
 }
 
-// Any other call on a model.
+// Any other call.
 template <class Body>
 int guarded(KVXmodel *model, Body &&body) noexcept {
     return guardedRead(model, [&] {
@@ -74,6 +62,25 @@ int guarded(KVXmodel *model, Body &&body) noexcept {
         body();
     });
 }
+template <class Body>
+int guarded(KVXenv *env, Body &&body) noexcept {
+    return env && env->owner ? guarded(env->owner, body) : guardedRead(env, body);
+}
+
+// Numbers to and from text in the same way whatever the locale: a Java virtual machine sets one.
+// The shortest text that reads back as the same number; infinities as 1e+100.
+std::string toText(double value);
+// The whole text as a number; false when it isn't one. A NaN is none.
+bool parse(std::string_view text, int &value);
+bool parse(std::string_view text, double &value);
+
+// Whether a text may stand in a model: characters up to U+FFFF, which UTF-8 and JNI encode alike,
+// and no control characters.
+bool isName(std::string_view text);
+// A text as it is if it may, otherwise with '?' for all but ASCII.
+std::string validUtf8(std::string_view text);
+
+bool equalIgnoringCase(std::string_view a, std::string_view b);
 
 } // namespace korvex
 

@@ -1,8 +1,5 @@
 #include "input.h"
 
-#include "text.h"
-
-#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <unordered_map>
@@ -12,18 +9,18 @@ namespace korvex {
 size_t readCount(int count, const char *what) {
     if (count < 0)
         fail(KVX_ERROR_INVALID_ARGUMENT, "%s: the count %d is negative", what, count);
-    return static_cast<size_t>(count);
+    return at(count);
 }
 
 size_t readIndex(int index, size_t limit, const char *what) {
-    if (index < 0 || static_cast<size_t>(index) >= limit)
+    if (index < 0 || at(index) >= limit)
         fail(KVX_ERROR_INDEX_OUT_OF_RANGE, "%s %d: there are %zu", what, index, limit);
-    return static_cast<size_t>(index);
+    return at(index);
 }
 
-void readRange(int start, size_t length, size_t limit, const char *what) {
-    if (length > limit - readIndex(start, limit, what))
-        fail(KVX_ERROR_INDEX_OUT_OF_RANGE, "%zu %s from %d on: there are %zu", length, what, start,
+void readRange(int start, int count, size_t limit, const char *what) {
+    if (readCount(count, what) > 0 && at(count) > limit - readIndex(start, limit, what))
+        fail(KVX_ERROR_INDEX_OUT_OF_RANGE, "%d %s from %d on: there are %zu", count, what, start,
              limit);
 }
 
@@ -39,9 +36,7 @@ std::string readName(const char *name) {
     return name ? name : "";
 }
 
-namespace {
-
-Range readBounds(Range range, const char *what, size_t index) {
+static Range readBounds(Range range, const char *what, size_t index) {
     if (std::isnan(range.lower) || std::isnan(range.upper))
         fail(KVX_ERROR_INVALID_ARGUMENT, "%s %zu: a bound isn't a number", what, index);
     range.lower = std::max(range.lower, -KVX_INFINITY);
@@ -51,8 +46,6 @@ Range readBounds(Range range, const char *what, size_t index) {
              index, toText(range.lower).c_str(), toText(range.upper).c_str());
     return range;
 }
-
-} // namespace
 
 Range readDomain(Range domain, size_t index) {
     if (!std::memchr("CBISN", domain.kind, 5))
@@ -69,31 +62,18 @@ Range readSides(Range sides, size_t index) {
     return readBounds(sides, "constraint", index);
 }
 
-char readSense(char sense) {
+Range sidesOf(char sense, double rhs, size_t index) {
     if (!std::memchr("<>=", sense, 3))
         fail(KVX_ERROR_INVALID_ARGUMENT, "unknown constraint sense (character code %d)", sense);
-    return sense;
+    return readSides({sense == KVX_LESS_EQUAL ? -KVX_INFINITY : rhs,
+                      sense == KVX_GREATER_EQUAL ? KVX_INFINITY : rhs, sense},
+                     index);
 }
 
 int readObjSense(int sense) {
     if (sense != KVX_MINIMIZE && sense != KVX_MAXIMIZE)
         fail(KVX_ERROR_INVALID_ARGUMENT, "unknown objective sense %d", sense);
     return sense;
-}
-
-Range sidesOf(char sense, double rhs, size_t index) {
-    Range sides{-KVX_INFINITY, KVX_INFINITY, readSense(sense)};
-    if (sense != KVX_GREATER_EQUAL)
-        sides.upper = rhs;
-    if (sense != KVX_LESS_EQUAL)
-        sides.lower = rhs;
-    return readSides(sides, index);
-}
-
-char senseOf(double lower, double upper) {
-    if (lower == upper)
-        return KVX_EQUAL;
-    return upper >= KVX_INFINITY && lower > -KVX_INFINITY ? KVX_GREATER_EQUAL : KVX_LESS_EQUAL;
 }
 
 // The cost doesn't depend on the limit, since models are built row by row.
@@ -121,7 +101,7 @@ std::vector<int> readBegins(int count, int total, const int *beg) {
     size_t lists = readCount(count, "lists");
     std::vector<int> begins(lists + 1, 0);
     if (readCount(total, "entries") && lists)
-        std::copy(needed(beg, "begins"), beg + lists, begins.begin());
+        std::copy_n(needed(beg, "begins"), lists, begins.begin());
     else if (total > 0)
         fail(KVX_ERROR_INVALID_ARGUMENT, "%d entries for no list", total);
     begins.back() = total;
@@ -144,22 +124,7 @@ std::vector<std::vector<Entry>> readLists(int count, int total, const int *beg, 
     return lists;
 }
 
-std::vector<QuadraticTerm> readQuadratic(int count, const int *qrow, const int *qcol,
-                                         const double *qval, size_t limit) {
-    readArray(count, qrow, "quadratic rows");
-    readArray(count, qcol, "quadratic columns");
-    readArray(count, qval, "quadratic coefficients");
-    std::vector<QuadraticTerm> terms;
-    for (int k = 0; k < count; k++) {
-        readIndex(qrow[k], limit, "variable");
-        readIndex(qcol[k], limit, "variable");
-        terms.push_back({qrow[k], qcol[k], readFinite(qval[k], "a quadratic coefficient")});
-    }
-    return terms;
-}
-
-std::pair<std::vector<double>, std::vector<double>> readPoints(int count, const double *x,
-                                                               const double *y) {
+void readPoints(int count, const double *x, const double *y) {
     readArray(count, x, "x");
     readArray(count, y, "y");
     for (int k = 0; k < count; k++) {
@@ -168,7 +133,6 @@ std::pair<std::vector<double>, std::vector<double>> readPoints(int count, const 
         if (k > 0 && x[k] < x[k - 1])
             fail(KVX_ERROR_INVALID_ARGUMENT, "breakpoint %d: x decreases", k);
     }
-    return {std::vector<double>(x, x + count), std::vector<double>(y, y + count)};
 }
 
 } // namespace korvex

@@ -6,7 +6,6 @@
 #include "guard.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace korvex {
 
@@ -16,8 +15,8 @@ size_t readCount(int count, const char *what);
 // An index below the limit.
 size_t readIndex(int index, size_t limit, const char *what);
 
-// length items from start on; at least one.
-void readRange(int start, size_t length, size_t limit, const char *what);
+// count items from start on.
+void readRange(int start, int count, size_t limit, const char *what);
 
 // A number that isn't a NaN and not infinite.
 double readFinite(double value, const char *what);
@@ -27,7 +26,7 @@ std::string readName(const char *name);
 
 // An array of count entries may be null only when the count is 0.
 template <class T>
-const T *readArray(int count, const T *array, const char *what) {
+T *readArray(int count, T *array, const char *what) {
     return readCount(count, what) ? needed(array, what) : array;
 }
 
@@ -42,11 +41,9 @@ struct Range {
 Range readDomain(Range domain, size_t index);
 Range readSides(Range sides, size_t index);
 
-// The sides of a row of that sense, and the sense of a row with those sides.
+// The sides of a row of that sense.
 Range sidesOf(char sense, double rhs, size_t index);
-char senseOf(double lower, double upper);
 
-char readSense(char sense);
 int readObjSense(int sense);
 
 // A sparse list: sums entries of equal index at the place of the first, drops zeros.
@@ -60,24 +57,10 @@ std::vector<int> readBegins(int count, int total, const int *beg);
 std::vector<std::vector<Entry>> readLists(int count, int total, const int *beg, const int *ind,
                                           const double *val, size_t limit, const char *what);
 
-std::vector<QuadraticTerm> readQuadratic(int count, const int *qrow, const int *qcol,
-                                         const double *qval, size_t limit);
-
 // Breakpoints, by non-decreasing x.
-std::pair<std::vector<double>, std::vector<double>> readPoints(int count, const double *x,
-                                                               const double *y);
+void readPoints(int count, const double *x, const double *y);
 
-// What is left of a list after a deletion: deleted items dropped, the others renumbered.
-template <class Term, class... Index>
-void renumber(std::vector<Term> &terms, const std::vector<int> &numbers, Index... index) {
-    auto isGone = [&](Term &term) {
-        ((term.*index = numbers[static_cast<size_t>(term.*index)]), ...);
-        return ((term.*index < 0) || ...);
-    };
-    terms.erase(std::remove_if(terms.begin(), terms.end(), isGone), terms.end());
-}
-
-// Stores a datum where the caller wants it.
+// Stores data where the caller wants them.
 template <class T>
 void store(T *target, const T &value) {
     if (target)
@@ -90,14 +73,9 @@ void storeAll(T *target, const std::vector<T> &values) {
 }
 inline void storeEntries(int *ind, double *val, const std::vector<Entry> &entries) {
     for (size_t k = 0; k < entries.size(); k++) {
-        if (ind)
-            ind[k] = entries[k].index;
-        if (val)
-            val[k] = entries[k].value;
+        store(ind ? ind + k : nullptr, entries[k].index);
+        store(val ? val + k : nullptr, entries[k].value);
     }
-}
-inline int intSize(size_t size) {
-    return static_cast<int>(size);
 }
 
 } // namespace korvex

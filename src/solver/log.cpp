@@ -2,81 +2,44 @@
 
 #include "guard.h"
 #include "params.h"
-#include "text.h"
 
 #include <cerrno>
-#include <cstdarg>
 #include <cstring>
+#include <utility>
 
 namespace korvex {
 
-void Log::line(const KVXenv &env, std::string_view text) {
-    std::lock_guard lock(mutex);
-    flush(env);
-    waiting.emplace_back(validUtf8(text));
-    deliver(env);
-}
-
 void Log::text(const KVXenv &env, std::string_view text) {
     std::lock_guard lock(mutex);
-    for (size_t end; (end = text.find('\n')) != text.npos; text.remove_prefix(end + 1)) {
-        incomplete += text.substr(0, end);
-        waiting.push_back(validUtf8(incomplete));
-        incomplete.clear();
-    }
-    incomplete += text;
-    deliver(env);
-}
-
-void Log::flush(const KVXenv &env) {
-    std::lock_guard lock(mutex);
-    if (!incomplete.empty()) {
-        waiting.push_back(validUtf8(incomplete));
-        incomplete.clear();
-        deliver(env);
-    }
-}
-
-// A line that the callback itself writes waits until the callback has returned.
-void Log::deliver(const KVXenv &env) {
-    if (delivering)
+    waiting += text;
+    if (delivering) // Lines that the callback itself writes wait until it has returned.
         return;
-    struct Delivery { // ends with an exception, too
-        bool &delivering;
-        ~Delivery() { delivering = false; }
-    } delivery{delivering = true};
-    for (; !waiting.empty(); waiting.pop_front()) {
-        std::string text = waiting.front() + '\n';
+    for (size_t end; (end = waiting.find('\n')) != waiting.npos;) {
+        std::string line = validUtf8(waiting.substr(0, end));
+        waiting.erase(0, end + 1);
         for (std::FILE *file :
              {intParam(env, "LogToConsole") ? stdout : nullptr, env.logFile.get()})
             if (file) {
-                std::fwrite(text.data(), 1, text.size(), file);
+                std::fprintf(file, "%s\n", line.c_str());
                 std::fflush(file);
             }
-        if (function)
-            function(waiting.front().c_str(), data);
+        delivering = true;
+        if (callback)
+            callback(line.c_str(), userdata);
+        delivering = false;
     }
 }
 
-void Log::setCallback(KVXlogcallback callback, void *userdata) {
+void Log::line(const KVXenv &env, const std::string &text) {
     std::lock_guard lock(mutex);
-    function = callback;
-    data = userdata;
+    finishLine(env);
+    this->text(env, text + '\n');
 }
 
-KVXlogcallback Log::callback(void **userdata) {
+void Log::finishLine(const KVXenv &env) {
     std::lock_guard lock(mutex);
-    *userdata = data;
-    return function;
-}
-
-void logLine(const KVXenv &env, const char *format, ...) {
-    char buffer[1024]; // Longer lines are cut off.
-    std::va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(buffer, sizeof buffer, format, arguments);
-    va_end(arguments);
-    env.log->line(env, buffer);
+    if (!waiting.empty() && waiting.back() != '\n')
+        text(env, "\n");
 }
 
 std::shared_ptr<std::FILE> openLogFile(const std::string &name) {
@@ -95,17 +58,21 @@ using namespace korvex;
 
 int KVXgetlogcallbackfuncenv(KVXenv *env, KVXlogcallback *callback, void **userdata) {
     return guardedRead(env, [&] {
-        KVXlogcallback function = env->log->callback(needed(userdata, "userdata"));
+        std::lock_guard lock(env->log->mutex);
+        *needed(userdata, "userdata") = env->log->userdata;
         if (callback)
-            *callback = function;
+            *callback = env->log->callback;
     });
 }
 
+// Waits while another thread is inside the former callback.
 int KVXsetlogcallbackfuncenv(KVXenv *env, KVXlogcallback callback, void *userdata) {
     return guardedRead(env, [&] {
         if (!callback && userdata)
             fail(KVX_ERROR_INVALID_ARGUMENT, "user data without a log callback");
-        env->log->setCallback(callback, userdata);
+        std::lock_guard lock(env->log->mutex);
+        env->log->callback = callback;
+        env->log->userdata = userdata;
     });
 }
 

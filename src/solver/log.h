@@ -5,45 +5,31 @@
 
 #include "model.h"
 
-#include <cstdio>
-#include <deque>
+#include <string_view>
 
 namespace korvex {
 
-class Log {
-  public:
-    // Writes a line to where the environment's parameters say and to the callback.
-    void line(const KVXenv &env, std::string_view text);
-
+struct Log {
     // Writes a text that may hold any number of lines; the rest after the last line feed waits for
     // the text that completes it.
     void text(const KVXenv &env, std::string_view text);
 
-    // Writes the incomplete line, if there is one.
-    void flush(const KVXenv &env);
+    // Writes a line of its own.
+    void line(const KVXenv &env, const std::string &text);
 
-    // Replaces the callback. Waits while another thread is inside the former one.
-    void setCallback(KVXlogcallback callback, void *userdata);
-    KVXlogcallback callback(void **userdata);
+    // Completes the line that is waiting, if there is one.
+    void finishLine(const KVXenv &env);
 
-    // While it is held no line is delivered by another thread.
-    std::unique_lock<std::recursive_mutex> lock() { return std::unique_lock(mutex); }
+    // Held while lines are delivered, so that no other thread delivers, replaces the callback or
+    // changes the environment's parameters meanwhile. Recursive, since a callback may do all that.
+    std::recursive_mutex mutex;
+    KVXlogcallback callback = nullptr;
+    void *userdata = nullptr;
 
   private:
-    void deliver(const KVXenv &env);
-
-    // Held while lines are delivered, so that no other thread delivers or replaces meanwhile.
-    // Recursive: a callback may log and may replace itself.
-    std::recursive_mutex mutex;
-    std::deque<std::string> waiting;
-    std::string incomplete;
+    std::string waiting;
     bool delivering = false;
-    KVXlogcallback function = nullptr;
-    void *data = nullptr;
 };
-
-// printf of one line to the log of an environment.
-void logLine(const KVXenv &env, const char *format, ...) __attribute__((format(printf, 2, 3)));
 
 // The file, opened to append to; an empty name gives none.
 std::shared_ptr<std::FILE> openLogFile(const std::string &name);

@@ -1,13 +1,21 @@
 // Mixed-integer models: starts, the search by Cbc, and what the callback has a say in.
-#include "cbc.h"
-
+#include "guard.h"
+#include "optimize.h"
 #include "params.h"
 
-#include <CbcCutGenerator.hpp>
 #include <CbcEventHandler.hpp>
-#include <CbcHeuristic.hpp>
+#include <CbcHeuristicFPump.hpp>
+#include <CbcHeuristicRINS.hpp>
+#include <CbcModel.hpp>
+#include <CbcSOS.hpp>
 #include <CbcTree.hpp>
-#include <CglCutGenerator.hpp>
+#include <CglFlowCover.hpp>
+#include <CglGomory.hpp>
+#include <CglKnapsackCover.hpp>
+#include <CglMixedIntegerRounding2.hpp>
+#include <CglPreProcess.hpp>
+#include <CglProbing.hpp>
+#include <CglZeroHalf.hpp>
 #include <OsiClpSolverInterface.hpp>
 
 #include <algorithm>
@@ -16,61 +24,44 @@
 namespace korvex {
 namespace {
 
+constexpr double zeroInSet = 1e-6;   // Members of a set up to this size count as zero.
 constexpr int completionNodes = 500; // spent on completing a partial solution
 
 class Mip {
   public:
     Mip(Run &run, const Problem &problem) : run(run), problem(problem) {
-        run.complete = [this](std::vector<double> &x, double &objective) {
-            return complete(x, objective);
-        };
+        run.complete = [this](auto &x, double &objective) { return complete(x, objective); };
     }
     ~Mip() { run.complete = nullptr; }
-    Mip(const Mip &) = delete;
-    Mip &operator=(const Mip &) = delete;
-
     Outcome solve();
-
-    // Completes a point, in which some values are KVX_UNDEFINED, to a feasible one.
-    bool complete(std::vector<double> &x, double &objective);
-
-  private:
-    friend class TreeWatch;
-    friend class NodeWatch;
-
-    int solveOnce();
-    int solveBoxed();
-    void start();
-    bool repair(std::vector<double> &x, double &objective);
-    int search(OsiSolverInterface &solver);
-
-    // Follow Cbc on the run's own thread.
     void follow(CbcModel &cbc, CbcEventHandler::CbcEvent event);
-    void candidate(const CbcModel &cbc);
     void node(const double *relaxation, OsiCuts &cuts);
-    void raiseBound(double bound);
 
     Run &run;
     Problem problem;
-    const double tolerance = 10 * dblParam(run.settings, "FeasibilityTol");
-    std::vector<double> lastCandidate;
-    bool rejected = false; // a solution of Cbc's turned out not to be one
+
+  private:
+    int solveOnce();
+    void markIntegers(OsiSolverInterface &solver) const;
+    void configure(CbcModel &cbc) const;
+    std::unique_ptr<OsiSolverInterface> preprocessed(OsiSolverInterface &solver) const;
+    int search(OsiSolverInterface &solver);
+    bool round(std::vector<double> &x) const;
+    bool complete(std::vector<double> &x, double &objective);
+    void candidate(const CbcModel &cbc);
 };
 
 // Lets the run follow the tree and ends the search when the run has to end. Heuristics search
 // smaller models with copies of it, whose solutions are not those of the model itself.
 class TreeWatch : public CbcEventHandler {
   public:
-    TreeWatch(Mip &mip, const CbcModel &whole) : mip(mip), whole(&whole) {}
-
+    TreeWatch(Mip &mip, const CbcModel *whole) : mip(mip), whole(whole) {}
+    using CbcEventHandler::event;
     CbcAction event(CbcEvent event) override {
-        if (model_ == whole && mip.run.onSolvingThread())
+        if (model_ == whole)
             mip.follow(*model_, event);
         return mip.run.poll() ? stop : noAction;
     }
-
-    CbcAction event(CbcEvent, void *) override { return mip.run.poll() ? stop : noAction; }
-
     CbcEventHandler *clone() const override { return new TreeWatch(*this); }
 
   private:
@@ -82,13 +73,10 @@ class TreeWatch : public CbcEventHandler {
 class NodeWatch : public CglCutGenerator {
   public:
     explicit NodeWatch(Mip &mip) : mip(mip) {}
-
     void generateCuts(const OsiSolverInterface &solver, OsiCuts &cuts, const CglTreeInfo) override {
-        if (mip.run.onSolvingThread() &&
-            solver.getNumCols() == static_cast<int>(mip.problem.cost.size()))
+        if (solver.getNumCols() == intSize(mip.problem.cost.size()))
             mip.node(solver.getColSolution(), cuts);
     }
-
     CglCutGenerator *clone() const override { return new NodeWatch(*this); }
 
   private:
@@ -99,7 +87,6 @@ class NodeWatch : public CglCutGenerator {
 class Incumbent : public CbcHeuristic {
   public:
     Incumbent(CbcModel &cbc, const Run &run) : CbcHeuristic(cbc), run(run) {}
-
     int solution(double &objective, double *x) override {
         if (run.best.empty() || run.sense * run.bestObjective >= objective)
             return 0;
@@ -107,7 +94,6 @@ class Incumbent : public CbcHeuristic {
         std::copy(run.best.begin(), run.best.end(), x);
         return 1;
     }
-
     bool shouldHeurRun(int) override { return true; }
     void resetModel(CbcModel *model) override { setModel(model); }
     CbcHeuristic *clone() const override { return new Incumbent(*this); }
@@ -116,74 +102,81 @@ class Incumbent : public CbcHeuristic {
     const Run &run;
 };
 
+// Makes the known integers exact. Whether the point is a solution then.
+bool Mip::round(std::vector<double> &x) const {
+    for (size_t j = 0; j < x.size(); j++)
+        if (problem.integer[j] && x[j] != KVX_UNDEFINED)
+            x[j] = std::round(x[j]) + 0.0; // no negative zero
+    // At most type consecutive members of a set aren't zero.
+    auto holds = [&](const Sos &set) {
+        auto isUsed = [&](Entry member) { return std::abs(x[at(member.index)]) > zeroInSet; };
+        auto first = std::find_if(set.members.begin(), set.members.end(), isUsed);
+        return std::none_of(first + std::min<long>(set.type, set.members.end() - first),
+                            set.members.end(), isUsed);
+    };
+    return std::count(x.begin(), x.end(), KVX_UNDEFINED) == 0 &&
+           problem.violation(x) <= 10 * dblParam(run.settings, "FeasibilityTol") &&
+           std::all_of(problem.sets.begin(), problem.sets.end(), holds);
+}
+
+// Completes a point, in which some values are KVX_UNDEFINED, to a solution.
 bool Mip::complete(std::vector<double> &x, double &objective) {
     x.resize(problem.cost.size(), KVX_UNDEFINED);
-    problem.round(x);
-    if (std::count(x.begin(), x.end(), KVX_UNDEFINED) > 0) {
+    bool isSolution = round(x);
+    if (!isSolution && std::count(x.begin(), x.end(), KVX_UNDEFINED) > 0) {
         ClpSimplex lp;
         problem.load(lp);
         SimplexWatch watch(run, false);
         lp.passInEventHandler(&watch);
         for (size_t j = 0; j < x.size(); j++)
             if (x[j] != KVX_UNDEFINED) {
-                double value = std::clamp(x[j], problem.lower[j], problem.upper[j]);
-                lp.setColumnBounds(static_cast<int>(j), value, value);
+                x[j] = std::clamp(x[j], problem.lower[j], problem.upper[j]);
+                lp.setColumnBounds(intSize(j), x[j], x[j]);
             }
         lp.dual();
         if (lp.status() != 0)
             return false;
-        std::vector<double> found(lp.primalColumnSolution(), lp.primalColumnSolution() + x.size());
-        problem.round(found);
-        if (!problem.isSolution(found, tolerance)) {
+        x.assign(lp.primalColumnSolution(), lp.primalColumnSolution() + x.size());
+        isSolution = round(x);
+        if (!isSolution) {
             OsiClpSolverInterface solver(&lp);
-            markIntegers(solver, problem);
+            markIntegers(solver);
             CbcModel cbc(solver);
-            configure(cbc, run, problem);
+            configure(cbc);
+            TreeWatch tree(*this, nullptr);
+            cbc.passInEventHandler(&tree);
             cbc.setMaximumNodes(completionNodes);
             cbc.branchAndBound();
-            if (!cbc.bestSolution())
-                return false;
-            found.assign(cbc.bestSolution(), cbc.bestSolution() + x.size());
-            problem.round(found);
+            if (cbc.bestSolution())
+                x.assign(cbc.bestSolution(), cbc.bestSolution() + x.size());
+            isSolution = cbc.bestSolution() && round(x);
         }
-        x = found;
     }
-    if (!problem.isSolution(x, tolerance))
-        return false;
-    objective = problem.objective(x);
-    return true;
-}
-// Takes a point as it is or, when that isn't feasible, with other values of continuous columns:
-// those that may be nonzero in a set.
-bool Mip::repair(std::vector<double> &x, double &objective) {
-    std::vector<double> kept(x.size(), KVX_UNDEFINED);
-    for (size_t j = 0; j < x.size(); j++)
-        if (problem.integer[j])
-            kept[j] = x[j];
-    for (const Sos &set : problem.sets)
-        for (const Entry &member : set.members)
-            if (auto j = static_cast<size_t>(member.index); std::abs(x[j]) <= zeroInSet)
-                kept[j] = 0;
-    if (complete(x, objective))
-        return true;
-    x = kept;
-    return complete(x, objective);
+    if (isSolution)
+        objective = problem.objective(x);
+    return isSolution;
 }
 
-// Looks at Cbc's best solution. Its integers are so only within a tolerance; a solution of the run
-// has them exact.
+// Looks at Cbc's best solution. Its integers are so only within a tolerance; when it isn't a
+// solution with exact ones, other values of continuous columns may help.
 void Mip::candidate(const CbcModel &cbc) {
     if (!cbc.bestSolution())
         return;
     std::vector<double> x(cbc.bestSolution(), cbc.bestSolution() + problem.cost.size());
-    if (x == lastCandidate)
-        return;
-    lastCandidate = x;
+    if (!round(x)) {
+        std::vector<char> isFixed = problem.integer;
+        for (const Sos &set : problem.sets)
+            for (auto [j, weight] : set.members)
+                if (std::abs(x[at(j)]) <= zeroInSet) {
+                    x[at(j)] = 0;
+                    isFixed[at(j)] = true;
+                }
+        for (size_t j = 0; j < x.size(); j++)
+            x[j] = isFixed[j] ? x[j] : KVX_UNDEFINED;
+    }
     double objective;
-    if (repair(x, objective))
+    if (complete(x, objective))
         run.offer(x, objective);
-    else
-        rejected = true;
 }
 
 void Mip::node(const double *relaxation, OsiCuts &cuts) {
@@ -198,9 +191,9 @@ void Mip::node(const double *relaxation, OsiCuts &cuts) {
                 {KVX_CB_MIPNODE_NODES, run.nodes},
                 {KVX_CB_MIPNODE_SOLCOUNT, 1.0 * run.solutions}},
                &x);
-    for (const Row &row : run.cuts) {
+    for (const Constraint &row : run.cuts) {
         OsiRowCut cut;
-        cut.setRow(packed(row));
+        cut.setRow(packed(row.row));
         cut.setLb(row.lower);
         cut.setUb(row.upper);
         cuts.insert(cut);
@@ -212,66 +205,111 @@ void Mip::follow(CbcModel &cbc, CbcEventHandler::CbcEvent event) {
     cbc.setAllowableFractionGap(run.gap);
     run.nodes = run.earlierNodes + cbc.getNodeCount();
     run.iterations = run.earlierIterations + cbc.getIterationCount();
-    run.openNodes = cbc.tree() ? cbc.tree()->size() : 0;
     if (event == CbcEventHandler::solution || event == CbcEventHandler::heuristicSolution)
         candidate(cbc);
     if (event != CbcEventHandler::node && event != CbcEventHandler::treeStatus)
         return;
     double bound = problem.sense * cbc.getBestPossibleObjValue();
-    if (!run.stopped())
-        raiseBound(run.better(run.bestObjective, bound) ? run.bestObjective : bound);
+    if (run.better(run.bestObjective, bound))
+        bound = run.bestObjective;
+    if (!run.stopped() && run.better(run.bound, bound))
+        run.bound = bound;
+    run.progress(KVX_CB_MIP, {{KVX_CB_MIP_OBJBEST, run.bestObjective},
+                              {KVX_CB_MIP_OBJBOUND, run.bound},
+                              {KVX_CB_MIP_NODES, run.nodes},
+                              {KVX_CB_MIP_SOLCOUNT, 1.0 * run.solutions},
+                              {KVX_CB_MIP_OPENNODES, cbc.tree() ? 1.0 * cbc.tree()->size() : 0},
+                              {KVX_CB_MIP_ITERATIONS, run.iterations}});
     if (event == CbcEventHandler::node && run.nodes >= run.nodeLimit)
         run.stop(KVX_STATUS_NODE_LIMIT);
 }
 
-void Mip::raiseBound(double bound) {
-    if (run.better(run.bound, bound))
-        run.bound = bound;
+void Mip::markIntegers(OsiSolverInterface &solver) const {
+    for (size_t j = 0; j < problem.cost.size(); j++)
+        if (problem.integer[j])
+            solver.setInteger(intSize(j));
 }
 
-void Mip::start() {
-    std::vector<double> x;
-    for (const Variable &var : run.model.vars)
-        x.push_back(var.start);
-    double objective;
-    if (std::count(x.begin(), x.end(), KVX_UNDEFINED) == static_cast<long>(x.size()))
-        return;
-    x.resize(problem.cost.size(), KVX_UNDEFINED);
-    if (repair(x, objective)) {
-        run.say("The start values give a solution with objective %s", shown(objective).c_str());
-        run.offer(x, objective);
-    } else {
-        run.say("The start values don't give a solution");
+void Mip::configure(CbcModel &cbc) const {
+    cbc.passInMessageHandler(&problem.silence);
+    cbc.setLogLevel(0);
+    cbc.setIntegerTolerance(dblParam(run.settings, "IntegralityTol"));
+    cbc.setRandomSeed(intParam(run.settings, "Seed"));
+    // Cbc's dynamic pseudo-costs take every branching object for that of an integer.
+    cbc.setNumberBeforeTrust(problem.sets.empty() ? 10 : 0);
+    for (const Sos &set : problem.sets) {
+        std::vector<int> columns;
+        for (Entry member : set.members)
+            columns.push_back(member.index);
+        CbcSOS object(&cbc, intSize(columns.size()), columns.data(), nullptr, 0, set.type);
+        OsiObject *added = &object; // Cbc copies it.
+        cbc.addObjects(1, &added);
     }
+    if (intParam(run.settings, "Cuts")) {
+        constexpr int whileUseful = -98;
+        CglProbing probing;
+        CglGomory gomory;
+        CglKnapsackCover knapsack;
+        CglMixedIntegerRounding2 rounding;
+        CglFlowCover flow;
+        CglZeroHalf zeroHalf;
+        for (CglCutGenerator *generator : std::initializer_list<CglCutGenerator *>{
+                 &probing, &gomory, &knapsack, &rounding, &flow, &zeroHalf})
+            cbc.addCutGenerator(generator, whileUseful);
+    }
+    if (intParam(run.settings, "Heuristics")) {
+        CbcRounding rounding(cbc);
+        CbcHeuristicFPump pump(cbc);
+        CbcHeuristicRINS neighbourhood(cbc);
+        for (CbcHeuristic *heuristic :
+             std::initializer_list<CbcHeuristic *>{&rounding, &pump, &neighbourhood})
+            cbc.addHeuristic(heuristic);
+    }
+}
+
+// The tightened model with the same columns, so that a point of Cbc's is a point of the problem and
+// the other way round; null when there is none, for whatever reason. It may lack solutions that
+// aren't better than others, so it is of no use when there are conditions that it doesn't know.
+std::unique_ptr<OsiSolverInterface> Mip::preprocessed(OsiSolverInterface &solver) const {
+    if (!intParam(run.settings, "Presolve") || intParam(run.settings, "LazyConstraints") ||
+        !problem.sets.empty())
+        return nullptr;
+    int columns = solver.getNumCols();
+    CglProbing probing;
+    CglPreProcess process;
+    process.passInMessageHandler(&problem.silence);
+    process.passInProhibited(std::string(at(columns), 1).c_str(), columns);
+    process.addCutGenerator(&probing);
+    const OsiSolverInterface *processed = process.preProcessNonDefault(solver, 0, 10);
+    if (!processed || run.stopped() || processed->getNumCols() != columns)
+        return nullptr;
+    for (int j = 0; j < columns; j++)
+        // It makes columns integer that needn't be, and then cuts off solutions by their bounds.
+        if (process.originalColumns()[j] != j || processed->isInteger(j) != solver.isInteger(j))
+            return nullptr;
+    return std::unique_ptr<OsiSolverInterface>(processed->clone());
 }
 
 int Mip::search(OsiSolverInterface &solver) {
     CbcModel cbc(solver);
-    configure(cbc, run, problem);
-    int threads = intParam(run.settings, "Threads");
-    if (threads > 1)
-        cbc.setNumberThreads(threads);
+    configure(cbc);
     Incumbent incumbent(cbc, run);
-    cbc.addHeuristic(&incumbent, "incumbent");
+    cbc.addHeuristic(&incumbent);
     NodeWatch nodes(*this);
     if (run.model.callback)
-        cbc.addCutGenerator(&nodes, 1, "callback");
-    TreeWatch tree(*this, cbc);
+        cbc.addCutGenerator(&nodes, 1);
+    TreeWatch tree(*this, &cbc);
     cbc.passInEventHandler(&tree);
-    run.enter(KVX_CB_MIP);
-    lastCandidate.clear();
-    rejected = false;
     cbc.branchAndBound();
     candidate(cbc);
     run.earlierNodes = run.nodes;
     run.earlierIterations = run.iterations;
-
     if (run.stopped())
         return run.stopped();
-    if (cbc.status() != 0 || (rejected && run.best.empty()))
-        return KVX_STATUS_NUMERIC;
-    if (run.best.empty())
+    if (run.best.empty() && cbc.status() == 0 && !cbc.bestSolution())
         return KVX_STATUS_INFEASIBLE;
+    if (run.best.empty() || cbc.status() != 0)
+        return KVX_STATUS_NUMERIC;
     // What Cbc cut off while it was looking for something better is worse than the best.
     double bound = problem.sense * cbc.getBestPossibleObjValue();
     run.bound = run.better(bound, run.bestObjective) ? bound : run.bestObjective;
@@ -280,38 +318,13 @@ int Mip::search(OsiSolverInterface &solver) {
     return isProven ? KVX_STATUS_OPTIMAL : KVX_STATUS_NUMERIC;
 }
 
-// A ray of the relaxation may break a set and proves nothing then. A model whose optimum is the
-// same in a large box and in a larger one is taken to be bounded.
-int Mip::solveBoxed() {
-    const std::vector<double> lower = problem.lower, upper = problem.upper;
-    int status = KVX_STATUS_OPTIMAL;
-    double optimum = 0;
-    for (double size : {1e6, 1e7}) {
-        if (status != KVX_STATUS_OPTIMAL)
-            break;
-        optimum = run.bestObjective;
-        for (size_t j = 0; j < lower.size(); j++) {
-            problem.lower[j] = std::max(lower[j], std::min(-size, upper[j]));
-            problem.upper[j] = std::min(upper[j], std::max(size, lower[j]));
-        }
-        run.bound = -run.sense * KVX_INFINITY;
-        status = solveOnce();
-    }
-    problem.lower = lower;
-    problem.upper = upper;
-    if (status == KVX_STATUS_OPTIMAL && relativeGap(optimum, run.bestObjective) > run.gap)
-        return KVX_STATUS_UNBOUNDED;
-    return status == KVX_STATUS_INFEASIBLE ? KVX_STATUS_INFEASIBLE_OR_UNBOUNDED : status;
-}
-
 int Mip::solveOnce() {
     ClpSimplex lp;
     Outcome relaxation = solveLp(run, problem, lp);
-    if (relaxation.status == KVX_STATUS_UNBOUNDED && !problem.sets.empty())
-        return solveBoxed();
     if (relaxation.status == KVX_STATUS_UNBOUNDED) {
-        // With a ray of the relaxation and a solution, the model is unbounded. Whether there is a
-        // solution may be hard to say, and then it isn't said.
+        if (!problem.sets.empty()) // A ray of the relaxation may break a set and proves nothing.
+            fail(KVX_ERROR_NOT_SUPPORTED, "the model's relaxation is unbounded: with sets, or what "
+                                          "becomes sets, give the variables bounds");
         std::vector<double> x, cost(problem.cost.size());
         double objective;
         cost.swap(problem.cost);
@@ -323,27 +336,28 @@ int Mip::solveOnce() {
     }
     if (relaxation.status != KVX_STATUS_OPTIMAL)
         return relaxation.status;
-    raiseBound(relaxation.objective);
-    run.say("Relaxation: objective %s, %.0f iterations", shown(relaxation.objective).c_str(),
-            run.iterations);
-    run.enter(KVX_CB_PRESOLVE);
+    if (run.better(run.bound, relaxation.objective))
+        run.bound = relaxation.objective;
     OsiClpSolverInterface solver(&lp);
-    markIntegers(solver, problem);
+    markIntegers(solver);
     SimplexWatch watch(run, false);
     lp.passInEventHandler(&watch);
-    if (std::unique_ptr<OsiSolverInterface> processed = preprocess(run, problem, solver)) {
-        // Now and then preprocessing drops a row that is needed to know a column's value.
-        int status = search(*processed);
-        if (status != KVX_STATUS_NUMERIC)
-            return status;
-    }
-    return search(solver);
+    // Now and then preprocessing drops a row that is needed to know a column's value.
+    std::unique_ptr<OsiSolverInterface> processed = preprocessed(solver);
+    int status = processed ? search(*processed) : KVX_STATUS_NUMERIC;
+    return status == KVX_STATUS_NUMERIC ? search(solver) : status;
 }
 
 Outcome Mip::solve() {
+    std::vector<double> start;
+    for (const Variable &var : run.model.vars)
+        start.push_back(var.start);
+    bool hasStart =
+        std::any_of(start.begin(), start.end(), [](double v) { return v != KVX_UNDEFINED; });
+    double objective;
+    if (hasStart && run.best.empty() && complete(start, objective))
+        run.offer(start, objective);
     Outcome outcome;
-    if (run.best.empty())
-        start();
     size_t lazyRows = 0;
     do {
         if (run.stopped() == Run::again)

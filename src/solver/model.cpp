@@ -1,8 +1,6 @@
 // Models: making, copying, freeing, and what every change of one brings about.
-#include "model.h"
-
 #include "guard.h"
-#include "log.h"
+#include "run.h"
 
 namespace korvex {
 
@@ -11,60 +9,73 @@ void touch(KVXmodel &model) {
     model.hasIis = false;
 }
 
-std::unique_ptr<KVXmodel> makeModel(const KVXenv &env) {
+std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, const ModelData &data) {
     if (!env.started)
         fail(KVX_ERROR_NOT_STARTED, "the environment hasn't been started");
     auto model = std::make_unique<KVXmodel>();
     model->env.parameters = env.parameters;
     model->env.log = env.log;
     model->env.logFile = env.logFile;
-    return model;
-}
-
-std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, const ModelData &data) {
-    auto model = makeModel(env);
     static_cast<ModelData &>(*model) = data;
     return model;
 }
 
-void addConstraint(ModelData &model, Constraint constr) {
-    const int i = static_cast<int>(model.constrs.size());
-    for (auto [index, value] : constr.row)
-        model.vars[static_cast<size_t>(index)].column.push_back({i, value});
-    model.constrs.push_back(std::move(constr));
-}
-
-void addVariable(ModelData &model, Variable var) {
-    const int j = static_cast<int>(model.vars.size());
-    for (auto [index, value] : var.column)
-        model.constrs[static_cast<size_t>(index)].row.push_back({j, value});
-    model.vars.push_back(std::move(var));
-}
-
-namespace {
-
 template <class Element>
-std::string nameOf(const std::vector<Element> &elements, int index, char letter) {
-    const std::string &name = elements[static_cast<size_t>(index)].name;
-    return name.empty() ? letter + std::to_string(index) : name;
+static int add(std::vector<Element> &elements, Element element, char letter, int &made) {
+    if (element.name.empty())
+        element.name = letter + std::to_string(made);
+    made++;
+    elements.push_back(std::move(element));
+    return intSize(elements.size()) - 1;
 }
 
-} // namespace
-
-std::string varName(const ModelData &model, int index) {
-    return nameOf(model.vars, index, 'C');
+int addVariable(ModelData &model, Variable var) {
+    return add(model.vars, std::move(var), 'C', model.varsMade);
 }
 
-std::string constrName(const ModelData &model, int index) {
-    return nameOf(model.constrs, index, 'R');
+int addConstraint(ModelData &model, Constraint constr) {
+    if (!constr.sense)
+        constr.sense = senseOf(constr.lower, constr.upper);
+    return add(model.constrs, std::move(constr), 'R', model.constrsMade);
 }
 
-std::string qconstrName(const ModelData &model, int index) {
-    return nameOf(model.qconstrs, index, 'Q');
+int addGeneralConstraint(ModelData &model, GeneralConstraint constr) {
+    return add(model.genconstrs, std::move(constr), 'G', model.genconstrsMade);
 }
 
-std::string genconstrName(const ModelData &model, int index) {
-    return nameOf(model.genconstrs, index, 'G');
+char senseOf(double lower, double upper) {
+    if (lower == upper)
+        return KVX_EQUAL;
+    return upper >= KVX_INFINITY && lower > -KVX_INFINITY ? KVX_GREATER_EQUAL : KVX_LESS_EQUAL;
+}
+
+CoinPackedMatrix matrixOf(const ModelData &model) {
+    std::vector<int> index, length;
+    std::vector<double> value;
+    std::vector<CoinBigIndex> begin = {0};
+    for (const Constraint &constr : model.constrs) {
+        for (auto [var, coefficient] : constr.row) {
+            index.push_back(var);
+            value.push_back(coefficient);
+        }
+        begin.push_back(intSize(index.size()));
+        length.push_back(intSize(constr.row.size()));
+    }
+    CoinPackedMatrix matrix(false, intSize(model.vars.size()), intSize(model.constrs.size()),
+                            begin.back(), value.data(), index.data(), begin.data(), length.data());
+    matrix.reverseOrdering();
+    return matrix;
+}
+
+void clearObjective(ModelData &model) {
+    model.objcon = 0;
+    model.objectives.clear();
+    model.objNumber = 0;
+    for (Variable &var : model.vars) {
+        var.obj = 0;
+        var.pwlX.clear();
+        var.pwlY.clear();
+    }
 }
 
 } // namespace korvex
@@ -78,22 +89,22 @@ int KVXupdatemodel(KVXmodel *model) {
 int KVXreset(KVXmodel *model, int clearall) {
     return guarded(model, [&] {
         touch(*model);
-        if (clearall) {
-            model->hasBasis = false;
-            for (Variable &var : model->vars) {
-                var.start = KVX_UNDEFINED;
-                var.basis = KVX_NONBASIC_LOWER;
-            }
-            for (Constraint &constr : model->constrs)
-                constr.basis = KVX_BASIC;
+        if (!clearall)
+            return;
+        model->hasBasis = false;
+        for (Variable &var : model->vars) {
+            var.start = KVX_UNDEFINED;
+            var.basis = KVX_NONBASIC_LOWER;
         }
+        for (Constraint &constr : model->constrs)
+            constr.basis = KVX_BASIC;
     });
 }
 
 int KVXfreemodel(KVXmodel *model) {
     if (!model)
         return KVX_OK;
-    int status = guardedRead(model, [&] { endRun(*model); });
+    int status = guardedRead(model, [&] { endRun(*model, true); });
     if (status == KVX_OK)
         delete model;
     return status;

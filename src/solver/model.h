@@ -5,18 +5,14 @@
 
 #include "korvex.h"
 
-#include <array>
+#include <CoinPackedMatrix.hpp>
+
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstdio>
-#include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
-#include <set>
 #include <string>
-#include <thread>
 #include <variant>
 #include <vector>
 
@@ -27,55 +23,43 @@ struct Entry {
     double value;
 };
 
-struct QuadraticTerm {
-    int row, col;
-    double value;
-};
-
 struct Variable {
-    std::string name; // empty: named by index
+    std::string name; // never empty
     double lb = 0, ub = KVX_INFINITY, obj = 0, start = KVX_UNDEFINED;
     char type = KVX_CONTINUOUS;
     int basis = KVX_NONBASIC_LOWER; // warm start in, basis out
     int iisLb = 0, iisUb = 0;
-    std::vector<Entry> column; // by constraint, in the order in which entries were added
-    std::vector<double> pwlX, pwlY;
+    std::vector<double> pwlX, pwlY; // a piecewise-linear objective term
+
+    bool isInteger() const {
+        return type == KVX_BINARY || type == KVX_INTEGER || type == KVX_SEMIINT;
+    }
+    bool isSemi() const { return type == KVX_SEMICONT || type == KVX_SEMIINT; }
 };
 
 struct Constraint {
-    std::string name;
-    char sense = KVX_LESS_EQUAL;
+    std::string name; // never empty
     double lower = -KVX_INFINITY, upper = KVX_INFINITY;
+    std::vector<Entry> row; // by variable
+    char sense = 0;         // 0, until the constraint is added: what the sides say
     int basis = KVX_BASIC;
     int iis = 0;
-    std::vector<Entry> row; // by variable; the same matrix as the columns
 };
 
 struct Sos {
     int type;
     std::vector<Entry> members; // variable and weight
-    int iis = 0;
 };
 
-struct QuadraticConstraint {
-    std::string name;
-    std::vector<Entry> linear;
-    std::vector<QuadraticTerm> quadratic;
-    char sense;
-    double rhs;
-};
-
-// Every kind in one record; which fields mean something is the kind's affair.
+// Every kind that can be solved in one record; which fields mean something is the kind's affair.
 struct GeneralConstraint {
     int kind; // KVX_GENCONSTR_
-    std::string name, options;
-    int first = 0, second = 0;   // resvar or x; argvar or y; binvar and binval
-    std::vector<int> vars;       // operands; opcodes
-    std::vector<Entry> linear;   // of an indicator
-    std::vector<double> values;  // x points; coefficients; data
-    std::vector<double> values2; // y points
-    std::vector<int> parents;
-    double number = 0; // constant, which, base, exponent, rhs
+    std::string name;
+    int first = 0, second = 0; // resvar or x; argvar or y; binvar and binval
+    std::vector<int> vars;     // operands
+    std::vector<Entry> linear; // of an indicator
+    std::vector<double> x, y;  // breakpoints
+    double number = 0;         // constant, which norm, right-hand side
     char sense = 0;
 };
 
@@ -88,9 +72,9 @@ struct Objective {
 
 struct Solution {
     int status = KVX_STATUS_LOADED;
-    bool hasX = false, hasDuals = false, hasBasis = false;
     double objval = 0, bound = 0, runtime = 0, nodes = 0, iterations = 0;
-    int solutions = 0, barrierIterations = 0;
+    int solutions = 0;
+    bool hasX = false, hasDuals = false;
     std::vector<double> x, reducedCosts; // one a variable
     std::vector<double> duals, slacks;   // one a constraint
 };
@@ -102,18 +86,16 @@ struct ModelData {
     double objcon = 0;
     std::vector<Variable> vars;
     std::vector<Constraint> constrs;
-    std::vector<QuadraticTerm> quadratic;
     std::vector<Sos> sos;
-    std::vector<QuadraticConstraint> qconstrs;
     std::vector<GeneralConstraint> genconstrs;
     std::vector<Objective> objectives; // empty: one objective, in the variables
-    int objNumber = 0;
-    int scenarioNumber = 0;
+    int objNumber = 0, scenarioNumber = 0;
     bool hasBasis = false; // the basis fields hold a basis to start from
+    int varsMade = 0, constrsMade = 0, genconstrsMade = 0; // for names, deleted ones included
 };
 
-class Log; // log.cpp: console, file and callback of an environment; shared by its models
-class Run; // run.cpp: a run that is going on
+class Log; // console, file and callback of an environment; shared by its models
+class Run; // a run that is going on
 
 using ParameterValue = std::variant<int, double, std::string>;
 
@@ -142,9 +124,6 @@ struct KVXmodel : korvex::ModelData {
     std::chrono::steady_clock::time_point runStart; // set before running
     std::shared_ptr<korvex::Run> run; // the present run, or the last background one until KVXsync
 
-    std::map<int, std::unique_ptr<KVXenv>> multiobjEnvs; // by objective
-    std::set<std::string> madeNames; // of elements without one, handed out as attributes
-
     KVXmodel() {
         env.started = true;
         env.owner = this;
@@ -153,43 +132,33 @@ struct KVXmodel : korvex::ModelData {
 
 namespace korvex {
 
-// A new model of an environment, which must have been started.
-std::unique_ptr<KVXmodel> makeModel(const KVXenv &env);
-
-// The same, with the data of another model but no solution.
-std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, const ModelData &data);
+// A new model of an environment, which must have been started, with the data of another one.
+std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, const ModelData &data = {});
 
 // To be called after every change that may change the optimum: forgets the solution and the IIS.
 void touch(KVXmodel &model);
 
-// general.cpp: the variables without which a general constraint means nothing; renumbers all of its
-// variables after a deletion and drops deleted ones from its linear part.
-std::vector<int> dependsOn(const GeneralConstraint &constr);
-void renumberVariables(GeneralConstraint &constr, const std::vector<int> &numbers);
+// Add an element and return its index. Without a name it gets one, a letter and a number.
+int addVariable(ModelData &model, Variable var);
+int addConstraint(ModelData &model, Constraint constr);
+int addGeneralConstraint(ModelData &model, GeneralConstraint constr);
 
-// run.cpp: terminates the model's background run, if there is one, and waits for it; fails with
-// KVX_ERROR_IN_PROGRESS inside one of its callbacks.
-void endRun(KVXmodel &model);
+// The sense of a row with those sides.
+char senseOf(double lower, double upper);
 
-// run.cpp: the attribute "Status"; a background run's is there before KVXsync.
-int currentStatus(const KVXmodel &model);
+// The coefficients by columns.
+CoinPackedMatrix matrixOf(const ModelData &model);
 
-// Adds a row or column with its entries to a matrix.
-void addConstraint(ModelData &model, Constraint constr);
-void addVariable(ModelData &model, Variable var);
+// The linear objective, and all other objectives, out of the way.
+void clearObjective(ModelData &model);
 
-inline bool isSemi(const Variable &var) {
-    return var.type == KVX_SEMICONT || var.type == KVX_SEMIINT;
+// Indices are ints in the interface and sizes inside.
+inline size_t at(int index) {
+    return static_cast<size_t>(index);
 }
-inline bool isInteger(const Variable &var) {
-    return var.type == KVX_BINARY || var.type == KVX_INTEGER || var.type == KVX_SEMIINT;
+inline int intSize(size_t size) {
+    return static_cast<int>(size);
 }
-
-// The name of an element, made of its index when it has none.
-std::string varName(const ModelData &model, int index);
-std::string constrName(const ModelData &model, int index);
-std::string qconstrName(const ModelData &model, int index);
-std::string genconstrName(const ModelData &model, int index);
 
 } // namespace korvex
 

@@ -1,7 +1,6 @@
 #include "optimize.h"
 
 #include "guard.h"
-#include "reformulate.h"
 #include "textfile.h"
 
 #include <algorithm>
@@ -9,6 +8,18 @@
 
 namespace korvex {
 namespace {
+
+constexpr double integerTolerance = 1e-9; // of an integer variable's bounds
+
+double bound(double value) {
+    return std::abs(value) >= KVX_INFINITY ? std::copysign(COIN_DBL_MAX, value) : value;
+}
+
+double excess(double value, double lower, double upper) {
+    double below = (lower - value) / std::max(1.0, std::abs(lower));
+    double above = (value - upper) / std::max(1.0, std::abs(upper));
+    return std::max({below, above, 0.0});
+}
 
 // By status.
 const char *const statusTexts[] = {
@@ -26,46 +37,9 @@ const char *const statusTexts[] = {
     "Stopped by numerical trouble",
 };
 
-// Refuses what can't be solved.
-void check(const KVXmodel &model) {
-    if (!model.qconstrs.empty())
-        fail(KVX_ERROR_NOT_SUPPORTED, "quadratic constraints, like %s, can't be solved",
-             qconstrName(model, 0).c_str());
-    bool isLinear = model.quadratic.empty() &&
-                    std::all_of(model.vars.begin(), model.vars.end(),
-                                [](const Variable &var) { return var.pwlX.empty(); });
-    if (!isLinear && !model.objectives.empty())
-        fail(KVX_ERROR_NOT_SUPPORTED, "one of several objectives must be linear");
-}
-
-void sayHead(Run &run) {
-    size_t entries = 0;
-    long integers = 0;
-    for (const Variable &var : run.model.vars) {
-        entries += var.column.size();
-        integers += var.type != KVX_CONTINUOUS;
-    }
-    run.say("Optimizing a model with %zu rows, %zu columns (%ld of them discrete) and %zu nonzeros",
-            run.model.constrs.size(), run.model.vars.size(), integers, entries);
-}
-
-void sayEnd(Run &run, const Solution &solution) {
-    run.say("%s: %.0f iterations, %.0f nodes, %s seconds", statusTexts[solution.status],
-            solution.iterations, solution.nodes,
-            shown(std::round(100 * run.elapsed()) / 100).c_str());
-    if (solution.hasX)
-        run.say("Objective %s, bound %s, gap %s %%", shown(solution.objval).c_str(),
-                shown(solution.bound).c_str(),
-                shown(100 * relativeGap(solution.objval, solution.bound)).c_str());
-}
-
 // Stores what was found, for the model's own rows and columns: the problem may have more.
 void store(Run &run, const Outcome &outcome) {
     KVXmodel &model = run.model;
-    const size_t columns = model.vars.size(), rows = model.constrs.size();
-    auto first = [](auto &values, size_t count) {
-        return std::vector<double>(values.begin(), values.begin() + static_cast<long>(count));
-    };
     Solution &solution = model.solution;
     solution.status = outcome.status;
     solution.runtime = run.elapsed();
@@ -73,63 +47,142 @@ void store(Run &run, const Outcome &outcome) {
     solution.nodes = run.nodes;
     solution.iterations = run.iterations;
     solution.solutions = run.solutions;
-    if (!outcome.x.empty()) {
-        solution.hasX = true;
+    solution.hasX = !outcome.x.empty();
+    solution.hasDuals = !outcome.duals.empty();
+    if (solution.hasX) {
         solution.objval = outcome.objective;
-        solution.x = first(outcome.x, columns);
+        solution.x = outcome.x;
+        solution.x.resize(model.vars.size());
         for (const Constraint &constr : model.constrs) {
             double slack = constr.sense == KVX_GREATER_EQUAL ? constr.lower : constr.upper;
-            for (const Entry &entry : constr.row)
-                slack -= entry.value * solution.x[static_cast<size_t>(entry.index)];
+            for (auto [var, coefficient] : constr.row)
+                slack -= coefficient * solution.x[at(var)];
             solution.slacks.push_back(slack);
         }
     }
-    if (!outcome.duals.empty()) {
-        solution.hasDuals = true;
-        solution.duals = first(outcome.duals, rows);
-        solution.reducedCosts = first(outcome.reducedCosts, columns);
-    }
-    if (!outcome.basis.empty()) {
-        solution.hasBasis = model.hasBasis = true;
-        for (size_t j = 0; j < columns; j++)
+    if (solution.hasDuals) {
+        solution.duals = outcome.duals;
+        solution.duals.resize(model.constrs.size());
+        solution.reducedCosts = outcome.reducedCosts;
+        solution.reducedCosts.resize(model.vars.size());
+        model.hasBasis = true;
+        for (size_t j = 0; j < model.vars.size(); j++)
             model.vars[j].basis = outcome.basis[j];
-        for (size_t i = 0; i < rows; i++)
+        for (size_t i = 0; i < model.constrs.size(); i++)
             model.constrs[i].basis = outcome.rowBasis[i];
     }
 }
 
 } // namespace
 
-Outcome solveProblem(Run &run, const Problem &problem) {
-    if (run.poll()) {
-        Outcome outcome;
-        outcome.status = run.stopped();
-        return outcome;
+double violation(const Constraint &row, const std::vector<double> &x) {
+    double activity = 0;
+    for (auto [var, coefficient] : row.row)
+        activity += coefficient * x[at(var)];
+    return excess(activity, row.lower, row.upper);
+}
+
+CoinPackedVector packed(const std::vector<Entry> &entries) {
+    CoinPackedVector vector;
+    for (auto [index, value] : entries)
+        vector.insert(index, value);
+    return vector;
+}
+
+Problem::Problem(const ModelData &model)
+    : sense(model.objsense), constant(sense * model.objcon), sets(model.sos),
+      isMip(!model.sos.empty()), matrix(matrixOf(model)) {
+    for (const Variable &var : model.vars) {
+        bool discrete = var.type != KVX_CONTINUOUS;
+        cost.push_back(sense * var.obj);
+        lower.push_back(discrete ? std::ceil(bound(var.lb) - integerTolerance) : bound(var.lb));
+        upper.push_back(discrete ? std::floor(bound(var.ub) + integerTolerance) : bound(var.ub));
+        integer.push_back(discrete);
+        isMip |= discrete;
     }
-    if (problem.isMip && problem.quadratic.empty())
-        return solveMip(run, problem);
-    ClpSimplex lp;
-    Outcome outcome =
-        problem.quadratic.empty() ? solveLp(run, problem, lp) : solveQuadratic(run, problem);
-    if (!outcome.x.empty()) {
-        run.best = outcome.x;
-        run.bestObjective = run.bound = outcome.objective;
-        run.solutions = 1;
+    for (const Constraint &constr : model.constrs) {
+        rowLower.push_back(bound(constr.lower));
+        rowUpper.push_back(bound(constr.upper));
+    }
+    for (Sos &set : sets)
+        std::stable_sort(set.members.begin(), set.members.end(),
+                         [](Entry a, Entry b) { return a.value < b.value; });
+    if (model.vars.empty()) {
+        for (auto column : {&cost, &lower, &upper})
+            column->push_back(0);
+        integer.push_back(false);
+    }
+    if (model.constrs.empty()) {
+        rowLower.push_back(-COIN_DBL_MAX);
+        rowUpper.push_back(COIN_DBL_MAX);
+    }
+    matrix.setDimensions(intSize(rowLower.size()), intSize(cost.size()));
+}
+
+void Problem::load(ClpSimplex &lp) const {
+    lp.passInMessageHandler(&silence);
+    lp.setLogLevel(0);
+    lp.loadProblem(matrix, lower.data(), upper.data(), cost.data(), rowLower.data(),
+                   rowUpper.data());
+    lp.setObjectiveOffset(-constant);
+}
+
+double Problem::objective(const std::vector<double> &x) const {
+    double value = constant;
+    for (size_t j = 0; j < cost.size(); j++)
+        value += cost[j] * x[j];
+    return sense * value + 0.0; // no negative zero
+}
+
+double Problem::violation(const std::vector<double> &x) const {
+    double worst = 0;
+    for (size_t j = 0; j < cost.size(); j++)
+        worst = std::max(worst, excess(x[j], lower[j], upper[j]));
+    std::vector<double> activity(rowLower.size());
+    matrix.times(x.data(), activity.data());
+    for (size_t i = 0; i < activity.size(); i++)
+        worst = std::max(worst, excess(activity[i], rowLower[i], rowUpper[i]));
+    return worst;
+}
+
+void Problem::addRow(const Constraint &row) {
+    matrix.appendRow(packed(row.row));
+    rowLower.push_back(bound(row.lower));
+    rowUpper.push_back(bound(row.upper));
+}
+
+Outcome solveProblem(Run &run, const Problem &problem) {
+    Outcome outcome;
+    if (run.poll()) {
+        outcome.status = run.stopped();
+    } else if (problem.isMip) {
+        outcome = solveMip(run, problem);
+    } else {
+        ClpSimplex lp;
+        outcome = solveLp(run, problem, lp);
+        if (!outcome.x.empty()) {
+            run.best = outcome.x;
+            run.bestObjective = run.bound = outcome.objective;
+            run.solutions = 1;
+        }
     }
     return outcome;
 }
 
 void optimize(Run &run) {
-    run.model.solution = {};
-    check(run.model);
-    sayHead(run);
-    const std::unique_ptr<KVXmodel> linear = reformulated(run.model);
-    const Problem problem(linear ? *linear : run.model);
-    Outcome outcome =
-        run.model.objectives.empty() ? solveProblem(run, problem) : solveObjectives(run, problem);
-    store(run, outcome);
-    sayEnd(run, run.model.solution);
-    writeResultFile(run.model);
+    KVXmodel &model = run.model;
+    Solution &solution = model.solution = {};
+    run.say("Optimizing a model with %zu rows and %zu columns", model.constrs.size(),
+            model.vars.size());
+    const Problem problem(reformulated(model));
+    store(run,
+          model.objectives.empty() ? solveProblem(run, problem) : solveObjectives(run, problem));
+    run.say("%s: %.0f iterations, %.0f nodes, %s seconds", statusTexts[solution.status],
+            solution.iterations, solution.nodes, shown(solution.runtime).c_str());
+    if (solution.hasX)
+        run.say("Objective %s, bound %s", shown(solution.objval).c_str(),
+                shown(solution.bound).c_str());
+    writeResultFile(model);
 }
 
 } // namespace korvex

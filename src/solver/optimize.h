@@ -1,4 +1,5 @@
-// Solving: a model as COIN's solvers take it, and what they make of it.
+// Solving: a model as COIN's solvers take it, and what they make of it. COIN's objects keep
+// pointers to one another, so all that belong to a problem are used by its run's thread only.
 #ifndef KORVEX_SOLVER_OPTIMIZE_H
 #define KORVEX_SOLVER_OPTIMIZE_H
 
@@ -6,17 +7,21 @@
 
 #include <ClpEventHandler.hpp>
 #include <ClpSimplex.hpp>
-#include <CoinPackedMatrix.hpp>
 #include <CoinPackedVector.hpp>
 
 namespace korvex {
 
-// Takes COIN's own messages and lets them go nowhere. Not for two threads at once.
+// Takes COIN's own messages and lets them go nowhere.
 class Silence : public CoinMessageHandler {
   public:
     int print() override { return 0; }
     CoinMessageHandler *clone() const override { return new Silence(*this); }
 };
+
+// An equivalent model without general constraints, piecewise-linear objective terms and
+// semi-continuous variables, in whose SOS no member is negative. The first variables, constraints
+// and SOS are those of the model.
+ModelData reformulated(const KVXmodel &model);
 
 // A linear model, with integer columns or without, as a minimisation. COIN's solvers don't take
 // models without rows or columns: such a model gets a free row or a column that is fixed at 0.
@@ -31,30 +36,24 @@ struct Problem {
     // The largest violation of a bound or row, relative to the size of what it violates.
     double violation(const std::vector<double> &x) const;
 
-    // Whether a point with exact integers is a solution.
-    bool isSolution(const std::vector<double> &x, double tolerance) const;
-
-    void addRow(const Row &row);
-
-    // Rounds the integer columns of a point that are known.
-    void round(std::vector<double> &x) const;
+    void addRow(const Constraint &row);
 
     int sense; // KVX_MINIMIZE or KVX_MAXIMIZE: the factor between costs and the model's objective
     double constant;
     std::vector<double> cost, lower, upper, rowLower, rowUpper;
     std::vector<char> integer;
-    std::vector<QuadraticTerm> quadratic; // added to the costs
-    std::vector<Sos> sets;                // members by increasing weight
+    std::vector<Sos> sets; // members by increasing weight
     bool isMip = false;
     CoinPackedMatrix matrix; // by columns
     mutable Silence silence;
 };
 
-CoinPackedVector packed(const Row &row);
+CoinPackedVector packed(const std::vector<Entry> &entries);
 
-constexpr double zeroInSet = 1e-6; // Members of a set up to this size count as zero.
+// How far a point violates a row, relative to the size of the side that it violates.
+double violation(const Constraint &row, const std::vector<double> &x);
 
-// What a solver found. The point itself is in a vector of its own, since a MIP run holds it.
+// What a solver found.
 struct Outcome {
     int status = KVX_STATUS_NUMERIC;
     std::vector<double> x;                   // empty: none
@@ -80,7 +79,6 @@ class SimplexWatch : public ClpEventHandler {
 Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp);
 
 Outcome solveMip(Run &run, const Problem &problem);
-Outcome solveQuadratic(Run &run, const Problem &problem);
 
 // Solves the problem by what it takes; its solution is the run's best.
 Outcome solveProblem(Run &run, const Problem &problem);

@@ -1,10 +1,8 @@
 #include "params.h"
 
-#include "guard.h"
+#include "input.h"
 #include "log.h"
-#include "text.h"
 
-#include <cmath>
 #include <cstring>
 #include <fstream>
 #include <limits>
@@ -47,75 +45,82 @@ const std::vector<Parameter> &table() {
     return parameters;
 }
 
-const char *typeName(const ParameterValue &value) {
-    static const char *const names[] = {"an integer", "a number", "a text"};
-    return names[value.index()];
-}
+constexpr const char *typeNames[] = {"an integer", "a number", "a text"};
 
 size_t position(const char *name) {
-    needed(name, "the parameter name");
     for (size_t i = 0; i < table().size(); i++)
-        if (equalIgnoringCase(table()[i].name, name))
+        if (equalIgnoringCase(table()[i].name, needed(name, "the parameter name")))
             return i;
-    fail(KVX_ERROR_UNKNOWN_PARAMETER, "unknown parameter \"%s\"", validUtf8(name).c_str());
+    fail(KVX_ERROR_UNKNOWN_PARAMETER, "unknown parameter \"%s\"", name);
 }
 
 // The position of a parameter of the type T.
 template <class T>
 size_t position(const char *name) {
     size_t i = position(name);
-    const ParameterValue &standard = table()[i].standard;
-    if (!std::holds_alternative<T>(standard))
-        fail(KVX_ERROR_UNKNOWN_PARAMETER, "parameter %s is %s", table()[i].name,
-             typeName(standard));
+    if (const ParameterValue &standard = table()[i].standard; !std::holds_alternative<T>(standard))
+        fail(KVX_ERROR_UNKNOWN_PARAMETER, "parameter %s is %s", name, typeNames[standard.index()]);
     return i;
 }
 
 std::string asText(const ParameterValue &value) {
-    if (auto number = std::get_if<int>(&value))
-        return std::to_string(*number);
-    if (auto number = std::get_if<double>(&value))
-        return toText(*number);
-    return std::get<std::string>(value);
-}
-
-// The value as parameter number i may take it.
-ParameterValue checked(size_t i, ParameterValue value) {
-    const auto &[name, standard, minimum, maximum] = table()[i];
-    if (std::holds_alternative<double>(standard) && std::holds_alternative<int>(value))
-        value = static_cast<double>(std::get<int>(value));
-    if (value.index() != standard.index())
-        fail(KVX_ERROR_INVALID_ARGUMENT, "parameter %s is %s", name, typeName(standard));
-    if (auto text = std::get_if<std::string>(&value)) {
-        if (!isName(*text))
-            fail(KVX_ERROR_INVALID_ARGUMENT,
-                 "the value of parameter %s isn't UTF-8 text without control characters", name);
-    } else if (!(value >= minimum && value <= maximum)) { // nor is a NaN
-        fail(KVX_ERROR_VALUE_OUT_OF_RANGE, "parameter %s must be between %s and %s, not %s", name,
-             asText(minimum).c_str(), asText(maximum).c_str(), asText(value).c_str());
-    }
-    return value;
+    if (auto text = std::get_if<std::string>(&value))
+        return *text;
+    auto number = std::get_if<int>(&value);
+    return number ? std::to_string(*number) : toText(std::get<double>(value));
 }
 
 ParameterValue fromText(size_t i, const std::string &text) {
-    const auto &[name, standard, minimum, maximum] = table()[i];
-    ParameterValue value = standard;
-    bool good = true;
+    ParameterValue value = table()[i].standard;
+    bool isGood = true;
     if (auto integer = std::get_if<int>(&value))
-        good = parse(text, *integer);
+        isGood = parse(text, *integer);
     else if (auto number = std::get_if<double>(&value))
-        good = parse(text, *number);
+        isGood = parse(text, *number);
     else
         value = text;
-    if (!good)
-        fail(KVX_ERROR_INVALID_ARGUMENT, "parameter %s: \"%s\" isn't %s", name,
-             validUtf8(text).c_str(), typeName(standard));
-    return checked(i, value);
+    if (!isGood)
+        fail(KVX_ERROR_INVALID_ARGUMENT, "parameter %s: \"%s\" isn't %s", table()[i].name,
+             text.c_str(), typeNames[value.index()]);
+    return value;
+}
+
+void assign(std::vector<ParameterValue> &values, size_t i, const ParameterValue &value) {
+    const auto &[name, standard, minimum, maximum] = table()[i];
+    if (value.index() != standard.index())
+        fail(KVX_ERROR_INVALID_ARGUMENT, "parameter %s is %s", name, typeNames[standard.index()]);
+    if (auto text = std::get_if<std::string>(&value); text && !isName(*text))
+        fail(KVX_ERROR_INVALID_ARGUMENT,
+             "the value of parameter %s isn't UTF-8 text without control characters", name);
+    else if (!text && !(value >= minimum && value <= maximum)) // nor is a NaN
+        fail(KVX_ERROR_VALUE_OUT_OF_RANGE, "parameter %s must be between %s and %s, not %s", name,
+             asText(minimum).c_str(), asText(maximum).c_str(), asText(value).c_str());
+    values[i] = value;
+}
+
+// The log reads parameters on any thread, so they change under its lock.
+void setParams(KVXenv &env, std::vector<ParameterValue> values) {
+    static const size_t logFile = position("LogFile");
+    std::shared_ptr<std::FILE> file = env.logFile;
+    if (values[logFile] != env.parameters[logFile])
+        file = openLogFile(std::get<std::string>(values[logFile]));
+    std::lock_guard lock(env.log->mutex);
+    env.parameters.swap(values);
+    env.logFile.swap(file);
+}
+
+void setParam(KVXenv &env, size_t i, const ParameterValue &value) {
+    std::vector<ParameterValue> values = env.parameters;
+    assign(values, i, value);
+    setParams(env, std::move(values));
 }
 
 // Copies as much of a text as fits; doesn't end within a character.
-void copyText(const std::string &text, char *buffer, size_t capacity) {
-    size_t length = std::min(text.size(), capacity - 1);
+void copyText(const std::string &text, char *buffer, int capacity) {
+    needed(buffer, "buffer");
+    if (capacity < 1)
+        fail(KVX_ERROR_INVALID_ARGUMENT, "capacity %d is below 1", capacity);
+    size_t length = std::min(text.size(), at(capacity) - 1);
     while (length < text.size() && length > 0 && (text[length] & 0xC0) == 0x80)
         length--;
     std::memcpy(buffer, text.data(), length);
@@ -123,24 +128,20 @@ void copyText(const std::string &text, char *buffer, size_t capacity) {
 }
 
 template <class T>
-int getParam(KVXenv *env, const char *name, T *value) {
+int getParam(KVXenv *env, const char *name, T *current, T *minimum = nullptr, T *maximum = nullptr,
+             T *standard = nullptr) {
     return guardedRead(env, [&] {
-        needed(value, "value");
-        *value = std::get<T>(env->parameters[position<T>(name)]);
+        size_t i = position<T>(name);
+        store(current, std::get<T>(env->parameters[i]));
+        store(minimum, std::get<T>(table()[i].minimum));
+        store(maximum, std::get<T>(table()[i].maximum));
+        store(standard, std::get<T>(table()[i].standard));
     });
 }
 
-template <class T>
-int getParamInfo(KVXenv *env, const char *name, T *current, T *minimum, T *maximum, T *standard) {
-    return guardedRead(env, [&] {
-        size_t i = position<T>(name);
-        for (T *result : {current, minimum, maximum, standard})
-            needed(result, "a result");
-        *current = std::get<T>(env->parameters[i]);
-        *minimum = std::get<T>(table()[i].minimum);
-        *maximum = std::get<T>(table()[i].maximum);
-        *standard = std::get<T>(table()[i].standard);
-    });
+template <class T, class Value>
+int set(KVXenv *env, const char *name, Value value) {
+    return guarded(env, [&] { setParam(*env, position<T>(name), T(value)); });
 }
 
 } // namespace
@@ -164,29 +165,11 @@ const std::string &strParam(const KVXenv &env, const char *name) {
     return std::get<std::string>(env.parameters[position(name)]);
 }
 
-// The log reads parameters on any thread, so they change under its lock.
-void setParams(KVXenv &env, std::vector<ParameterValue> values) {
-    static const size_t logFile = position("LogFile");
-    std::shared_ptr<std::FILE> file = env.logFile;
-    if (values[logFile] != env.parameters[logFile])
-        file = openLogFile(std::get<std::string>(values[logFile]));
-    auto lock = env.log->lock();
-    env.parameters.swap(values);
-    env.logFile.swap(file);
-}
-
-namespace {
-
-void assign(KVXenv &env, size_t i, const ParameterValue &value) {
-    std::vector<ParameterValue> values = env.parameters;
-    values[i] = checked(i, value);
-    setParams(env, std::move(values));
-}
-
-} // namespace
-
 void setParam(KVXenv &env, const char *name, const ParameterValue &value) {
-    assign(env, position(name), value);
+    size_t i = position(name);
+    auto integer = std::get_if<int>(&value);
+    bool isNumber = integer && std::holds_alternative<double>(table()[i].standard);
+    setParam(env, i, isNumber ? ParameterValue(1.0 * *integer) : value);
 }
 
 void writeParams(const KVXenv &env, std::ostream &file) {
@@ -206,13 +189,11 @@ void readParams(KVXenv &env, std::istream &file, const std::string &filename) {
         size_t end = std::min(line.find(' '), line.size());
         try {
             size_t i = position(line.substr(0, end).c_str());
-            values[i] = fromText(i, end < line.size() ? line.substr(end + 1) : "");
+            assign(values, i, fromText(i, end < line.size() ? line.substr(end + 1) : ""));
         } catch (const Failure &failure) {
             fail(failure.status, "%s, line %d: %s", filename.c_str(), number, failure.text.c_str());
         }
     }
-    if (file.bad())
-        fail(KVX_ERROR_FILE_READ, "%s: can't be read", filename.c_str());
     setParams(env, std::move(values));
 }
 
@@ -230,31 +211,26 @@ int KVXgetdblparam(KVXenv *env, const char *name, double *value) {
 
 int KVXgetlongstrparam(KVXenv *env, const char *name, char *buffer, int capacity, int *length) {
     return guardedRead(env, [&] {
-        const std::string &value =
-            std::get<std::string>(env->parameters[position<std::string>(name)]);
-        needed(buffer, "buffer");
+        const auto &value = std::get<std::string>(env->parameters[position<std::string>(name)]);
         needed(length, "length");
-        if (capacity < 1)
-            fail(KVX_ERROR_INVALID_ARGUMENT, "capacity %d is below 1", capacity);
-        copyText(value, buffer, static_cast<size_t>(capacity));
-        *length = static_cast<int>(value.size());
+        copyText(value, buffer, capacity);
+        *length = intSize(value.size());
     });
 }
 
 int KVXgetintparaminfo(KVXenv *env, const char *name, int *current, int *minimum, int *maximum,
                        int *standard) {
-    return getParamInfo(env, name, current, minimum, maximum, standard);
+    return getParam(env, name, current, minimum, maximum, standard);
 }
 
 int KVXgetdblparaminfo(KVXenv *env, const char *name, double *current, double *minimum,
                        double *maximum, double *standard) {
-    return getParamInfo(env, name, current, minimum, maximum, standard);
+    return getParam(env, name, current, minimum, maximum, standard);
 }
 
 int KVXgetstrparaminfo(KVXenv *env, const char *name, char *current, char *standard) {
     return guardedRead(env, [&] {
         size_t i = position<std::string>(name);
-        needed(current, "current");
         needed(standard, "standard");
         copyText(std::get<std::string>(env->parameters[i]), current, KVX_TEXT_SIZE);
         copyText(std::get<std::string>(table()[i].standard), standard, KVX_TEXT_SIZE);
@@ -262,24 +238,23 @@ int KVXgetstrparaminfo(KVXenv *env, const char *name, char *current, char *stand
 }
 
 int KVXsetintparam(KVXenv *env, const char *name, int value) {
-    return guarded(env, [&] { assign(*env, position<int>(name), value); });
+    return set<int>(env, name, value);
 }
 
 int KVXsetdblparam(KVXenv *env, const char *name, double value) {
-    return guarded(env, [&] { assign(*env, position<double>(name), value); });
+    return set<double>(env, name, value);
 }
 
 int KVXsetstrparam(KVXenv *env, const char *name, const char *value) {
     return guarded(env, [&] {
-        size_t i = position<std::string>(name);
-        assign(*env, i, std::string(needed(value, "value")));
+        setParam(*env, position<std::string>(name), std::string(needed(value, "value")));
     });
 }
 
 int KVXsetparam(KVXenv *env, const char *name, const char *value) {
     return guarded(env, [&] {
         size_t i = position(name);
-        assign(*env, i, fromText(i, needed(value, "value")));
+        setParam(*env, i, fromText(i, needed(value, "value")));
     });
 }
 

@@ -18,9 +18,6 @@ const std::string &strParam(const KVXenv &env, const char *name);
 // Sets a parameter; fails without a change when that isn't allowed. An int will do for a double.
 void setParam(KVXenv &env, const char *name, const ParameterValue &value);
 
-// Sets all parameters at once.
-void setParams(KVXenv &env, std::vector<ParameterValue> values);
-
 // Parameter files; filename is for the error text only. All or nothing.
 void writeParams(const KVXenv &env, std::ostream &file);
 void readParams(KVXenv &env, std::istream &file, const std::string &filename);

@@ -1,6 +1,5 @@
 #include "run.h"
 
-#include "attributes.h"
 #include "guard.h"
 #include "log.h"
 #include "optimize.h"
@@ -18,51 +17,47 @@ namespace {
 
 constexpr double reportInterval = 0.05; // seconds between reports of progress
 
-// Background runs that haven't ended. The process may exit while there are any: they are told to
-// stop and given a moment, because they use statics of this library. It isn't waited for longer,
-// since a callback may be unable to return at that point.
+// Background runs use statics of this library: when the process exits they are told to stop and
+// given a moment, not more, since a callback may be unable to return then.
 class BackgroundRuns {
   public:
-    static BackgroundRuns &instance() {
-        static BackgroundRuns runs;
-        return runs;
-    }
-
-    void add(KVXmodel &model) {
+    void add(Run &run) {
         std::lock_guard lock(mutex);
-        models.insert(&model);
+        runs.insert(&run);
     }
-
-    void remove(KVXmodel &model) {
+    void remove(Run &run) {
         std::lock_guard lock(mutex);
-        models.erase(&model);
-        changed.notify_all();
+        runs.erase(&run);
     }
-
     ~BackgroundRuns() {
-        std::unique_lock lock(mutex);
-        for (KVXmodel *model : models)
-            model->terminate = true;
-        changed.wait_for(lock, std::chrono::seconds(2), [this] { return models.empty(); });
+        std::lock_guard lock(mutex);
+        auto isFinished = [](const Run *run) { return run->finished.load(); };
+        for (Run *run : runs)
+            run->model.terminate = true;
+        for (int i = 0; i < 40 && !std::all_of(runs.begin(), runs.end(), isFinished); i++)
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
 
   private:
-    // What a callback may use must be older than this object to live longer.
-    BackgroundRuns() { attributeTable(); }
-
     std::mutex mutex;
-    std::condition_variable changed;
-    std::set<KVXmodel *> models;
+    std::set<Run *> runs;
 };
 
-void begin(KVXmodel &model) {
+BackgroundRuns &backgroundRuns() {
+    static BackgroundRuns runs;
+    return runs;
+}
+
+std::shared_ptr<Run> begin(KVXmodel &model) {
     model.run = std::make_shared<Run>(model);
     model.runStart = std::chrono::steady_clock::now();
     model.running = true;
+    return model.run;
 }
 
 // A request to terminate that came during the run has been served with it.
 void end(KVXmodel &model) {
+    backgroundRuns().remove(*model.run);
     model.run.reset();
     model.terminate = false;
     model.running = false;
@@ -71,11 +66,9 @@ void end(KVXmodel &model) {
 } // namespace
 
 std::string shown(double value) {
-    if (std::abs(value) >= KVX_INFINITY)
-        return "-";
     char text[32];
     auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general, 8).ptr;
-    return {text, end};
+    return std::abs(value) >= KVX_INFINITY ? "-" : std::string(text, end);
 }
 
 double relativeGap(double objective, double bound) {
@@ -84,8 +77,8 @@ double relativeGap(double objective, double bound) {
 }
 
 Run::Run(KVXmodel &model)
-    : model(model), settings(model.env), sense(model.objsense), objective(0),
-      bestObjective(sense * KVX_INFINITY), bound(-sense * KVX_INFINITY) {
+    : model(model), settings(model.env), sense(model.objsense), bestObjective(sense * KVX_INFINITY),
+      bound(-sense * KVX_INFINITY) {
     readLimits();
     nextLine = logInterval;
 }
@@ -106,8 +99,7 @@ double Run::elapsed() const {
 }
 
 void Run::stop(int status) {
-    int none = 0;
-    stopStatus.compare_exchange_strong(none, status);
+    stopStatus = stopStatus ? stopStatus : status;
 }
 
 void Run::goOn() {
@@ -115,62 +107,30 @@ void Run::goOn() {
 }
 
 bool Run::poll() {
+    return progress(lastWhere, {});
+}
+
+bool Run::progress(int where, std::vector<Datum> data) {
+    double now = elapsed();
     if (model.terminate)
         stop(KVX_STATUS_INTERRUPTED);
-    if (!stopStatus && onSolvingThread() && !insideCallback()) {
-        double now = elapsed();
-        if (now >= timeLimit)
-            stop(KVX_STATUS_TIME_LIMIT);
-        else if (iterations >= iterationLimit)
-            stop(KVX_STATUS_ITERATION_LIMIT);
-        else
-            progress(now);
+    else if (now >= timeLimit)
+        stop(KVX_STATUS_TIME_LIMIT);
+    else if (iterations >= iterationLimit)
+        stop(KVX_STATUS_ITERATION_LIMIT);
+    else if (now >= nextLine) {
+        nextLine = now + logInterval;
+        say("%8.0f s  %.0f iterations, %.0f nodes  best %s  bound %s", now, iterations, nodes,
+            shown(bestObjective).c_str(), shown(bound).c_str());
+    }
+    double patience = data.empty() ? 5 * reportInterval : reportInterval;
+    if (!stopStatus && (where != lastWhere || now >= lastReport + patience)) {
+        int reported = data.empty() ? KVX_CB_POLLING : where;
+        report(reported, std::move(data));
+        lastWhere = where;
+        lastReport = elapsed();
     }
     return stopStatus != 0;
-}
-
-void Run::enter(int newPhase) {
-    presentPhase = newPhase;
-    nextReport = 0;
-    poll();
-}
-
-void Run::progress(double now) {
-    if (now >= nextLine) {
-        nextLine = now + logInterval;
-        if (presentPhase == KVX_CB_MIP)
-            say("%8.0f s  %.0f nodes, %.0f open  best %s  bound %s  gap %s %%", now, nodes,
-                openNodes, shown(bestObjective).c_str(), shown(bound).c_str(),
-                !best.empty() ? shown(100 * relativeGap(bestObjective, bound)).c_str() : "-");
-        else
-            say("%8.0f s  %.0f iterations  objective %s", now, iterations,
-                shown(objective).c_str());
-    }
-    if (now < nextReport)
-        return;
-    switch (presentPhase) {
-    case KVX_CB_PRESOLVE:
-        report(presentPhase,
-               {{KVX_CB_PRE_COLDEL, 1.0 * columnsRemoved}, {KVX_CB_PRE_ROWDEL, 1.0 * rowsRemoved}});
-        break;
-    case KVX_CB_SIMPLEX:
-        report(presentPhase, {{KVX_CB_SPX_ITERATIONS, iterations},
-                              {KVX_CB_SPX_OBJVAL, objective},
-                              {KVX_CB_SPX_PRIMINF, primalInfeasibility},
-                              {KVX_CB_SPX_DUALINF, dualInfeasibility}});
-        break;
-    case KVX_CB_MIP:
-        report(presentPhase, {{KVX_CB_MIP_OBJBEST, bestObjective},
-                              {KVX_CB_MIP_OBJBOUND, bound},
-                              {KVX_CB_MIP_NODES, nodes},
-                              {KVX_CB_MIP_SOLCOUNT, 1.0 * solutions},
-                              {KVX_CB_MIP_OPENNODES, openNodes},
-                              {KVX_CB_MIP_ITERATIONS, iterations}});
-        break;
-    default:
-        report(presentPhase, {});
-    }
-    nextReport = elapsed() + reportInterval;
 }
 
 void Run::say(const char *format, ...) {
@@ -185,13 +145,11 @@ void Run::say(const char *format, ...) {
 
 void Run::report(int where, std::vector<Datum> data, const std::vector<double> *vector,
                  const char *text) {
-    if (!model.callback || callbackStatus || insideCallback())
+    if (!model.callback || callbackStatus || occasion.where >= 0)
         return;
     data.push_back({KVX_CB_RUNTIME, elapsed()});
     occasion = {where, std::move(data), vector, text};
-    callbackThread = std::this_thread::get_id();
     callbackStatus = model.callback(&model, this, where, model.callbackData);
-    callbackThread = std::thread::id();
     occasion = {};
     if (callbackStatus)
         stop(KVX_STATUS_INTERRUPTED);
@@ -202,10 +160,10 @@ void Run::report(int where, std::vector<Datum> data, const std::vector<double> *
 bool Run::satisfiesLazies(const std::vector<double> &x) const {
     double tolerance = dblParam(settings, "FeasibilityTol");
     return std::all_of(lazies.begin(), lazies.end(),
-                       [&](const Row &row) { return row.violation(x) <= tolerance; });
+                       [&](const Constraint &row) { return violation(row, x) <= tolerance; });
 }
 
-void Run::addLazy(Row row) {
+void Run::addLazy(Constraint row) {
     lazies.push_back(std::move(row));
     if (!best.empty() && !satisfiesLazies(best)) {
         best.clear();
@@ -217,15 +175,14 @@ void Run::addLazy(Row row) {
 void Run::offer(const std::vector<double> &x, double value) {
     if (!best.empty() && !better(value, bestObjective))
         return;
-    if (!satisfiesLazies(x))
-        return stop(again);
-    report(KVX_CB_MIPSOL,
-           {{KVX_CB_MIPSOL_OBJ, value},
-            {KVX_CB_MIPSOL_OBJBEST, value},
-            {KVX_CB_MIPSOL_OBJBOUND, bound},
-            {KVX_CB_MIPSOL_NODES, nodes},
-            {KVX_CB_MIPSOL_SOLCOUNT, 1.0 * solutions}},
-           &x);
+    if (satisfiesLazies(x))
+        report(KVX_CB_MIPSOL,
+               {{KVX_CB_MIPSOL_OBJ, value},
+                {KVX_CB_MIPSOL_OBJBEST, value},
+                {KVX_CB_MIPSOL_OBJBOUND, bound},
+                {KVX_CB_MIPSOL_NODES, nodes},
+                {KVX_CB_MIPSOL_SOLCOUNT, 1.0 * solutions}},
+               &x);
     if (!satisfiesLazies(x))
         return stop(again);
     best = x;
@@ -235,7 +192,6 @@ void Run::offer(const std::vector<double> &x, double value) {
 }
 
 void Run::conduct(const std::function<void(Run &)> &operation) {
-    solvingThread = std::this_thread::get_id();
     result = guarded(error, [&] { operation(*this); });
     if (callbackStatus) {
         result = callbackStatus;
@@ -246,8 +202,7 @@ void Run::conduct(const std::function<void(Run &)> &operation) {
 
 int perform(KVXmodel *model, const std::function<void(Run &)> &operation) {
     return guarded(model, [&] {
-        begin(*model);
-        std::shared_ptr<Run> run = model->run;
+        std::shared_ptr<Run> run = begin(*model);
         run->conduct(operation);
         end(*model);
         if (run->result)
@@ -255,21 +210,44 @@ int perform(KVXmodel *model, const std::function<void(Run &)> &operation) {
     });
 }
 
+void endRun(KVXmodel &model, bool terminate) {
+    std::shared_ptr<Run> run = model.run;
+    if (!run)
+        return;
+    if (!run->thread.joinable() || run->thread.get_id() == std::this_thread::get_id())
+        fail(KVX_ERROR_IN_PROGRESS, "the run goes on: it can't be waited for in its own thread");
+    if (terminate)
+        model.terminate = true;
+    run->thread.join();
+    end(model);
+    if (run->result && !terminate)
+        throw Failure{run->result, run->error};
+}
+
 int currentStatus(const KVXmodel &model) {
     return !model.running || model.run->finished ? model.solution.status : KVX_STATUS_IN_PROGRESS;
 }
 
-void endRun(KVXmodel &model) {
-    std::shared_ptr<Run> run = model.run;
-    if (!run)
-        return;
-    if (run->insideCallback())
-        fail(KVX_ERROR_IN_PROGRESS, "the run is still inside a callback on the calling thread");
-    if (!run->thread.joinable())
-        fail(KVX_ERROR_IN_PROGRESS, "a run of this model is going on");
-    model.terminate = true;
-    run->thread.join();
-    end(model);
+std::unique_ptr<KVXmodel> makeInnerModel(const KVXenv &env, const ModelData &data) {
+    auto model = makeModel(env, data);
+    model->env.log = std::make_shared<Log>();
+    setParam(model->env, "LogToConsole", 0);
+    setParam(model->env, "LogFile", "");
+    setParam(model->env, "ResultFile", "");
+    return model;
+}
+
+int solveInside(Run &run, KVXmodel &model, double seconds) {
+    double left = std::max(0.0, run.timeLimit - run.elapsed());
+    setParam(model.env, "TimeLimit", std::min(seconds, left));
+    model.callbackData = &run;
+    model.callback = [](KVXmodel *inner, void *, int, void *outer) {
+        return static_cast<Run *>(outer)->poll() ? KVXterminate(inner) : KVX_OK;
+    };
+    if (int status = perform(&model, optimize))
+        throw Failure{status, model.env.error};
+    run.poll();
+    return model.solution.status;
 }
 
 } // namespace korvex
@@ -282,15 +260,11 @@ int KVXoptimize(KVXmodel *model) {
 
 int KVXoptimizeasync(KVXmodel *model) {
     return guarded(model, [&] {
-        begin(*model);
-        BackgroundRuns::instance().add(*model);
+        std::shared_ptr<Run> run = begin(*model);
         try {
-            model->run->thread = std::thread([run = model->run] {
-                run->conduct(optimize);
-                BackgroundRuns::instance().remove(run->model);
-            });
+            backgroundRuns().add(*run);
+            run->thread = std::thread([run] { run->conduct(optimize); });
         } catch (...) {
-            BackgroundRuns::instance().remove(*model);
             end(*model);
             throw;
         }
@@ -298,19 +272,7 @@ int KVXoptimizeasync(KVXmodel *model) {
 }
 
 int KVXsync(KVXmodel *model) {
-    return guardedRead(model, [&] {
-        std::shared_ptr<Run> run = model->run;
-        if (!run)
-            return;
-        if (run->insideCallback())
-            fail(KVX_ERROR_IN_PROGRESS, "the run is still inside a callback on the calling thread");
-        if (!run->thread.joinable())
-            fail(KVX_ERROR_IN_PROGRESS, "a run of this model is going on");
-        run->thread.join();
-        end(*model);
-        if (run->result)
-            throw Failure{run->result, run->error};
-    });
+    return guardedRead(model, [&] { endRun(*model, false); });
 }
 
 int KVXterminate(KVXmodel *model) {
@@ -322,10 +284,9 @@ int KVXterminate(KVXmodel *model) {
 
 int KVXsetcallbackfuncadv(KVXmodel *model, KVXcallback callback, void *userdata, int flags) {
     return guarded(model, [&] {
-        if (flags != 0)
-            fail(KVX_ERROR_INVALID_ARGUMENT, "the flags of a callback are reserved and must be 0");
-        if (!callback && userdata)
-            fail(KVX_ERROR_INVALID_ARGUMENT, "user data without a callback");
+        if (flags != 0 || (!callback && userdata))
+            fail(KVX_ERROR_INVALID_ARGUMENT, "%s",
+                 flags ? "the flags of a callback must be 0" : "user data without a callback");
         model->callback = callback;
         model->callbackData = userdata;
     });

@@ -1,8 +1,12 @@
 // A run of a model: what limits it, how far it has come, and the one way to the model's callback.
+// All of a run is done by one thread; only requests to terminate come from others.
 #ifndef KORVEX_SOLVER_RUN_H
 #define KORVEX_SOLVER_RUN_H
 
 #include "model.h"
+
+#include <functional>
+#include <thread>
 
 namespace korvex {
 
@@ -12,7 +16,7 @@ struct Datum {
     double value;
 };
 
-// Why the callback is being called, and what it can ask for or give back.
+// Why the callback is being called, and what it can ask for.
 struct Occasion {
     int where = -1; // none: the callback isn't being called
     std::vector<Datum> data;
@@ -20,38 +24,25 @@ struct Occasion {
     const char *text = nullptr;                  // that of KVX_CB_MSG_STRING
 };
 
-// A linear row with its two sides.
-struct Row {
-    std::vector<Entry> entries;
-    double lower, upper;
-
-    double violation(const std::vector<double> &x) const;
-};
-
-// How far a value lies outside, relative to the size of the side that it violates.
-double excess(double value, double lower, double upper);
-
 class Run {
   public:
     explicit Run(KVXmodel &model);
 
-    // Does the run's work on the calling thread.
     void conduct(const std::function<void(Run &)> &operation);
 
-    // Whether the run has to end. Called at every simplex iteration and node, by whatever thread
-    // works on it; on the run's own it also writes progress lines and reports progress.
+    // Whether the run has to end. To be called often: it also writes progress lines and lets the
+    // callback poll. The second reports progress, too, when it is time.
     bool poll();
+    bool progress(int where, std::vector<Datum> data);
 
     // Ends the run with a status of the attribute "Status", unless it is ending already.
     void stop(int status);
 
     // The status that ends the run early; 0 while it goes on. Two more values end only the present
-    // solve, which lacks lazy constraints and is done again, or the present of several objectives.
+    // solve, which lacks lazy constraints and is done again, or the present phase.
     enum { again = -1, next = -2 };
     int stopped() const { return stopStatus; }
-
-    // Goes on after again or next.
-    void goOn();
+    void goOn(); // after again or next
 
     // Calls the callback, except while it is being called.
     void report(int where, std::vector<Datum> data, const std::vector<double> *vector = nullptr,
@@ -60,48 +51,34 @@ class Run {
     // Writes a line to the log and reports it.
     void say(const char *format, ...) __attribute__((format(printf, 2, 3)));
 
-    bool onSolvingThread() const { return std::this_thread::get_id() == solvingThread; }
-
-    int phase() const { return presentPhase; }
-
-    // Begins a phase: progress is reported under this where code from now on.
-    void enter(int newPhase);
-
     // Takes a solution into the run if it is better than the best one, and reports it. Both
     // values are in the model's own sense.
     void offer(const std::vector<double> &x, double objective);
 
     // Adds a constraint that every solution has to satisfy; drops the best one if it doesn't.
-    void addLazy(Row row);
+    void addLazy(Constraint row);
 
     // Whether the first objective value is better than the second.
     bool better(double a, double b) const { return sense > 0 ? a < b : a > b; }
 
-    // Takes the limits from the settings.
-    void readLimits();
-
+    void readLimits(); // from the settings
     double elapsed() const;
-
-    // Whether the calling thread is inside the callback.
-    bool insideCallback() const { return callbackThread == std::this_thread::get_id(); }
 
     KVXmodel &model;
     KVXenv settings; // the model's parameters; a callback changes them for this run only
     Occasion occasion;
-    int callbackStatus = 0;   // the result that ended the run
-    std::vector<Row> lazies;  // lazy constraints
-    bool hasPhases = false;   // stop(next) ends one of them
-    std::vector<int> present; // numbers of the objectives that are being optimised, of several
-    std::vector<Row> cuts;    // added by the callback at the present node
+    bool hasPhases = false;       // stop(next) ends one of them
+    std::vector<int> present;     // numbers of the objectives that are being optimised, of several
+    std::vector<Constraint> cuts; // added by the callback at the present node
+    std::vector<Constraint> lazies;
 
     double timeLimit, nodeLimit, iterationLimit, gap, absoluteGap, logInterval;
     int solutionLimit;
 
-    int sense;
-    double objective, primalInfeasibility = 0, dualInfeasibility = 0; // of the simplex
-    double bestObjective, bound, nodes = 0, openNodes = 0, iterations = 0;
-    int solutions = 0, columnsRemoved = 0, rowsRemoved = 0;
-    double earlierIterations = 0, earlierNodes = 0; // of solves that have ended
+    const int sense;
+    double bestObjective, bound, nodes = 0, iterations = 0;
+    double earlierNodes = 0, earlierIterations = 0; // of solves that have ended
+    int solutions = 0;
     std::vector<double> best; // the best solution: the problem's columns; empty: none
 
     // Completes a partial solution to a feasible one; set while the run can take solutions.
@@ -117,19 +94,32 @@ class Run {
 
   private:
     bool satisfiesLazies(const std::vector<double> &x) const;
-    void progress(double now);
 
-    std::thread::id solvingThread;
-    std::atomic<std::thread::id> callbackThread;
-    std::atomic<int> stopStatus{0};
-    int presentPhase = KVX_CB_POLLING;
-    double nextReport = 0, nextLine;
+    int stopStatus = 0;
+    int callbackStatus = 0; // the result that ended the run
+    int lastWhere = -1;
+    double lastReport = -1, nextLine;
 };
 
 // Conducts an operation as the model's present run and returns its status.
 int perform(KVXmodel *model, const std::function<void(Run &)> &operation);
 
-// A number for the log, whatever the locale.
+// Waits for the background run, if there is one; its failure is the caller's, unless the run was
+// terminated. Fails inside one of its callbacks.
+void endRun(KVXmodel &model, bool terminate);
+
+// The value of the attribute "Status".
+int currentStatus(const KVXmodel &model);
+
+// A model that the library makes and solves for itself: with the parameters of an environment, but
+// a log of its own that goes nowhere, and no result file.
+std::unique_ptr<KVXmodel> makeInnerModel(const KVXenv &env, const ModelData &data);
+
+// Solves it inside a run, which ends it when it has to end itself, or when the seconds are over.
+// Gives its status of the attribute "Status"; fails as KVXoptimize does.
+int solveInside(Run &run, KVXmodel &model, double seconds = KVX_INFINITY);
+
+// A number for the log.
 std::string shown(double value);
 
 // The gap between an objective value and a bound, relative to the former.

@@ -10,132 +10,90 @@
 namespace korvex {
 
 int SimplexWatch::event(Event event) {
-    if (event >= presolveStart && event <= presolveEnd) {
-        if (event == presolveStart && itself)
-            run.enter(KVX_CB_PRESOLVE);
+    if (!itself || !model_) // The barrier method has no simplex model.
+        return run.poll() ? 0 : -1;
+    if (event == presolveSize) {
+        int columns = intSize(run.model.vars.size()), rows = intSize(run.model.constrs.size());
+        run.report(KVX_CB_PRESOLVE,
+                   {{KVX_CB_PRE_COLDEL, 1.0 * std::max(0, columns - model_->numberColumns())},
+                    {KVX_CB_PRE_ROWDEL, 1.0 * std::max(0, rows - model_->numberRows())}});
+    }
+    if (event >= presolveStart && event <= presolveEnd)
         return -1; // The next iteration sees whether the run has to end.
-    }
-    if (itself && model_ && run.onSolvingThread()) { // The barrier method has no simplex model.
-        if (run.phase() == KVX_CB_PRESOLVE) {
-            run.columnsRemoved = static_cast<int>(run.model.vars.size()) - model_->numberColumns();
-            run.rowsRemoved = static_cast<int>(run.model.constrs.size()) - model_->numberRows();
-            run.enter(KVX_CB_PRESOLVE);
-            run.enter(KVX_CB_SIMPLEX);
-        }
-        run.iterations = run.earlierIterations + model_->numberIterations();
-        run.objective = run.sense * model_->objectiveValue();
-        run.primalInfeasibility = model_->sumPrimalInfeasibilities();
-        run.dualInfeasibility = model_->sumDualInfeasibilities();
-    }
-    return run.poll() ? 0 : -1;
+    run.iterations = run.earlierIterations + model_->numberIterations();
+    return run.progress(KVX_CB_SIMPLEX, {{KVX_CB_SPX_ITERATIONS, run.iterations},
+                                         {KVX_CB_SPX_OBJVAL, run.sense * model_->objectiveValue()},
+                                         {KVX_CB_SPX_PRIMINF, model_->sumPrimalInfeasibilities()},
+                                         {KVX_CB_SPX_DUALINF, model_->sumDualInfeasibilities()}})
+               ? 0
+               : -1;
 }
 
 namespace {
 
-// Clp's statuses, once they are certain.
-enum { optimal = 0, infeasible = 1, unbounded = 2 };
+// Basis statuses by those of Clp, and the other way round by their negatives.
+constexpr int fromClp[] = {KVX_SUPERBASIC,     KVX_BASIC,      KVX_NONBASIC_UPPER,
+                           KVX_NONBASIC_LOWER, KVX_SUPERBASIC, KVX_NONBASIC_LOWER};
+constexpr ClpSimplex::Status toClp[] = {ClpSimplex::basic, ClpSimplex::atLowerBound,
+                                        ClpSimplex::atUpperBound, ClpSimplex::superBasic};
 
-int fromClp(ClpSimplex::Status status) {
-    switch (status) {
-    case ClpSimplex::basic:
-        return KVX_BASIC;
-    case ClpSimplex::atUpperBound:
-        return KVX_NONBASIC_UPPER;
-    case ClpSimplex::atLowerBound:
-    case ClpSimplex::isFixed:
-        return KVX_NONBASIC_LOWER;
-    default:
-        return KVX_SUPERBASIC;
+void solve(ClpSimplex &lp, const Run &run) {
+    const ModelData &model = run.model;
+    int method = intParam(run.settings, "Method");
+    if (model.hasBasis) {
+        lp.createStatus();
+        for (size_t j = 0; j < model.vars.size(); j++)
+            lp.setColumnStatus(intSize(j), toClp[-model.vars[j].basis]);
+        for (size_t i = 0; i < model.constrs.size(); i++)
+            lp.setRowStatus(intSize(i), toClp[-model.constrs[i].basis]);
+        method == 0 ? lp.primal() : lp.dual();
+        return;
     }
+    bool presolve = intParam(run.settings, "Presolve");
+    ClpSolve options;
+    options.setPresolveType(presolve ? ClpSolve::presolveOn : ClpSolve::presolveOff);
+    options.setSolveType(method == 0   ? ClpSolve::usePrimal
+                         : method == 2 ? ClpSolve::useBarrier
+                                       : ClpSolve::useDual);
+    lp.initialSolve(options);
 }
 
-ClpSimplex::Status toClp(int basis) {
-    switch (basis) {
-    case KVX_BASIC:
-        return ClpSimplex::basic;
-    case KVX_NONBASIC_UPPER:
-        return ClpSimplex::atUpperBound;
-    case KVX_NONBASIC_LOWER:
-        return ClpSimplex::atLowerBound;
-    default:
-        return ClpSimplex::superBasic;
-    }
-}
+} // namespace
 
-void setBasis(ClpSimplex &lp, const ModelData &model) {
-    lp.createStatus();
-    for (size_t j = 0; j < model.vars.size(); j++)
-        lp.setColumnStatus(static_cast<int>(j), toClp(model.vars[j].basis));
-    for (size_t i = 0; i < model.constrs.size(); i++)
-        lp.setRowStatus(static_cast<int>(i), toClp(model.constrs[i].basis));
-}
-
-void prepare(ClpSimplex &lp, Run &run, const Problem &problem) {
+Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
+    enum { optimal, infeasible, unbounded }; // Clp's statuses
+    const size_t columns = problem.cost.size();
+    Outcome outcome;
+    for (size_t j = 0; j < columns; j++)
+        if (problem.lower[j] > problem.upper[j]) {
+            outcome.status = KVX_STATUS_INFEASIBLE;
+            return outcome;
+        }
     problem.load(lp);
     lp.setPrimalTolerance(dblParam(run.settings, "FeasibilityTol"));
     lp.setDualTolerance(dblParam(run.settings, "OptimalityTol"));
     lp.setRandomSeed(1 + intParam(run.settings, "Seed") % 1000000);
     SimplexWatch watch(run, true);
     lp.passInEventHandler(&watch);
-}
-
-void solve(ClpSimplex &lp, Run &run) {
-    int method = intParam(run.settings, "Method");
-    if (run.model.hasBasis) {
-        setBasis(lp, run.model);
-        run.enter(KVX_CB_SIMPLEX);
-        if (method == 0)
-            lp.primal();
-        else
-            lp.dual();
-        return;
-    }
-    ClpSolve options;
-    bool presolve = intParam(run.settings, "Presolve") != 0;
-    options.setPresolveType(presolve ? ClpSolve::presolveOn : ClpSolve::presolveOff);
-    options.setSolveType(method == 0   ? ClpSolve::usePrimal
-                         : method == 1 ? ClpSolve::useDual
-                         : method == 2 ? ClpSolve::useBarrier
-                                       : ClpSolve::useDual);
-    if (!presolve)
-        run.enter(KVX_CB_SIMPLEX);
-    lp.initialSolve(options);
-    if (run.phase() != KVX_CB_SIMPLEX)
-        run.enter(KVX_CB_SIMPLEX);
-}
-
-} // namespace
-
-Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
-    Outcome outcome;
-    for (size_t j = 0; j < problem.cost.size(); j++)
-        if (problem.lower[j] > problem.upper[j]) {
-            outcome.status = KVX_STATUS_INFEASIBLE;
-            return outcome;
-        }
-    prepare(lp, run, problem);
     solve(lp, run);
+    lp.eventHandler()->setSimplex(&lp);
+    lp.eventHandler()->event(ClpEventHandler::endOfIteration); // Short runs have had no other.
+    auto isSettled = [&] {
+        outcome.x.assign(lp.primalColumnSolution(), lp.primalColumnSolution() + columns);
+        return lp.status() == optimal && problem.violation(outcome.x) <= 10 * lp.primalTolerance();
+    };
     // Presolve and dual simplex can't always tell an infeasible model from an unbounded one, and
     // what they find may be off by more than the tolerance once it is scaled back. Plain primal
     // simplex without scaling settles both.
-    double tolerance = 10 * lp.primalTolerance();
-    auto point = [&] {
-        const double *x = lp.primalColumnSolution();
-        return std::vector<double>(x, x + problem.cost.size());
-    };
-    auto settled = [&] {
-        return lp.status() == optimal && problem.violation(point()) <= tolerance;
-    };
-    for (int attempt = 0; attempt < 2 && !settled() && !run.stopped(); attempt++) {
-        if (attempt == 1)
-            lp.scaling(0);
-        lp.primal();
-        if (lp.status() == infeasible || lp.status() == unbounded)
-            break;
-    }
-    run.iterations = std::max(run.iterations, run.earlierIterations + lp.numberIterations());
-    run.earlierIterations = run.iterations;
-    if (!settled()) {
+    for (int scaling : {1, 0})
+        if (!isSettled() && !run.stopped()) {
+            lp.scaling(scaling);
+            lp.primal();
+        }
+    run.earlierIterations = run.iterations =
+        std::max(run.iterations, run.earlierIterations + lp.numberIterations());
+    if (!isSettled()) {
+        outcome.x.clear();
         outcome.status = run.stopped()               ? run.stopped()
                          : lp.status() == infeasible ? KVX_STATUS_INFEASIBLE
                          : lp.status() == unbounded  ? KVX_STATUS_UNBOUNDED
@@ -143,15 +101,14 @@ Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
         return outcome;
     }
     outcome.status = KVX_STATUS_OPTIMAL;
-    outcome.x = point();
     outcome.objective = problem.objective(outcome.x);
-    for (size_t j = 0; j < problem.cost.size(); j++) { // The zero makes a negative zero positive.
+    for (size_t j = 0; j < columns; j++) { // The zero makes a negative zero positive.
         outcome.reducedCosts.push_back(problem.sense * lp.dualColumnSolution()[j] + 0.0);
-        outcome.basis.push_back(fromClp(lp.getColumnStatus(static_cast<int>(j))));
+        outcome.basis.push_back(fromClp[lp.getColumnStatus(intSize(j))]);
     }
     for (size_t i = 0; i < problem.rowLower.size(); i++) {
         outcome.duals.push_back(problem.sense * lp.dualRowSolution()[i] + 0.0);
-        outcome.rowBasis.push_back(fromClp(lp.getRowStatus(static_cast<int>(i))));
+        outcome.rowBasis.push_back(fromClp[lp.getRowStatus(intSize(i))]);
     }
     return outcome;
 }

@@ -1,83 +1,57 @@
-// Structure: reading the model's matrices, sets and terms back, and tidying sparse lists.
+// Structure: reading the model's matrix, sets and terms back, and tidying sparse lists.
 #include "input.h"
 
+#include <map>
 #include <tuple>
 
 using namespace korvex;
 
 namespace {
 
-// Reads the lists of count items from start on; both buffers and begins may be null.
-template <class Item>
-void storeLists(const std::vector<Item> &items, std::vector<Entry> Item::*list, int start,
-                int count, const char *what, int *numP, int *beg, int *ind, double *val) {
-    size_t number = readCount(count, what);
-    if (number)
-        readRange(start, number, items.size(), what);
-    size_t total = 0;
-    for (size_t i = 0; i < number; i++) {
-        const std::vector<Entry> &entries = items[static_cast<size_t>(start) + i].*list;
-        if (beg)
-            beg[i] = intSize(total);
+// Stores the lists entriesOf(i) of count items from start on; all buffers may be null.
+template <class EntriesOf>
+void storeLists(int start, int count, size_t limit, const char *what, int *numP, int *beg, int *ind,
+                double *val, EntriesOf entriesOf) {
+    readRange(start, count, limit, what);
+    int total = 0;
+    for (int k = 0; k < count; k++) {
+        const std::vector<Entry> &entries = entriesOf(at(start + k));
+        store(beg ? beg + k : nullptr, total);
         storeEntries(ind ? ind + total : nullptr, val ? val + total : nullptr, entries);
-        total += entries.size();
+        total += intSize(entries.size());
     }
-    if (beg)
-        beg[number] = intSize(total);
-    store(numP, intSize(total));
-}
-
-void storeQuadratic(const std::vector<QuadraticTerm> &terms, int *numP, int *qrow, int *qcol,
-                    double *qval) {
-    store(numP, intSize(terms.size()));
-    for (size_t k = 0; k < terms.size(); k++) {
-        store(qrow ? qrow + k : nullptr, terms[k].row);
-        store(qcol ? qcol + k : nullptr, terms[k].col);
-        store(qval ? qval + k : nullptr, terms[k].value);
-    }
+    store(beg ? beg + count : nullptr, total);
+    store(numP, total);
 }
 
 template <class Item>
-int findName(KVXmodel *model, std::vector<Item> ModelData::*items, const char *name, int *indexP,
-             std::string (*made)(const ModelData &, int)) {
+int findName(KVXmodel *model, std::vector<Item> ModelData::*items, const char *name, int *indexP) {
     return guardedRead(model, [&] {
-        needed(name, "name");
-        needed(indexP, "indexP");
-        for (int i = 0; i < intSize((model->*items).size()); i++) {
-            const std::string &own = (model->*items)[static_cast<size_t>(i)].name;
-            if (own.empty() ? made(*model, i) == name : own == name) {
-                *indexP = i;
-                return;
-            }
-        }
-        fail(KVX_ERROR_NOT_FOUND, "nothing is named \"%s\"", name);
+        auto isNamed = [&, text = needed(name, "name")](auto &item) { return item.name == text; };
+        auto begin = (model->*items).begin(), end = (model->*items).end();
+        auto found = std::find_if(begin, end, isNamed);
+        if (found == end)
+            fail(KVX_ERROR_NOT_FOUND, "nothing is named \"%s\"", name);
+        *needed(indexP, "indexP") = static_cast<int>(found - begin);
     });
 }
 
-// Sorts entries by their indices, sums those of equal ones, drops zeros. An entry is an array of
-// one or two indices and a value.
+// Sorts entries of one or more indices each, sums those of equal indices, drops zeros.
 template <class... Index>
 void clean(int *lenP, double *val, Index *...ind) {
-    if (!lenP || *lenP <= 0 || !val || (!ind || ...))
-        return;
     std::string unused;
     guarded(unused, [&] {
-        std::vector<std::tuple<std::tuple<Index...>, double>> entries;
-        for (int k = 0; k < *lenP; k++)
-            entries.push_back({{ind[k]...}, val[k]});
-        auto before = [](const auto &a, const auto &b) { return std::get<0>(a) < std::get<0>(b); };
-        std::stable_sort(entries.begin(), entries.end(), before);
+        std::map<std::tuple<Index...>, double> sums;
+        for (int k = 0; lenP && val && (ind && ...) && k < *lenP; k++)
+            sums[{ind[k]...}] += val[k];
         int kept = 0;
-        for (size_t k = 0; k < entries.size();) {
-            auto &[key, sum] = entries[k];
-            for (k++; k < entries.size() && std::get<0>(entries[k]) == key; k++)
-                sum += std::get<1>(entries[k]);
-            if (sum == 0)
-                continue;
-            std::tie(ind[kept]...) = key;
-            val[kept++] = sum;
-        }
-        *lenP = kept;
+        for (auto &[key, sum] : sums)
+            if (sum != 0) {
+                std::tie(ind[kept]...) = key;
+                val[kept++] = sum;
+            }
+        if (!sums.empty())
+            *lenP = kept;
     });
 }
 
@@ -85,10 +59,9 @@ void clean(int *lenP, double *val, Index *...ind) {
 
 int KVXgetcoeff(KVXmodel *model, int constr, int var, double *value) {
     return guardedRead(model, [&] {
-        needed(value, "value");
         size_t row = readIndex(constr, model->constrs.size(), "constraint");
         readIndex(var, model->vars.size(), "variable");
-        *value = 0;
+        *needed(value, "value") = 0;
         for (Entry entry : model->constrs[row].row)
             if (entry.index == var)
                 *value = entry.value;
@@ -98,49 +71,54 @@ int KVXgetcoeff(KVXmodel *model, int constr, int var, double *value) {
 int KVXgetconstrs(KVXmodel *model, int *numnzP, int *beg, int *ind, double *val, int start,
                   int count) {
     return guardedRead(model, [&] {
-        storeLists(model->constrs, &Constraint::row, start, count, "constraints", numnzP, beg, ind,
-                   val);
+        auto row = [&](size_t i) -> auto & {
+            return model->constrs[i].row;
+        };
+        storeLists(start, count, model->constrs.size(), "constraints", numnzP, beg, ind, val, row);
     });
 }
 
 int KVXgetvars(KVXmodel *model, int *numnzP, int *beg, int *ind, double *val, int start,
                int count) {
     return guardedRead(model, [&] {
-        storeLists(model->vars, &Variable::column, start, count, "variables", numnzP, beg, ind,
-                   val);
+        std::vector<std::vector<Entry>> columns(model->vars.size());
+        for (size_t i = 0; i < model->constrs.size(); i++)
+            for (auto [var, value] : model->constrs[i].row)
+                columns[at(var)].push_back({intSize(i), value});
+        auto column = [&](size_t j) -> auto & {
+            return columns[j];
+        };
+        storeLists(start, count, columns.size(), "variables", numnzP, beg, ind, val, column);
     });
 }
 
 int KVXgetsos(KVXmodel *model, int *nummembersP, int *types, int *beg, int *ind, double *weight,
               int start, int count) {
     return guardedRead(model, [&] {
-        storeLists(model->sos, &Sos::members, start, count, "SOS", nummembersP, beg, ind, weight);
-        for (int i = 0; types && i < count; i++)
-            types[i] = model->sos[static_cast<size_t>(start + i)].type;
+        auto members = [&](size_t s) -> auto & {
+            return model->sos[s].members;
+        };
+        storeLists(start, count, model->sos.size(), "SOS", nummembersP, beg, ind, weight, members);
+        for (int k = 0; types && k < count; k++)
+            types[k] = model->sos[at(start + k)].type;
     });
 }
 
 int KVXgetconstrbyname(KVXmodel *model, const char *name, int *indexP) {
-    return findName(model, &ModelData::constrs, name, indexP, constrName);
+    return findName(model, &ModelData::constrs, name, indexP);
 }
 
 int KVXgetvarbyname(KVXmodel *model, const char *name, int *indexP) {
-    return findName(model, &ModelData::vars, name, indexP, varName);
+    return findName(model, &ModelData::vars, name, indexP);
 }
 
-int KVXgetq(KVXmodel *model, int *numqnzP, int *qrow, int *qcol, double *qval) {
-    return guardedRead(model, [&] { storeQuadratic(model->quadratic, numqnzP, qrow, qcol, qval); });
+int KVXgetq(KVXmodel *model, int *numqnzP, int *, int *, double *) {
+    return guardedRead(model, [&] { store(numqnzP, 0); });
 }
 
-int KVXgetqconstr(KVXmodel *model, int qconstr, int *numlnzP, int *lind, double *lval, int *numqnzP,
-                  int *qrow, int *qcol, double *qval) {
-    return guardedRead(model, [&] {
-        const QuadraticConstraint &constr =
-            model->qconstrs[readIndex(qconstr, model->qconstrs.size(), "quadratic constraint")];
-        store(numlnzP, intSize(constr.linear.size()));
-        storeEntries(lind, lval, constr.linear);
-        storeQuadratic(constr.quadratic, numqnzP, qrow, qcol, qval);
-    });
+int KVXgetqconstr(KVXmodel *model, int qconstr, int *, int *, double *, int *, int *, int *,
+                  double *) {
+    return guardedRead(model, [&] { readIndex(qconstr, 0, "quadratic constraint"); });
 }
 
 int KVXgetpwlobj(KVXmodel *model, int var, int *nptsP, double *x, double *y) {

@@ -68,17 +68,17 @@ class AttributeTest {
     }
 
     @Test
-    void namesCanBeTakenAway() {
+    void whatAttributesAreLike() {
         try (KVXEnv env = Models.quietEnv(); KVXModel model = model(env)) {
-            String[] byIndex = model.getStrings("VarName", 0, 5);
-            model.set("VarName", 0, new String[] {"a", "b", "c"});
-            model.set("VarName", 1, new String[] {null, "c"});
-            String[] names = model.getStrings("VarName", 0, 3);
-            assertArrayEquals(new String[] {"a", byIndex[1], "c"}, names);
+            long m = model.handle();
+            String[] names = {"a", null, "c"};
+            assertEquals(KVX.ERROR_INVALID_ARGUMENT,
+                         KorvexJni.setstrattrlist(m, "VarName", 0, 3, null, names));
+            assertEquals("C0", model.getStrings("VarName", 0, 1)[0]); // all or nothing
             int[] info = new int[3];
-            assertEquals(0, KorvexJni.getattrinfo(model.handle(), "X", info));
+            assertEquals(0, KorvexJni.getattrinfo(m, "X", info));
             assertArrayEquals(new int[] {KVX.TYPE_DOUBLE, KVX.OF_VARIABLE, 0}, info);
-            assertEquals(0, KorvexJni.prefetchattr(model.handle(), "X"));
+            assertEquals(0, KorvexJni.prefetchattr(m, "X"));
         }
     }
 

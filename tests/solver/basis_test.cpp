@@ -24,12 +24,10 @@ TEST(Basis, SolvesMultiplyBack) {
         }
     }
     std::string senses;
-    for (int i = 0; i < rows; i++)
+    for (double &side : rhs) {
         senses += "<<=>"[pick(4)];
-    for (int i = 0; i < rows; i++)
-        rhs[static_cast<size_t>(i)] = senses[static_cast<size_t>(i)] == '>'   ? -2
-                                      : senses[static_cast<size_t>(i)] == '=' ? 0
-                                                                              : 2;
+        side = senses.back() == '>' ? -2 : senses.back() == '=' ? 0 : 2;
+    }
     KVXmodel *made = nullptr;
     ASSERT_EQ(KVX_OK,
               KVXloadmodel(env, &made, "basis", columns, rows, 1, 0, obj.data(), senses.data(),

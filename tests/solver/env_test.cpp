@@ -100,10 +100,12 @@ TEST(Log, DeliversWholeLinesOfValidTextOneAtATime) {
     ASSERT_EQ(KVX_OK, KVXsetstrparam(env, "LogFile", file.c_str()));
     Listener listener{env, {}};
     ASSERT_EQ(KVX_OK, KVXsetlogcallbackfuncenv(env, Listener::hear, &listener));
-    // An unfinished line, an invalid byte, an encoded pair of surrogates.
-    for (const char *text : {"a\n", "100%d", " b\n\xff", "\n\xed\xa0\xbd\xed\xb8\x80\nrest"})
+    // An unfinished line, what isn't UTF-8 or an encoded surrogate, characters of two and three
+    // bytes.
+    for (const char *text :
+         {"a\n", "100%d", " b\n\xff", "\n\xed\xa0\xbd\n\xc3\xa4\xe4\xb8\xad\nrest"})
         KVXmsg(env, text);
-    const std::string expected = "a|nested|100%d b|\xEF\xBF\xBD|\xF0\x9F\x98\x80|";
+    const std::string expected = "a|nested|100%d b|?|???|\xc3\xa4\xe4\xb8\xad|";
     EXPECT_EQ(expected, listener.lines);
     ASSERT_EQ(KVX_OK, KVXsetstrparam(env, "LogFile", ""));
     EXPECT_EQ(expected.size(), contents(file).size());

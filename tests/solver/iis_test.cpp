@@ -70,7 +70,8 @@ TEST(Iis, isInfeasibleAndIrreducible) {
         Model model = make(env, seed, nullptr);
         if (!isInfeasible(model)) {
             EXPECT_NE(KVXcomputeIIS(model.get()), 0);
-            EXPECT_STREQ(KVXgetmerrormsg(model.get()), "the model is feasible");
+            EXPECT_STREQ(KVXgetmerrormsg(model.get()),
+                         "the model is feasible, as far as can be told");
             continue;
         }
         infeasible++;

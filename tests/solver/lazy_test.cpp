@@ -142,7 +142,6 @@ TEST(Lazy, SettingsAgreeOnALongerTour) {
     double length = tour.solve({});
     EXPECT_EQ(length, tour.solve({{"Seed", 7}, {"Cuts", 0}}));
     EXPECT_EQ(length, tour.solve({{"Seed", 1}, {"Heuristics", 0}}));
-    EXPECT_EQ(length, tour.solve({{"Threads", 2}}));
 }
 
 } // namespace

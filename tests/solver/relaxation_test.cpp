@@ -139,7 +139,7 @@ TEST(Relaxation, refusesWhatItCantDo) {
     EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT,
               KVXfeasrelax(model.get(), 3, 0, nullptr, nullptr, nullptr, &result));
     EXPECT_EQ(KVX_ERROR_NOT_SUPPORTED,
-              KVXfeasrelax(model.get(), 1, 1, nullptr, nullptr, nullptr, &result));
+              KVXfeasrelax(model.get(), 1, 0, nullptr, nullptr, nullptr, &result));
     EXPECT_EQ(result, 4711);
     EXPECT_EQ(intAttr(model, "NumVars"), vars);
 }

@@ -61,10 +61,10 @@ std::string described(KVXmodel *model) {
         out << name << ' ' << value << '\n';
         return value;
     };
-    for (const char *name : {"ModelSense", "NumQNZs", "NumIntVars", "NumBinVars", "NumObj"})
+    for (const char *name : {"ModelSense", "NumIntVars", "NumBinVars", "NumObj"})
         count(name);
     const int vars = count("NumVars"), constrs = count("NumConstrs"), sos = count("NumSOS"),
-              qconstrs = count("NumQConstrs"), genconstrs = count("NumGenConstrs");
+              genconstrs = count("NumGenConstrs");
     describeAttrs<double>(out, model, {"LB", "UB", "Obj", "ObjN", "Start"}, vars,
                           KVXgetdblattrarray);
     describeAttrs<char>(out, model, {"VarType"}, vars, KVXgetcharattrarray);
@@ -72,8 +72,6 @@ std::string described(KVXmodel *model) {
     describeAttrs<double>(out, model, {"RHS", "RowLower", "RowUpper"}, constrs, KVXgetdblattrarray);
     describeAttrs<char>(out, model, {"Sense"}, constrs, KVXgetcharattrarray);
     describeAttrs<const char *>(out, model, {"ConstrName"}, constrs, KVXgetstrattrarray);
-    describeAttrs<double>(out, model, {"QCRHS"}, qconstrs, KVXgetdblattrarray);
-    describeAttrs<const char *>(out, model, {"QCName"}, qconstrs, KVXgetstrattrarray);
     describeAttrs<int>(out, model, {"GenConstrType"}, genconstrs, KVXgetintattrarray);
     describeAttrs<const char *>(out, model, {"GenConstrName"}, genconstrs, KVXgetstrattrarray);
     describeLists(out, vars, [&](int *num, int *beg, int *ind, double *val) {
@@ -87,42 +85,23 @@ std::string described(KVXmodel *model) {
         return KVXgetsos(model, num, types.data(), beg, ind, val, 0, sos);
     });
     out << "types" << types;
-    int rows[32], cols[32], ind[32], num = 0, qnum = 0, first = 0, second = 0;
-    double val[32], qval[32], rhs = 0;
-    auto terms = [&] {
-        for (int k = 0; k < num; k++)
-            out << ' ' << ind[k] << ':' << val[k];
-        for (int k = 0; k < qnum; k++)
-            out << ' ' << rows[k] << '*' << cols[k] << ':' << qval[k];
-        out << '\n';
-    };
-    EXPECT_EQ(KVX_OK, KVXgetq(model, &qnum, rows, cols, qval));
-    terms();
-    for (int q = 0; q < qconstrs; q++) {
-        EXPECT_EQ(KVX_OK, KVXgetqconstr(model, q, &num, ind, val, &qnum, rows, cols, qval));
-        terms();
-    }
-    qnum = 0;
     for (int j = 0; j < vars; j++) {
-        EXPECT_EQ(KVX_OK, KVXgetpwlobj(model, j, &qnum, val, qval));
-        for (int k = 0; k < qnum; k++)
-            out << j << ": (" << val[k] << ", " << qval[k] << ")\n";
+        int num = 0;
+        double x[32], y[32];
+        EXPECT_EQ(KVX_OK, KVXgetpwlobj(model, j, &num, x, y));
+        out << "pwl" << std::vector<double>(x, x + num) << std::vector<double>(y, y + num);
     }
-    qnum = 0;
     for (int g = 0; g < genconstrs; g++) {
-        char sense = 0;
-        if (KVXgetgenconstrIndicator(model, g, &first, &second, &num, ind, val, &sense, &rhs) ==
-            0) {
-            out << first << '=' << second << "->" << sense << rhs;
-            terms();
-        } else if (KVXgetgenconstrMax(model, g, &first, &num, ind, &rhs) == 0) {
-            out << first << "=max " << rhs << std::vector<int>(ind, ind + num);
-        } else if (KVXgetgenconstrNL(model, g, &first, &num, ind, val, rows) == 0) {
-            out << first << "=nl";
-            terms();
-        } else if (KVXgetgenconstrPow(model, g, &first, &second, &rhs) == 0) {
-            out << second << '=' << first << '^' << rhs << '\n';
-        }
+        int first = 0, second = 0, num = 0, ind[32] = {};
+        double val[32] = {}, y[32] = {}, number = 0;
+        char sense = ' ';
+        EXPECT_TRUE(
+            !KVXgetgenconstrIndicator(model, g, &first, &second, &num, ind, val, &sense, &number) ||
+            !KVXgetgenconstrMax(model, g, &first, &num, ind, &number) ||
+            !KVXgetgenconstrAbs(model, g, &first, &second) ||
+            !KVXgetgenconstrPWL(model, g, &first, &second, &num, val, y));
+        out << first << ' ' << second << ' ' << sense << number << std::vector<int>(ind, ind + num)
+            << std::vector<double>(val, val + num) << std::vector<double>(y, y + num);
     }
     return out.str();
 }

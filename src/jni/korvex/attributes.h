@@ -15,8 +15,8 @@
  *   of the model
  *     int:    NumVars NumConstrs NumNZs NumSOS NumQConstrs NumGenConstrs NumQNZs NumIntVars
  *             NumBinVars NumObj ModelSense(w) IsMIP IsQP IsMultiObj Status SolCount
- *             BarIterCount ObjNumber(w) ScenarioNumber(w) NumScenarios TuneResultCount
- *     double: ObjCon(w) ObjVal ObjBound MIPGap Runtime NodeCount IterCount MaxVio
+ *             ObjNumber(w) ScenarioNumber(w) NumScenarios TuneResultCount
+ *     double: ObjCon(w) ObjVal ObjBound MIPGap Runtime NodeCount IterCount
  *     string: ModelName(w)
  *   of a variable
  *     double: LB(w) UB(w) Obj(w) Start(w: KVX_UNDEFINED for none) X ReducedCost ObjN(w: of
@@ -29,13 +29,15 @@
  *     int:    ConstrBasis(w) IISConstr
  *     char:   Sense(w)
  *     string: ConstrName(w)
- *   of an SOS            int: IISSOS
- *   of a quadratic constraint   double: QCRHS(w)   char: QCSense(w)   string: QCName(w)
- *   of a general constraint     int: GenConstrType (KVX_GENCONSTR_)   string: GenConstrName(w)
+ *   of a general constraint
+ *     int:    GenConstrType (KVX_GENCONSTR_)
+ *     string: GenConstrName(w)
  *
  * Signs: ReducedCost and Dual are the change of the objective value per unit of bound or right-hand
  * side, in the model's own sense. Of several objectives, ObjVal and ObjBound belong to the highest
- * priority. Slack is right-hand side minus activity.
+ * priority. Slack is right-hand side minus activity. Obj is the model's
+ * own objective, ObjN the same while there aren't several; a piecewise-linear term comes on top.
+ * Setting RHS leaves the other side of a range.
  */
 #define KVX_UNDEFINED 1e101
 
@@ -109,7 +111,7 @@ int KVXgetstrattrelement(KVXmodel *model, const char *name, int element, const c
 int KVXgetstrattrarray(KVXmodel *model, const char *name, int start, int len, const char **values);
 int KVXgetstrattrlist(KVXmodel *model, const char *name, int len, const int *ind,
                       const char **values);
-/* A null text takes the name away: the element is named by its index then. */
+/* A null or empty text is refused as the name of an element; the model may be without one. */
 int KVXsetstrattr(KVXmodel *model, const char *name, const char *value);
 int KVXsetstrattrelement(KVXmodel *model, const char *name, int element, const char *value);
 int KVXsetstrattrarray(KVXmodel *model, const char *name, int start, int len,

@@ -39,7 +39,8 @@ int KVXaddrangeconstrs(KVXmodel *model, int numconstrs, int numnz, const int *be
                        const double *val, const double *lower, const double *upper,
                        const char *const *names);
 
-/** Adds terms qval[k] * x[qrow[k]] * x[qcol[k]] to the objective. */
+/** Adds terms qval[k] * x[qrow[k]] * x[qcol[k]] to the objective. Like all that is quadratic, they
+ * are refused by the development solver. */
 int KVXaddqpterms(KVXmodel *model, int numqnz, const int *qrow, const int *qcol,
                   const double *qval);
 /** Removes the objective's quadratic terms. */
@@ -47,7 +48,7 @@ int KVXdelq(KVXmodel *model);
 /** The objective's quadratic terms. @param numqnzP receives their number; buffers of that many
  * entries (attribute "NumQNZs"), each may be null */
 int KVXgetq(KVXmodel *model, int *numqnzP, int *qrow, int *qcol, double *qval);
-/** Adds a quadratic constraint. @param name its name, or null */
+/** Adds a quadratic constraint; the development solver refuses it. @param name its name, or null */
 int KVXaddqconstr(KVXmodel *model, int numlnz, const int *lind, const double *lval, int numqnz,
                   const int *qrow, const int *qcol, const double *qval, char sense, double rhs,
                   const char *name);

@@ -44,7 +44,7 @@ KVXenv *KVXgetenv(KVXmodel *model);
 /**
  * The model's concurrent environment number num (from 0): a set of parameters for one of several
  * concurrent solves. Belongs to the model. Null when the library can't, with the reason in
- * KVXgetmerrormsg; this library can't: it solves a model with one set of parameters.
+ * KVXgetmerrormsg; the development solver can't: it solves a model with one set of parameters.
  */
 KVXenv *KVXgetconcurrentenv(KVXmodel *model, int num);
 
@@ -52,8 +52,9 @@ KVXenv *KVXgetconcurrentenv(KVXmodel *model, int num);
 void KVXdiscardconcurrentenvs(KVXmodel *model);
 
 /**
- * The environment of the model's objective number index, made by the first call: parameters that
- * apply while that objective is optimised. Null when there is no such objective.
+ * The environment of the model's objective number index: parameters that apply while that objective
+ * is optimised. Belongs to the model. Null when there is none, with the reason in KVXgetmerrormsg;
+ * the development solver has none: all objectives are optimised with the model's own parameters.
  */
 KVXenv *KVXgetmultiobjenv(KVXmodel *model, int index);
 

@@ -22,8 +22,9 @@ int KVXaddgenconstrAbs(KVXmodel *model, const char *name, int resvar, int argvar
 int KVXaddgenconstrAnd(KVXmodel *model, const char *name, int resvar, int nvars, const int *vars);
 /** resvar = 1 if any of the binary vars is 1, else 0. */
 int KVXaddgenconstrOr(KVXmodel *model, const char *name, int resvar, int nvars, const int *vars);
-/** resvar = norm of vars. @param which 0, 1, 2 or KVX_INFINITY. For 0 a continuous operand counts
- * from ten times the parameter "FeasibilityTol" on; what is less must be 0. */
+/** resvar = norm of vars. @param which 0, 1, 2 (refused by the development solver) or KVX_INFINITY.
+ * For 0 a continuous operand counts from ten times the parameter "FeasibilityTol" on; what is less
+ * must be 0. */
 int KVXaddgenconstrNorm(KVXmodel *model, const char *name, int resvar, int nvars, const int *vars,
                         double which);
 /** If binvar = binval then the linear constraint holds. */
@@ -33,7 +34,7 @@ int KVXaddgenconstrIndicator(KVXmodel *model, const char *name, int binvar, int 
  * the first and the last segment go on, at a jump y is anywhere between both values. */
 int KVXaddgenconstrPWL(KVXmodel *model, const char *name, int xvar, int yvar, int npts,
                        const double *xpts, const double *ypts);
-/* The options of the functions that follow are kept with the constraint, without a meaning. */
+/* The development solver refuses the kinds that follow. */
 
 /** y = coefs[0] x^(ncoef-1) + ... + coefs[ncoef-1]. */
 int KVXaddgenconstrPoly(KVXmodel *model, const char *name, int xvar, int yvar, int ncoef,

@@ -26,7 +26,8 @@ int KVXnewmodel(KVXenv *env, KVXmodel **modelP, const char *name, int numvars, c
  * @param objsense KVX_MINIMIZE or KVX_MAXIMIZE
  * @param objcon objective constant
  * @param senses,rhs numconstrs sense characters and right-hand sides
- * @param beg,len numvars begin positions and lengths of the columns in ind and val
+ * @param beg,len numvars begin positions and lengths of the columns in ind and val; all null for no
+ *        coefficients
  * @param ind,val constraint indices and coefficients
  * @param lb,ub,types,varnames,constrnames as for KVXnewmodel, one entry a variable or constraint
  */
@@ -57,9 +58,9 @@ int KVXcopymodeltoenv(KVXmodel *model, KVXenv *env, KVXmodel **newP);
 /** The model without integrality, SOS and general constraints; semi-continuous variables may be
  * anywhere between 0 and their bounds. */
 int KVXrelaxmodel(KVXmodel *model, KVXmodel **newP);
-/** The model in which whatever made it discrete is fixed at the best solution, which stays optimal:
- * integer variables, zero members of SOS, variables of general constraints and of piecewise-linear
- * objective terms. */
+/** The model in which all variables that aren't continuous are fixed at the best solution, which
+ * stays optimal. (The development solver takes models with linear constraints and one linear
+ * objective.) */
 int KVXfixmodel(KVXmodel *model, KVXmodel **newP);
 /** The same in place. */
 int KVXconverttofixed(KVXmodel *model);
@@ -73,8 +74,7 @@ int KVXdualmodel(KVXmodel *model, KVXmodel **newP);
 int KVXfeasibility(KVXmodel *model, KVXmodel **newP);
 /** The model with general constraints, semi-continuous variables and piecewise-linear objective
  * terms replaced by linear constraints, integer variables and SOS. Its first variables and
- * constraints are those of the model. Refused, with a text that names the constraint, for quadratic
- * constraints, 2-norms, polynomials and the functions from exponential to nonlinear expression. */
+ * constraints are those of the model. */
 int KVXlinearizemodel(KVXmodel *model, KVXmodel **newP);
 /** The model of the current scenario (attribute "ScenarioNumber"). (A model of this library has one
  * scenario, itself.) */
@@ -82,7 +82,8 @@ int KVXsinglescenariomodel(KVXmodel *model, KVXmodel **newP);
 
 /**
  * Turns the model into its feasibility relaxation.
- * @param penalty 0: sum of violations; 1: sum of squares; 2: number of violations
+ * @param penalty 0: sum of violations; 1: sum of squares (refused by the development solver);
+ *        2: number of violations
  * @param minrelax 0: minimise the penalty alone; 1: find the least penalty, then the best
  *        original objective at that penalty
  * @param lbpen,ubpen NumVars weights for violated lower and upper bounds, or null: bounds are kept;
@@ -105,7 +106,9 @@ int KVXfeasrelax(KVXmodel *model, int penalty, int minrelax, const double *lbpen
 int KVXreadmodel(KVXenv *env, const char *filename, KVXmodel **modelP);
 /** Reads an attribute file into a model. */
 int KVXread(KVXmodel *model, const char *filename);
-/** Writes a model or attribute file. */
+/** Writes a model or attribute file. Names that the format can't hold are refused; by the
+ * development solver, models with SOS, general constraints, several or piecewise-linear objectives
+ * in model files, too. */
 int KVXwrite(KVXmodel *model, const char *filename);
 /** 0: not the name of a model file; 1: MPS; 2: LP. */
 int KVXismodelfile(const char *filename);

@@ -13,9 +13,8 @@
 int KVXsetcallbackfuncadv(KVXmodel *model, KVXcallback callback, void *userdata, int flags);
 /** Installs the model's callback, or removes it with two nulls. */
 int KVXsetcallbackfunc(KVXmodel *model, KVXcallback callback, void *userdata);
-/** Solves the model. Quadratic constraints, quadratic objectives that aren't convex and quadratic
- * objectives together with discrete variables give KVX_ERROR_NOT_SUPPORTED. A limit, an
- * interruption or infeasibility is not a failure: the status is 0 and the attribute "Status" tells.
+/** Solves the model. A limit, an interruption or infeasibility is not a failure: the status is 0
+ * and the attribute "Status" tells. KVX_ERROR_NOT_SUPPORTED when the library can't solve the model.
  */
 int KVXoptimize(KVXmodel *model);
 /** Starts to solve the model on a thread of the library's own. Until KVXsync calls that would
@@ -31,8 +30,8 @@ int KVXtunemodel(KVXmodel *model);
 /** Loads a setting that KVXtunemodel found into the model's environment. @param index from 0, the
  * best, to "TuneResultCount" - 1; -1 for the latest found */
 int KVXgettuneresult(KVXmodel *model, int index);
-/** Finds an irreducible infeasible subsystem; see the attributes "IISConstr", "IISLB", "IISUB",
- * "IISSOS". Refused for feasible models. */
+/** Finds an irreducible infeasible subsystem; see the attributes "IISConstr", "IISLB" and "IISUB".
+ * Refused for feasible models. */
 int KVXcomputeIIS(KVXmodel *model);
 /** The model's last error text, "" when there was none. Belongs to the library. */
 const char *KVXgetmerrormsg(KVXmodel *model);

@@ -166,8 +166,8 @@ public final class KVXModel extends ModelAttributes implements AutoCloseable {
     }
 
     /**
-     * Finds an irreducible infeasible subsystem; the attributes "IISConstr", "IISLB", "IISUB" and
-     * "IISSOS" tell what belongs to it.
+     * Finds an irreducible infeasible subsystem; the attributes "IISConstr", "IISLB" and
+     * "IISUB" tell what belongs to it.
      *
      * @throws KVXException if the solver fails, or the model is feasible
      */
