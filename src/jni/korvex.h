@@ -5,9 +5,9 @@
  * Rules that hold throughout, unless a function says otherwise:
  *
  *  - A function with an int result returns a status: 0 (KVX_OK) or one of the KVX_ERROR_ codes.
- *    After a failure KVXgeterrormsg (environment) or KVXgetmerrormsg (model) explains it, and the
- *    model stays as it was. A success leaves the error text alone. Output arguments are written on
- *    success only.
+ *    After a failure KVXgeterrormsg (environment) or KVXgetmerrormsg (model) explains it to the
+ *    thread that made the call, and the model stays as it was. A success leaves the error text
+ *    alone. Output arguments are written on success only.
  *  - Arrays belong to the caller and are only used during the call. Indices count from 0. A count
  *    of 0 or less goes with arrays that may be null; a negative one is refused with
  *    KVX_ERROR_INVALID_ARGUMENT, except where a function takes it as 0.
@@ -22,9 +22,9 @@
  *    U+FFFF. An element without one gets one when it is made: a letter (C for variables, R for
  *    constraints, G for general constraints) and the number of those that were made before it.
  *  - A null handle is refused with KVX_ERROR_INVALID_ARGUMENT.
- *  - An object may be used by one thread at a time; KVXterminate and KVXmsg may be called from any
- *    thread at any moment. Different environments, and different models of one environment, may be
- *    used by different threads at once.
+ *  - An object may be used by one thread at a time, and beside it by the callbacks of its run;
+ *    KVXterminate and KVXmsg may be called from any thread at any moment. Different environments,
+ *    and different models of one environment, may be used by different threads at once.
  */
 #ifndef KORVEX_H
 #define KORVEX_H

@@ -42,7 +42,7 @@ std::string timeText(std::time_t time) {
 
 void start(Request &request) {
     if (int status = KVXoptimizeasync(request.model.get()))
-        throw Failure{status, request.model->env.error};
+        throw Failure{status, request.model->env.error.get()};
     request.started = std::time(nullptr);
     request.state = {};
     request.state.submitTime = timeText(request.started);
@@ -53,7 +53,7 @@ void finish(Request &request) {
     KVXmodel &model = *request.model;
     State &state = request.state;
     state.errorCode = KVXsync(&model);
-    state.errorMessage = state.errorCode ? model.env.error : "";
+    state.errorMessage = state.errorCode ? model.env.error.get() : "";
     state.status = state.errorCode                                   ? KVX_BATCH_FAILED
                    : model.solution.status == KVX_STATUS_INTERRUPTED ? KVX_BATCH_ABORTED
                                                                      : KVX_BATCH_COMPLETED;

@@ -98,5 +98,5 @@ void KVXversion(int *major, int *minor, int *technical) {
 }
 
 const char *KVXgeterrormsg(KVXenv *env) {
-    return env ? env->error.c_str() : "";
+    return env ? env->error.get() : "";
 }

@@ -44,6 +44,20 @@ int caught(std::string &error) noexcept {
     }
 }
 
+void ErrorText::set(std::string text) noexcept {
+    std::string unused;
+    guarded(unused, [&] {
+        std::lock_guard lock(mutex);
+        texts[std::this_thread::get_id()].swap(text);
+    });
+}
+
+const char *ErrorText::get() noexcept {
+    std::lock_guard lock(mutex);
+    auto found = texts.find(std::this_thread::get_id());
+    return found == texts.end() ? "" : found->second.c_str();
+}
+
 std::string toText(double value) {
     char buffer[40];
     double shown = std::clamp(value, -KVX_INFINITY, KVX_INFINITY);
@@ -89,7 +103,7 @@ std::string validUtf8(std::string_view text) {
     std::string result(text);
     if (!isName(text))
         for (char &c : result)
-            c = (c < 0x20 && c != '\t') || c == 0x7F ? '?' : c; // char is signed: no byte above ASCII
+            c = (c < 0x20 && c != '\t') || c == 0x7F ? '?' : c; // Bytes above ASCII are negative.
     return result;
 }
 

@@ -44,6 +44,15 @@ int guarded(std::string &error, Body &&body) noexcept {
     }
 }
 
+template <class Body>
+int guarded(ErrorText &error, Body &&body) noexcept {
+    std::string text;
+    int status = guarded(text, body);
+    if (status != KVX_OK)
+        error.set(std::move(text));
+    return status;
+}
+
 // A call that reads what a run doesn't change: allowed while one goes on.
 template <class Body>
 int guardedRead(KVXenv *env, Body &&body) noexcept {

@@ -111,5 +111,5 @@ int KVXfreemodel(KVXmodel *model) {
 }
 
 const char *KVXgetmerrormsg(KVXmodel *model) {
-    return model ? model->env.error.c_str() : "";
+    return model ? model->env.error.get() : "";
 }

@@ -10,9 +10,11 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <variant>
 #include <vector>
 
@@ -94,6 +96,20 @@ struct ModelData {
     int varsMade = 0, constrsMade = 0, genconstrsMade = 0; // for names, deleted ones included
 };
 
+// The text of the last failure, for each thread by itself: while a run goes on, its callback and
+// another thread may make calls that fail at the same time.
+class ErrorText {
+  public:
+    ErrorText() = default;
+    ErrorText(const ErrorText &) {} // A copied environment hasn't failed.
+    void set(std::string text) noexcept;
+    const char *get() noexcept; // valid until the thread's next failure
+
+  private:
+    std::mutex mutex;
+    std::map<std::thread::id, std::string> texts;
+};
+
 class Log; // console, file and callback of an environment; shared by its models
 class Run; // a run that is going on
 
@@ -107,7 +123,7 @@ struct KVXenv {
     std::vector<korvex::ParameterValue> parameters; // in the order of the table in params.cpp
     std::shared_ptr<korvex::Log> log;
     std::shared_ptr<std::FILE> logFile; // of the parameter "LogFile"
-    std::string error;
+    korvex::ErrorText error;
 };
 
 struct KVXmodel : korvex::ModelData {

@@ -245,7 +245,7 @@ int solveInside(Run &run, KVXmodel &model, double seconds) {
         return static_cast<Run *>(outer)->poll() ? KVXterminate(inner) : KVX_OK;
     };
     if (int status = perform(&model, optimize))
-        throw Failure{status, model.env.error};
+        throw Failure{status, model.env.error.get()};
     run.poll();
     return model.solution.status;
 }
