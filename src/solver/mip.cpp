@@ -102,6 +102,19 @@ class Incumbent : public CbcHeuristic {
     const Run &run;
 };
 
+// Cbc's own class asserts that no set that shares a member has made itself infeasible before.
+class Set : public CbcSOS {
+  public:
+    using CbcSOS::CbcSOS;
+    CbcObject *clone() const override { return new Set(*this); }
+    void feasibleRegion() override {
+        const OsiSolverInterface &solver = *model_->solver();
+        if (std::none_of(members(), members() + numberMembers(),
+                         [&](int j) { return solver.getColLower()[j] > solver.getColUpper()[j]; }))
+            CbcSOS::feasibleRegion();
+    }
+};
+
 // Makes the known integers exact. Whether the point is a solution then.
 bool Mip::round(std::vector<double> &x) const {
     for (size_t j = 0; j < x.size(); j++)
@@ -241,7 +254,7 @@ void Mip::configure(CbcModel &cbc) const {
         std::vector<int> columns;
         for (Entry member : set.members)
             columns.push_back(member.index);
-        CbcSOS object(&cbc, intSize(columns.size()), columns.data(), nullptr, 0, set.type);
+        Set object(&cbc, intSize(columns.size()), columns.data(), nullptr, 0, set.type);
         OsiObject *added = &object; // Cbc copies it.
         cbc.addObjects(1, &added);
     }

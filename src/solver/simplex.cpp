@@ -55,6 +55,7 @@ void solve(ClpSimplex &lp, const Run &run) {
     options.setSolveType(method == 0   ? ClpSolve::usePrimal
                          : method == 2 ? ClpSolve::useBarrier
                                        : ClpSolve::useDual);
+    options.setSpecialOption(2, 1); // Clp leaves the process's handler of interrupts alone.
     lp.initialSolve(options);
 }
 
@@ -85,11 +86,14 @@ Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
     // Presolve and dual simplex can't always tell an infeasible model from an unbounded one, and
     // what they find may be off by more than the tolerance once it is scaled back. Plain primal
     // simplex without scaling settles both.
-    for (int scaling : {1, 0})
-        if (!isSettled() && !run.stopped()) {
-            lp.scaling(scaling);
-            lp.primal();
-        }
+    for (int scaling : {1, 0}) {
+        if (isSettled() || run.stopped())
+            break;
+        lp.scaling(scaling);
+        lp.primal();
+        if (lp.status() == infeasible || lp.status() == unbounded)
+            break;
+    }
     run.earlierIterations = run.iterations =
         std::max(run.iterations, run.earlierIterations + lp.numberIterations());
     if (!isSettled()) {
