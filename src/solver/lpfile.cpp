@@ -79,8 +79,8 @@ class LpReader {
             size_t length = word.find_first_of("+-*/^[]:<>=");
             double value;
             if (beginsNumber(word))
-                length = at(
-                    intSize(std::from_chars(word.begin(), word.end(), value).ptr - word.begin()));
+                length = static_cast<size_t>(std::from_chars(word.begin(), word.end(), value).ptr -
+                                             word.begin());
             else if (length == 0)
                 length = word.find_first_not_of("<>=");
             tokens.emplace_back(word.substr(0, std::max<size_t>(length, 1)), source.number);

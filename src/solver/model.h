@@ -110,8 +110,8 @@ class ErrorText {
     std::map<std::thread::id, std::string> texts;
 };
 
-class Log; // console, file and callback of an environment; shared by its models
-class Run; // a run that is going on
+struct Log; // console, file and callback of an environment; shared by its models
+class Run;  // a run that is going on
 
 using ParameterValue = std::variant<int, double, std::string>;
 

@@ -138,7 +138,7 @@ class MpsReader {
         auto isFree = [](const Constraint &constr) { return constr.sense == 'N'; };
         auto objective = std::find_if(model.constrs.begin(), model.constrs.end(), isFree);
         if (objective != model.constrs.end()) {
-            model.objcon = -rhs[at(intSize(objective - model.constrs.begin()))];
+            model.objcon = -rhs[static_cast<size_t>(objective - model.constrs.begin())];
             for (auto [var, value] : objective->row)
                 model.vars[at(var)].obj = value;
             model.constrs.erase(objective);

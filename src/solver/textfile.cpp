@@ -44,11 +44,16 @@ void writeFile(const std::string &name, const std::string &text) {
                                  static_cast<unsigned>(text.size()), 9, 0, 0);
         packed.resize(length);
     }
-    gzFile file = gzopen(name.c_str(), hasEnding(name, ".gz") ? "wb" : "wbT"); // T: as it is
+    const std::string partial = name + ".part"; // A failure leaves what was there before.
+    gzFile file = gzopen(partial.c_str(), hasEnding(name, ".gz") ? "wb" : "wbT"); // T: as it is
     auto size = static_cast<unsigned>(packed.size());
     bool isWritten = file && gzwrite(file, packed.data(), size) == intSize(packed.size());
-    if (gzclose(file) != Z_OK || !isWritten)
-        fail(KVX_ERROR_FILE_WRITE, "%s: %s", name.c_str(), std::strerror(errno));
+    isWritten = gzclose(file) == Z_OK && isWritten;
+    if (!isWritten || std::rename(partial.c_str(), name.c_str()) != 0) {
+        std::string reason = std::strerror(errno);
+        std::remove(partial.c_str());
+        fail(KVX_ERROR_FILE_WRITE, "%s: %s", name.c_str(), reason.c_str());
+    }
 }
 
 bool Source::nextLine(char comment) {
