@@ -97,7 +97,8 @@ const char *KVXgeterrormsg(KVXenv *env);
  *   Presolve        int     1        0..1           0 off, 1 on
  *   Cuts            int     1        0..1           the solver's own cuts: 0 off, 1 on
  *   Heuristics      int     1        0..1           heuristics: 0 off, 1 on
- *   Threads         int     0        0..1024        branch-and-bound threads, 0 choose
+ *   Threads         int     0        0..1024        branch-and-bound threads, 0 choose; the
+ *                                                   development solver always uses one
  *   Seed            int     0        0..2^31-1      random seed
  *   LazyConstraints int     0        0..1           1 when a callback adds lazy constraints
  *   LogToConsole    int     1        0..1           write the log to standard output
