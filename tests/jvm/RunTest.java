@@ -137,13 +137,15 @@ class RunTest {
         try (KVXModel model = endless()) {
             CountDownLatch tried = new CountDownLatch(1);
             model.setCallback(context -> {
-                Models.fails(KVX.ERROR_IN_PROGRESS, model::sync);
                 refused(model::close, model::optimize, () -> env.setLog(line -> {}));
                 tried.countDown();
+                for (int i = 0; i < 1000; i++) // while the other thread's calls fail, too
+                    Models.fails(KVX.ERROR_IN_PROGRESS, model::sync);
             });
             model.optimizeAsync();
             tried.await();
-            Models.fails(KVX.ERROR_IN_PROGRESS, () -> model.set("ObjCon", 1.0));
+            for (int i = 0; i < 10_000; i++)
+                Models.fails(KVX.ERROR_IN_PROGRESS, () -> model.set("ObjCon", 1.0));
             model.terminate();
             model.sync();
             model.sync(); // nothing is left to wait for
