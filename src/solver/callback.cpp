@@ -7,26 +7,15 @@ using namespace korvex;
 
 namespace {
 
-// How many what codes belong to each where code.
-constexpr int codes[] = {1, 2, 4, 6, 6, 6, 1, 2, 3, 2};
-// Those that aren't doubles, and the double vectors.
-constexpr int ints[] = {KVX_CB_PRE_COLDEL,      KVX_CB_PRE_ROWDEL,     KVX_CB_MIP_SOLCOUNT,
-                        KVX_CB_MIPSOL_SOLCOUNT, KVX_CB_MIPNODE_STATUS, KVX_CB_MIPNODE_SOLCOUNT,
-                        KVX_CB_IIS_CONSTRS,     KVX_CB_IIS_UNDECIDED,  KVX_CB_MULTIOBJ_SOLVED,
-                        KVX_CB_TUNE_TRIAL,      KVX_CB_TUNE_TRIALS};
-constexpr int vectors[] = {KVX_CB_MIPSOL_SOL, KVX_CB_MIPNODE_REL, KVX_CB_MULTIOBJ_SOL};
+// The types of the what codes of each where code: int, double, vector of doubles, text.
+constexpr std::string_view types[] = {"d",      "ii", "dddd", "dddidd", "vddddi",
+                                      "ivdddi", "t",  "ii",   "idv",    "ii"};
 
-template <class Range>
-bool contains(const Range &range, int value) {
-    return std::find(std::begin(range), std::end(range), value) != std::end(range);
-}
-
-int typeOf(int what) {
-    if (what < 0 || what / 1000 >= 10 || what % 1000 == 0 || what % 1000 > codes[what / 1000])
+char typeOf(int what) {
+    size_t where = at(what / 1000), number = at(what % 1000);
+    if (what < 0 || where >= std::size(types) || number == 0 || number > types[where].size())
         fail(KVX_ERROR_INVALID_ARGUMENT, "there is no what code %d", what);
-    return what == KVX_CB_MSG_STRING ? KVX_TYPE_STRING
-           : contains(ints, what)    ? KVX_TYPE_INT
-                                     : KVX_TYPE_DOUBLE;
+    return types[where][number - 1];
 }
 
 // Runs body with the run that is calling its callback.
@@ -44,7 +33,7 @@ int guardedCallback(void *cbdata, Body &&body) noexcept {
 
 // Refuses what the present reason for the callback doesn't allow.
 void requireWhere(const Run &run, std::initializer_list<int> allowed) {
-    if (!contains(allowed, run.occasion.where))
+    if (std::count(allowed.begin(), allowed.end(), run.occasion.where) == 0)
         fail(KVX_ERROR_INVALID_ARGUMENT, "not possible where the code is %d", run.occasion.where);
 }
 
@@ -72,9 +61,10 @@ Constraint readRow(const Run &run, int length, const int *ind, const double *val
 
 int KVXgetcbwhatinfo(void *cbdata, int what, int *type, int *vector) {
     return guardedCallback(cbdata, [&](Run &) {
-        int found = typeOf(what);
-        *needed(vector, "vector") = contains(vectors, what);
-        *needed(type, "type") = found;
+        char found = typeOf(what);
+        needed(type, "type");
+        *needed(vector, "vector") = found == 'v';
+        *type = found == 'i' ? KVX_TYPE_INT : found == 't' ? KVX_TYPE_STRING : KVX_TYPE_DOUBLE;
     });
 }
 
@@ -82,17 +72,17 @@ int KVXcbget(void *cbdata, int where, int what, void *result) {
     return guardedCallback(cbdata, [&](Run &run) {
         const Occasion &occasion = run.occasion;
         requireWhere(run, {where});
-        int type = typeOf(what);
+        char type = typeOf(what);
         if (what >= 1000 && what / 1000 != where)
             fail(KVX_ERROR_DATA_NOT_AVAILABLE, "code %d doesn't belong to code %d", what, where);
         size_t vars = run.model.vars.size();
-        readArray(contains(vectors, what) ? intSize(vars) : 1, result, "result");
-        if (contains(vectors, what))
+        readArray(type == 'v' ? intSize(vars) : 1, result, "result");
+        if (type == 'v')
             std::copy_n(occasion.vector->begin(), vars, static_cast<double *>(result));
-        else if (type == KVX_TYPE_STRING)
+        else if (type == 't')
             *static_cast<const char **>(result) = occasion.text;
         for (auto [code, value] : occasion.data)
-            if (code == what && type == KVX_TYPE_INT)
+            if (code == what && type == 'i')
                 *static_cast<int *>(result) = static_cast<int>(value);
             else if (code == what)
                 *static_cast<double *>(result) = value;
@@ -118,10 +108,12 @@ int KVXcblazy(void *cbdata, int length, const int *ind, const double *val, char 
 int KVXcbsolution(void *cbdata, const double *solution, double *objective) {
     return guardedCallback(cbdata, [&](Run &run) {
         requireWhere(run, {KVX_CB_MIP, KVX_CB_MIPSOL, KVX_CB_MIPNODE});
-        *needed(objective, "objective") = KVX_INFINITY;
         int count = intSize(run.model.vars.size());
         readArray(count, solution, "solution");
         std::vector<double> x(solution, solution + count);
+        for (double entry : x)
+            readFinite(entry, "a value of the solution");
+        *needed(objective, "objective") = KVX_INFINITY;
         double value;
         if (run.complete && run.complete(x, value)) {
             run.proposals.emplace_back(std::move(x), value);
@@ -152,7 +144,7 @@ int KVXcbproceed(void *cbdata) {
 
 int KVXcbstoponemultiobj(KVXmodel *model, void *cbdata, int objnumber) {
     return guardedCallback(cbdata, [&](Run &run) {
-        if (model != &run.model || !contains(run.present, objnumber))
+        if (model != &run.model || !std::count(run.present.begin(), run.present.end(), objnumber))
             fail(KVX_ERROR_INVALID_ARGUMENT, "objective %d isn't being optimised", objnumber);
         run.stop(Run::next);
     });

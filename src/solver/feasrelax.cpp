@@ -82,11 +82,11 @@ struct Relaxation {
     double keepLeastPenalty(Run &run) {
         auto inner = makeInnerModel(run.settings, withPenaltyAsObjective());
         setParam(inner->env, "MIPGap", 0);
-        int status = solveInside(run, *inner, KVX_INFINITY);
-        if (run.stopped())
-            fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the relaxation was ended early");
-        if (status != KVX_STATUS_OPTIMAL)
+        int status = solveInside(run, *inner);
+        if (status == KVX_STATUS_INFEASIBLE)
             fail(KVX_ERROR_INVALID_ARGUMENT, "the violations that the weights allow aren't enough");
+        if (status != KVX_STATUS_OPTIMAL)
+            fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the least penalty wasn't found: status %d", status);
         Constraint constr;
         constr.name = "penalty";
         constr.row = costs;

@@ -1,7 +1,6 @@
 // Irreducible infeasible subsystems: a deletion filter over linear constraints and bounds. All else
 // (integrality, the bounds of semi-continuous variables, sets, general constraints) stays.
 #include "guard.h"
-#include "params.h"
 #include "run.h"
 
 #include <algorithm>
@@ -12,8 +11,6 @@ namespace {
 // Whether the model is infeasible with only those constraints and bounds that are marked.
 bool isInfeasible(Run &run) {
     auto inner = makeInnerModel(run.settings, run.model);
-    clearObjective(*inner);
-    inner->hasBasis = false;
     auto isOut = [](const Constraint &constr) { return constr.iis == 0; };
     auto &constrs = inner->constrs;
     constrs.erase(std::remove_if(constrs.begin(), constrs.end(), isOut), constrs.end());
@@ -23,13 +20,10 @@ bool isInfeasible(Run &run) {
             var.ub = var.iisUb ? var.ub : KVX_INFINITY;
             var.type = var.isInteger() ? KVX_INTEGER : KVX_CONTINUOUS;
         }
-    for (const char *limit : {"NodeLimit", "IterationLimit"})
-        setParam(inner->env, limit, KVX_INFINITY);
-    setParam(inner->env, "SolutionLimit", 1);
-    int status = solveInside(run, *inner, KVX_INFINITY);
+    int status = findPoint(run, *inner);
     if (run.stopped())
         fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the search was ended early");
-    return status == KVX_STATUS_INFEASIBLE || status == KVX_STATUS_INFEASIBLE_OR_UNBOUNDED;
+    return status == KVX_STATUS_INFEASIBLE;
 }
 
 void findSubsystem(Run &run) {

@@ -128,7 +128,7 @@ bool Mip::round(std::vector<double> &x) const {
                             set.members.end(), isUsed);
     };
     return std::count(x.begin(), x.end(), KVX_UNDEFINED) == 0 &&
-           problem.violation(x) <= 10 * dblParam(run.settings, "FeasibilityTol") &&
+           problem.violation(x) <= run.tolerance() &&
            std::all_of(problem.sets.begin(), problem.sets.end(), holds);
 }
 

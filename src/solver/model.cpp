@@ -105,9 +105,10 @@ int KVXfreemodel(KVXmodel *model) {
     if (!model)
         return KVX_OK;
     int status = guardedRead(model, [&] { endRun(*model, true); });
-    if (status == KVX_OK)
-        delete model;
-    return status;
+    if (model->running) // The request came from a callback.
+        return status;
+    delete model;
+    return KVX_OK;
 }
 
 const char *KVXgetmerrormsg(KVXmodel *model) {

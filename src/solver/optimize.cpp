@@ -166,6 +166,9 @@ Outcome solveProblem(Run &run, const Problem &problem) {
             run.solutions = 1;
         }
     }
+    // A solution that was found by other means proves the opposite.
+    if (outcome.status == KVX_STATUS_INFEASIBLE && !run.best.empty())
+        outcome.status = KVX_STATUS_NUMERIC;
     return outcome;
 }
 

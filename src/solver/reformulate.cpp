@@ -134,6 +134,21 @@ struct Reformulation {
         row({{result, sign}}, -KVX_INFINITY, limit);
     }
 
+    // result = whether all or any of the binary operands are 1; the total is their sum minus it.
+    void logical(const GeneralConstraint &constr, const Expression &total) {
+        const bool isAnd = constr.kind == KVX_GENCONSTR_AND;
+        makeBinary(constr.first);
+        for (int operand : constr.vars) {
+            makeBinary(operand);
+            row({{operand, 1}, {constr.first, -1}}, isAnd ? 0 : -KVX_INFINITY,
+                isAnd ? KVX_INFINITY : 0);
+        }
+        if (isAnd)
+            row(total, -KVX_INFINITY, intSize(constr.vars.size()) - 1);
+        else
+            row(total, 0, KVX_INFINITY);
+    }
+
     // result = the number of operands that aren't 0, by their sizes.
     void count(const GeneralConstraint &constr, const std::vector<Expression> &sizes) {
         Expression zeros = {{constr.first, 1}};
@@ -193,14 +208,9 @@ struct Reformulation {
 
     void general(const GeneralConstraint &constr) {
         const int result = constr.first, kind = constr.kind;
-        const bool isLogical = kind == KVX_GENCONSTR_AND || kind == KVX_GENCONSTR_OR;
-        if (isLogical)
-            makeBinary(result);
         std::vector<Expression> operands;
         Expression total = {{result, -1}};
         for (int operand : constr.vars) {
-            if (isLogical)
-                makeBinary(operand);
             operands.push_back(kind == KVX_GENCONSTR_NORM ? absolute(operand)
                                                           : Expression{{operand, 1}});
             total = total + operands.back();
@@ -209,10 +219,8 @@ struct Reformulation {
             extremum(result, operands, constr.number, 1);
         else if (kind == KVX_GENCONSTR_MIN)
             extremum(result, operands, constr.number, -1);
-        else if (kind == KVX_GENCONSTR_OR) // the largest of binary variables
-            extremum(result, operands, 0, 1);
-        else if (kind == KVX_GENCONSTR_AND)
-            extremum(result, operands, 1, -1);
+        else if (kind == KVX_GENCONSTR_AND || kind == KVX_GENCONSTR_OR)
+            logical(constr, total);
         else if (kind == KVX_GENCONSTR_ABS)
             row(total + absolute(constr.second), 0, 0);
         else if (kind == KVX_GENCONSTR_INDICATOR)

@@ -9,7 +9,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdarg>
-#include <set>
 #include <utility>
 
 namespace korvex {
@@ -19,48 +18,30 @@ constexpr double reportInterval = 0.05; // seconds between reports of progress
 
 // Background runs use statics of this library: when the process exits they are told to stop and
 // given a moment, not more, since a callback may be unable to return then.
-class BackgroundRuns {
-  public:
-    void add(Run &run) {
-        std::lock_guard lock(mutex);
-        runs.insert(&run);
-    }
-    void remove(Run &run) {
-        std::lock_guard lock(mutex);
-        runs.erase(&run);
-    }
-    ~BackgroundRuns() {
-        std::lock_guard lock(mutex);
-        auto isFinished = [](const Run *run) { return run->finished.load(); };
-        for (Run *run : runs)
-            run->model.terminate = true;
-        for (int i = 0; i < 40 && !std::all_of(runs.begin(), runs.end(), isFinished); i++)
+std::atomic<int> backgroundRuns{0};
+std::atomic<bool> exiting{false};
+struct Exit {
+    ~Exit() {
+        exiting = true;
+        for (int i = 0; i < 40 && backgroundRuns > 0; i++)
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
-
-  private:
-    std::mutex mutex;
-    std::set<Run *> runs;
 };
 
-BackgroundRuns &backgroundRuns() {
-    static BackgroundRuns runs;
-    return runs;
-}
-
-std::shared_ptr<Run> begin(KVXmodel &model) {
+Run &begin(KVXmodel &model) {
     model.run = std::make_shared<Run>(model);
     model.runStart = std::chrono::steady_clock::now();
     model.running = true;
-    return model.run;
+    return *model.run;
 }
 
-// A request to terminate that came during the run has been served with it.
+// The run's failure is the caller's. A request to terminate that came meanwhile has been served.
 void end(KVXmodel &model) {
-    backgroundRuns().remove(*model.run);
-    model.run.reset();
+    std::shared_ptr<Run> run = std::exchange(model.run, nullptr);
     model.terminate = false;
     model.running = false;
+    if (run->result)
+        throw Failure{run->result, run->error};
 }
 
 } // namespace
@@ -112,7 +93,7 @@ bool Run::poll() {
 
 bool Run::progress(int where, std::vector<Datum> data) {
     double now = elapsed();
-    if (model.terminate)
+    if (model.terminate || exiting)
         stop(KVX_STATUS_INTERRUPTED);
     else if (now >= timeLimit)
         stop(KVX_STATUS_TIME_LIMIT);
@@ -157,23 +138,27 @@ void Run::report(int where, std::vector<Datum> data, const std::vector<double> *
         offer(x, value);
 }
 
+double Run::tolerance() const {
+    return 10 * dblParam(settings, "FeasibilityTol");
+}
+
 bool Run::satisfiesLazies(const std::vector<double> &x) const {
-    double tolerance = dblParam(settings, "FeasibilityTol");
     return std::all_of(lazies.begin(), lazies.end(),
-                       [&](const Constraint &row) { return violation(row, x) <= tolerance; });
+                       [&](const Constraint &row) { return violation(row, x) <= tolerance(); });
 }
 
 void Run::addLazy(Constraint row) {
     lazies.push_back(std::move(row));
     if (!best.empty() && !satisfiesLazies(best)) {
         best.clear();
+        solutions = 0;
         bestObjective = sense * KVX_INFINITY;
         stop(again);
     }
 }
 
 void Run::offer(const std::vector<double> &x, double value) {
-    if (!best.empty() && !better(value, bestObjective))
+    if (!better(value, bestObjective))
         return;
     if (satisfiesLazies(x))
         report(KVX_CB_MIPSOL,
@@ -185,6 +170,8 @@ void Run::offer(const std::vector<double> &x, double value) {
                &x);
     if (!satisfiesLazies(x))
         return stop(again);
+    if (!better(value, bestObjective)) // than one that the callback proposed meanwhile
+        return;
     best = x;
     bestObjective = value;
     if (++solutions >= solutionLimit)
@@ -192,6 +179,7 @@ void Run::offer(const std::vector<double> &x, double value) {
 }
 
 void Run::conduct(const std::function<void(Run &)> &operation) {
+    conductor = std::this_thread::get_id();
     result = guarded(error, [&] { operation(*this); });
     if (callbackStatus) {
         result = callbackStatus;
@@ -202,26 +190,20 @@ void Run::conduct(const std::function<void(Run &)> &operation) {
 
 int perform(KVXmodel *model, const std::function<void(Run &)> &operation) {
     return guarded(model, [&] {
-        std::shared_ptr<Run> run = begin(*model);
-        run->conduct(operation);
+        begin(*model).conduct(operation);
         end(*model);
-        if (run->result)
-            throw Failure{run->result, run->error};
     });
 }
 
 void endRun(KVXmodel &model, bool terminate) {
-    std::shared_ptr<Run> run = model.run;
-    if (!run)
+    if (!model.run)
         return;
-    if (!run->thread.joinable() || run->thread.get_id() == std::this_thread::get_id())
+    if (model.run->conductor.load() == std::this_thread::get_id())
         fail(KVX_ERROR_IN_PROGRESS, "the run goes on: it can't be waited for in its own thread");
     if (terminate)
         model.terminate = true;
-    run->thread.join();
+    model.run->thread.join();
     end(model);
-    if (run->result && !terminate)
-        throw Failure{run->result, run->error};
 }
 
 int currentStatus(const KVXmodel &model) {
@@ -238,8 +220,8 @@ std::unique_ptr<KVXmodel> makeInnerModel(const KVXenv &env, const ModelData &dat
 }
 
 int solveInside(Run &run, KVXmodel &model, double seconds) {
-    double left = std::max(0.0, run.timeLimit - run.elapsed());
-    setParam(model.env, "TimeLimit", std::min(seconds, left));
+    seconds = std::min(seconds, run.timeLimit - run.elapsed());
+    setParam(model.env, "TimeLimit", std::max(seconds, 0.0));
     model.callbackData = &run;
     model.callback = [](KVXmodel *inner, void *, int, void *outer) {
         return static_cast<Run *>(outer)->poll() ? KVXterminate(inner) : KVX_OK;
@@ -248,6 +230,15 @@ int solveInside(Run &run, KVXmodel &model, double seconds) {
         throw Failure{status, model.env.error.get()};
     run.poll();
     return model.solution.status;
+}
+
+int findPoint(Run &run, KVXmodel &model, double nodeLimit) {
+    clearObjective(model);
+    model.hasBasis = false;
+    setParam(model.env, "IterationLimit", KVX_INFINITY);
+    setParam(model.env, "NodeLimit", nodeLimit);
+    setParam(model.env, "SolutionLimit", 1);
+    return solveInside(run, model);
 }
 
 } // namespace korvex
@@ -260,11 +251,16 @@ int KVXoptimize(KVXmodel *model) {
 
 int KVXoptimizeasync(KVXmodel *model) {
     return guarded(model, [&] {
-        std::shared_ptr<Run> run = begin(*model);
+        static const Exit exit; // is destroyed before what the runs use
+        Run &run = begin(*model);
+        backgroundRuns++;
         try {
-            backgroundRuns().add(*run);
-            run->thread = std::thread([run] { run->conduct(optimize); });
+            run.thread = std::thread([&run] {
+                run.conduct(optimize);
+                backgroundRuns--;
+            });
         } catch (...) {
+            backgroundRuns--;
             end(*model);
             throw;
         }

@@ -63,6 +63,7 @@ class Run {
 
     void readLimits(); // from the settings
     double elapsed() const;
+    double tolerance() const; // of a solution's violations
 
     KVXmodel &model;
     KVXenv settings; // the model's parameters; a callback changes them for this run only
@@ -88,7 +89,8 @@ class Run {
     std::vector<std::pair<std::vector<double>, double>> proposals;
 
     std::thread thread; // of a background run
-    int result = 0;     // status and error text of the operation
+    std::atomic<std::thread::id> conductor{};
+    int result = 0; // status and error text of the operation
     std::string error;
     std::atomic<bool> finished{false};
 
@@ -104,8 +106,8 @@ class Run {
 // Conducts an operation as the model's present run and returns its status.
 int perform(KVXmodel *model, const std::function<void(Run &)> &operation);
 
-// Waits for the background run, if there is one; its failure is the caller's, unless the run was
-// terminated. Fails inside one of its callbacks.
+// Waits for the background run, if there is one; its failure is the caller's. Fails inside one of
+// its callbacks.
 void endRun(KVXmodel &model, bool terminate);
 
 // The value of the attribute "Status".
@@ -118,6 +120,9 @@ std::unique_ptr<KVXmodel> makeInnerModel(const KVXenv &env, const ModelData &dat
 // Solves it inside a run, which ends it when it has to end itself, or when the seconds are over.
 // Gives its status of the attribute "Status"; fails as KVXoptimize does.
 int solveInside(Run &run, KVXmodel &model, double seconds = KVX_INFINITY);
+
+// The same without the model's objective: the first solution will do.
+int findPoint(Run &run, KVXmodel &model, double nodeLimit = KVX_INFINITY);
 
 // A number for the log.
 std::string shown(double value);

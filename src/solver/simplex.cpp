@@ -77,11 +77,9 @@ Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
     SimplexWatch watch(run, true);
     lp.passInEventHandler(&watch);
     solve(lp, run);
-    lp.eventHandler()->setSimplex(&lp);
-    lp.eventHandler()->event(ClpEventHandler::endOfIteration); // Short runs have had no other.
     auto isSettled = [&] {
         outcome.x.assign(lp.primalColumnSolution(), lp.primalColumnSolution() + columns);
-        return lp.status() == optimal && problem.violation(outcome.x) <= 10 * lp.primalTolerance();
+        return lp.status() == optimal && problem.violation(outcome.x) <= run.tolerance();
     };
     // Presolve and dual simplex can't always tell an infeasible model from an unbounded one, and
     // what they find may be off by more than the tolerance once it is scaled back. Plain primal

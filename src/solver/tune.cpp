@@ -4,7 +4,7 @@
 #include "params.h"
 #include "run.h"
 
-#include <algorithm>
+#include <map>
 
 namespace korvex {
 namespace {
@@ -14,31 +14,27 @@ constexpr const char *names[] = {"Method", "Presolve", "Cuts", "Heuristics"};
 const std::vector<std::vector<int>> settings = {{-1, 1, 1, 1}, {0, 1, 0, 1}, {1, 1, 1, 0},
                                                 {2, 1, 0, 0},  {0, 0, 1, 1}, {1, 0, 0, 1}};
 
-struct Trial {
-    std::vector<int> values;
-    bool isCutOff; // by a limit
-    double rank;   // seconds, or the gap after the limit
-    size_t number;
-};
-
 void tune(Run &run) {
     KVXmodel &model = run.model;
-    run.timeLimit = dblParam(run.settings, "TuneTimeLimit");
+    setParam(run.settings, "TimeLimit", dblParam(run.settings, "TuneTimeLimit"));
+    run.readLimits();
     run.hasPhases = true;
-    std::vector<Trial> trials;
+    // Best first: by whether a limit ended the trial, and by the seconds or the gap at the limit.
+    std::multimap<std::pair<bool, double>, std::vector<int>> trials;
+    auto latest = trials.end();
     for (size_t k = 0; k <= settings.size() && !run.poll(); k++) {
         run.report(KVX_CB_TUNE, {{KVX_CB_TUNE_TRIAL, 1.0 * intSize(k)},
                                  {KVX_CB_TUNE_TRIALS, 1.0 + intSize(settings.size())}});
         auto inner = makeInnerModel(run.settings, model);
-        Trial trial{{}, false, 0, trials.size()};
+        std::vector<int> values;
         for (size_t i = 0; i < std::size(names); i++) {
-            trial.values.push_back(k == 0 ? intParam(model.env, names[i]) : settings[k - 1][i]);
-            setParam(inner->env, names[i], trial.values[i]);
+            values.push_back(k == 0 ? intParam(model.env, names[i]) : settings[k - 1][i]);
+            setParam(inner->env, names[i], values[i]);
         }
         double share = (run.timeLimit - run.elapsed()) / (1.0 + intSize(settings.size() - k));
         int status = 0;
         if (!run.stopped())
-            status = solveInside(run, *inner, std::min(share, dblParam(run.settings, "TimeLimit")));
+            status = solveInside(run, *inner, std::min(share, dblParam(model.env, "TimeLimit")));
         if (run.stopped() == Run::next) { // The callback goes on with the next trial.
             run.goOn();
             continue;
@@ -47,20 +43,15 @@ void tune(Run &run) {
             break;
         const Solution &found = inner->solution;
         double gap = found.hasX ? relativeGap(found.objval, found.bound) : KVX_INFINITY;
-        trial.isCutOff = status > KVX_STATUS_INFEASIBLE_OR_UNBOUNDED;
-        trial.rank = trial.isCutOff ? gap : found.runtime;
-        trials.push_back(trial);
+        bool isCutOff = status > KVX_STATUS_INFEASIBLE_OR_UNBOUNDED;
+        latest = trials.emplace(std::pair(isCutOff, isCutOff ? gap : found.runtime), values);
         run.say("Trial %zu: %s s, gap %s", k, shown(found.runtime).c_str(), shown(gap).c_str());
     }
-    size_t count = trials.size();
-    std::stable_sort(trials.begin(), trials.end(), [](const Trial &a, const Trial &b) {
-        return std::pair(a.isCutOff, a.rank) < std::pair(b.isCutOff, b.rank);
-    });
     model.tuneResults.clear();
-    for (const Trial &trial : trials) {
-        if (trial.number + 1 == count)
+    for (auto trial = trials.begin(); trial != trials.end(); ++trial) {
+        if (trial == latest)
             model.latestTuneResult = intSize(model.tuneResults.size());
-        model.tuneResults.push_back(trial.values);
+        model.tuneResults.push_back(trial->second);
     }
 }
 
