@@ -20,29 +20,30 @@ struct Basis {
             logical.basis = constr.basis;
             constr.row.push_back({addVariable(data, logical), 1});
         }
-        std::vector<int> basics;
-        for (size_t j = 0; j < data.vars.size(); j++)
-            if (data.vars[j].basis == KVX_BASIC)
-                basics.push_back(intSize(j));
         matrix = matrixOf(data);
-        CoinPackedMatrix square;
-        square.submatrixOf(matrix, intSize(basics.size()), basics.data());
         // Negative: not basic; afterwards each basic column's position.
-        std::vector<int> rowPosition(at(rows), -1), position(basics.size(), 1);
-        int status = -99;
-        for (double area = 1; status == -99 && area < 1e3; area *= 2) { // too little memory
+        std::vector<int> rowPosition(at(rows), -1), position;
+        for (const Variable &var : data.vars)
+            position.push_back(var.basis == KVX_BASIC ? 1 : -1);
+        constexpr int outOfMemory = -99; // for which more can be asked
+        int status = rows > 0 ? outOfMemory : 0;
+        for (double area = 1; status == outOfMemory && area < 1e3; area *= 2) {
             factorization.areaFactor(area);
-            status = factorization.factorize(square, rowPosition.data(), position.data());
+            status = factorization.factorize(matrix, rowPosition.data(), position.data());
         }
-        if (status != 0 || intSize(basics.size()) != rows)
+        auto isBasic = [](int place) { return place >= 0; };
+        if (status != 0 || std::count_if(position.begin(), position.end(), isBasic) != rows)
             fail(KVX_ERROR_NUMERIC, "the basis matrix is singular");
-        head.resize(basics.size());
-        for (size_t k = 0; k < basics.size(); k++)
-            head[at(position[k])] = basics[k];
+        head.resize(at(rows));
+        for (size_t j = 0; j < position.size(); j++)
+            if (isBasic(position[j]))
+                head[at(position[j])] = intSize(j);
     }
 
     // Solves B x = b or, transposed, B' x = b.
     std::vector<double> solve(const std::vector<Entry> &b, bool transposed) {
+        if (rows == 0)
+            return {};
         CoinIndexedVector work, vector;
         work.reserve(rows);
         vector.reserve(rows);

@@ -25,7 +25,7 @@ namespace korvex {
 namespace {
 
 constexpr double zeroInSet = 1e-6;   // Members of a set up to this size count as zero.
-constexpr int completionNodes = 500; // spent on completing a partial solution
+constexpr int completionNodes = 500; // spent on a partial or any solution
 
 class Mip {
   public:
@@ -48,6 +48,7 @@ class Mip {
     int search(OsiSolverInterface &solver);
     bool round(std::vector<double> &x) const;
     bool complete(std::vector<double> &x, double &objective);
+    bool solveRest(std::vector<double> &x);
     void candidate(const CbcModel &cbc);
 };
 
@@ -135,39 +136,40 @@ bool Mip::round(std::vector<double> &x) const {
 // Completes a point, in which some values are KVX_UNDEFINED, to a solution.
 bool Mip::complete(std::vector<double> &x, double &objective) {
     x.resize(problem.cost.size(), KVX_UNDEFINED);
-    bool isSolution = round(x);
-    if (!isSolution && std::count(x.begin(), x.end(), KVX_UNDEFINED) > 0) {
-        ClpSimplex lp;
-        problem.load(lp);
-        SimplexWatch watch(run, false);
-        lp.passInEventHandler(&watch);
-        for (size_t j = 0; j < x.size(); j++)
-            if (x[j] != KVX_UNDEFINED) {
-                x[j] = std::clamp(x[j], problem.lower[j], problem.upper[j]);
-                lp.setColumnBounds(intSize(j), x[j], x[j]);
-            }
-        lp.dual();
-        if (lp.status() != 0)
-            return false;
-        x.assign(lp.primalColumnSolution(), lp.primalColumnSolution() + x.size());
-        isSolution = round(x);
-        if (!isSolution) {
-            OsiClpSolverInterface solver(&lp);
-            markIntegers(solver);
-            CbcModel cbc(solver);
-            configure(cbc);
-            TreeWatch tree(*this, nullptr);
-            cbc.passInEventHandler(&tree);
-            cbc.setMaximumNodes(completionNodes);
-            cbc.branchAndBound();
-            if (cbc.bestSolution())
-                x.assign(cbc.bestSolution(), cbc.bestSolution() + x.size());
-            isSolution = cbc.bestSolution() && round(x);
+    if (!round(x) && (std::count(x.begin(), x.end(), KVX_UNDEFINED) == 0 || !solveRest(x)))
+        return false;
+    objective = problem.objective(x);
+    return true;
+}
+
+bool Mip::solveRest(std::vector<double> &x) {
+    ClpSimplex lp;
+    problem.load(lp);
+    SimplexWatch watch(run, false);
+    lp.passInEventHandler(&watch);
+    for (size_t j = 0; j < x.size(); j++)
+        if (x[j] != KVX_UNDEFINED) {
+            x[j] = std::clamp(x[j], problem.lower[j], problem.upper[j]);
+            lp.setColumnBounds(intSize(j), x[j], x[j]);
         }
-    }
-    if (isSolution)
-        objective = problem.objective(x);
-    return isSolution;
+    lp.dual();
+    if (lp.status() != 0)
+        return false;
+    x.assign(lp.primalColumnSolution(), lp.primalColumnSolution() + x.size());
+    if (round(x))
+        return true;
+    OsiClpSolverInterface solver(&lp);
+    markIntegers(solver);
+    CbcModel cbc(solver);
+    configure(cbc);
+    TreeWatch tree(*this, nullptr);
+    cbc.passInEventHandler(&tree);
+    cbc.setMaximumNodes(completionNodes);
+    cbc.branchAndBound();
+    if (!cbc.bestSolution())
+        return false;
+    x.assign(cbc.bestSolution(), cbc.bestSolution() + x.size());
+    return round(x);
 }
 
 // Looks at Cbc's best solution. Its integers are so only within a tolerance; when it isn't a
@@ -338,14 +340,14 @@ int Mip::solveOnce() {
         if (!problem.sets.empty()) // A ray of the relaxation may break a set and proves nothing.
             fail(KVX_ERROR_NOT_SUPPORTED, "the model's relaxation is unbounded: with sets, or what "
                                           "becomes sets, give the variables bounds");
-        std::vector<double> x, cost(problem.cost.size());
-        double objective;
-        cost.swap(problem.cost);
-        bool isFeasible = complete(x, objective);
-        cost.swap(problem.cost);
-        return isFeasible      ? KVX_STATUS_UNBOUNDED
-               : run.stopped() ? run.stopped()
-                               : KVX_STATUS_INFEASIBLE_OR_UNBOUNDED;
+        auto inner = makeInnerModel(run.settings, run.model);
+        for (const Constraint &row : run.lazies)
+            addConstraint(*inner, row);
+        int status = findPoint(run, *inner, completionNodes);
+        return inner->solution.hasX              ? KVX_STATUS_UNBOUNDED
+               : run.stopped()                   ? run.stopped()
+               : status == KVX_STATUS_INFEASIBLE ? status
+                                                 : KVX_STATUS_INFEASIBLE_OR_UNBOUNDED;
     }
     if (relaxation.status != KVX_STATUS_OPTIMAL)
         return relaxation.status;
