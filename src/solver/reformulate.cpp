@@ -130,8 +130,9 @@ struct Reformulation {
             set(KVX_SOS_TYPE1, {{distance, 1}, {isChosen, 1}});
             chosen.push_back({isChosen, 1});
         }
-        row(chosen, 1, 1);
-        row({{result, sign}}, -KVX_INFINITY, limit);
+        row(chosen, 1, 1); // can't hold without operands
+        if (!operands.empty())
+            row({{result, sign}}, -KVX_INFINITY, limit);
     }
 
     // result = whether all or any of the binary operands are 1; the total is their sum minus it.

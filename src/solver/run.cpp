@@ -134,6 +134,11 @@ void Run::report(int where, std::vector<Datum> data, const std::vector<double> *
     occasion = {};
     if (callbackStatus)
         stop(KVX_STATUS_INTERRUPTED);
+    if (where != KVX_CB_MIPSOL)
+        offerProposals();
+}
+
+void Run::offerProposals() {
     for (auto &[x, value] : std::exchange(proposals, {}))
         offer(x, value);
 }
@@ -168,14 +173,15 @@ void Run::offer(const std::vector<double> &x, double value) {
                 {KVX_CB_MIPSOL_NODES, nodes},
                 {KVX_CB_MIPSOL_SOLCOUNT, 1.0 * solutions}},
                &x);
-    if (!satisfiesLazies(x))
-        return stop(again);
-    if (!better(value, bestObjective)) // than one that the callback proposed meanwhile
-        return;
-    best = x;
-    bestObjective = value;
-    if (++solutions >= solutionLimit)
-        stop(KVX_STATUS_SOLUTION_LIMIT);
+    if (satisfiesLazies(x)) {
+        best = x;
+        bestObjective = value;
+        if (++solutions >= solutionLimit)
+            stop(KVX_STATUS_SOLUTION_LIMIT);
+    } else {
+        stop(again);
+    }
+    offerProposals(); // that came meanwhile and may be better still
 }
 
 void Run::conduct(const std::function<void(Run &)> &operation) {

@@ -95,6 +95,7 @@ class Run {
     std::atomic<bool> finished{false};
 
   private:
+    void offerProposals();
     bool satisfiesLazies(const std::vector<double> &x) const;
 
     int stopStatus = 0;
