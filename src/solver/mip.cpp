@@ -27,8 +27,7 @@ namespace {
 constexpr double zeroInSet = 1e-6;   // Members of a set up to this size count as zero.
 constexpr int completionNodes = 500; // spent on a partial or any solution
 
-class Mip {
-  public:
+struct Mip {
     Mip(Run &run, const Problem &problem) : run(run), problem(problem) {
         run.complete = [this](auto &x, double &objective) { return complete(x, objective); };
     }
@@ -36,11 +35,6 @@ class Mip {
     Outcome solve();
     void follow(CbcModel &cbc, CbcEventHandler::CbcEvent event);
     void node(const double *relaxation, OsiCuts &cuts);
-
-    Run &run;
-    Problem problem;
-
-  private:
     int solveOnce();
     void markIntegers(OsiSolverInterface &solver) const;
     void configure(CbcModel &cbc) const;
@@ -50,12 +44,14 @@ class Mip {
     bool complete(std::vector<double> &x, double &objective);
     bool solveRest(std::vector<double> &x);
     void candidate(const CbcModel &cbc);
+
+    Run &run;
+    Problem problem;
 };
 
 // Lets the run follow the tree and ends the search when the run has to end. Heuristics search
 // smaller models with copies of it, whose solutions are not those of the model itself.
-class TreeWatch : public CbcEventHandler {
-  public:
+struct TreeWatch : CbcEventHandler {
     TreeWatch(Mip &mip, const CbcModel *whole) : mip(mip), whole(whole) {}
     using CbcEventHandler::event;
     CbcAction event(CbcEvent event) override {
@@ -65,14 +61,12 @@ class TreeWatch : public CbcEventHandler {
     }
     CbcEventHandler *clone() const override { return new TreeWatch(*this); }
 
-  private:
     Mip &mip;
     const CbcModel *whole;
 };
 
 // Shows each node's relaxation to the callback, and adds its cuts.
-class NodeWatch : public CglCutGenerator {
-  public:
+struct NodeWatch : CglCutGenerator {
     explicit NodeWatch(Mip &mip) : mip(mip) {}
     void generateCuts(const OsiSolverInterface &solver, OsiCuts &cuts, const CglTreeInfo) override {
         if (solver.getNumCols() == intSize(mip.problem.cost.size()))
@@ -80,13 +74,11 @@ class NodeWatch : public CglCutGenerator {
     }
     CglCutGenerator *clone() const override { return new NodeWatch(*this); }
 
-  private:
     Mip &mip;
 };
 
 // Hands the run's best solution to Cbc when Cbc doesn't have it: a start or a proposal.
-class Incumbent : public CbcHeuristic {
-  public:
+struct Incumbent : CbcHeuristic {
     Incumbent(CbcModel &cbc, const Run &run) : CbcHeuristic(cbc), run(run) {}
     int solution(double &objective, double *x) override {
         if (run.best.empty() || run.sense * run.bestObjective >= objective)
@@ -99,7 +91,6 @@ class Incumbent : public CbcHeuristic {
     void resetModel(CbcModel *model) override { setModel(model); }
     CbcHeuristic *clone() const override { return new Incumbent(*this); }
 
-  private:
     const Run &run;
 };
 
@@ -365,10 +356,11 @@ int Mip::solveOnce() {
 
 Outcome Mip::solve() {
     std::vector<double> start;
-    for (const Variable &var : run.model.vars)
+    bool hasStart = false;
+    for (const Variable &var : run.model.vars) {
         start.push_back(var.start);
-    bool hasStart =
-        std::any_of(start.begin(), start.end(), [](double v) { return v != KVX_UNDEFINED; });
+        hasStart |= var.start != KVX_UNDEFINED;
+    }
     double objective;
     if (hasStart && run.best.empty() && complete(start, objective))
         run.offer(start, objective);

@@ -64,13 +64,11 @@ struct Outcome {
 
 // Ends what simplex does when the run has to end; for the run's linear model itself it also reports
 // the progress.
-class SimplexWatch : public ClpEventHandler {
-  public:
+struct SimplexWatch : ClpEventHandler {
     SimplexWatch(Run &run, bool itself) : run(run), itself(itself) {}
     int event(Event event) override;
     ClpEventHandler *clone() const override { return new SimplexWatch(*this); }
 
-  private:
     Run &run;
     bool itself;
 };

@@ -1,4 +1,4 @@
-// Reformulation of what Cbc doesn't know into linear rows, integer variables and SOS. Logical
+// Reformulation of what Cbc doesn't know into linear rows, integer variables and SOS. Most
 // conditions become SOS of type 1 rather than rows with large constants: of a slack and a binary
 // variable only one may be nonzero, however large the slack may get. Where the variables' bounds
 // limit a slack it is limited, since without its SOS the model should be bounded, too.
@@ -216,10 +216,8 @@ struct Reformulation {
                                                           : Expression{{operand, 1}});
             total = total + operands.back();
         }
-        if (kind == KVX_GENCONSTR_MAX)
-            extremum(result, operands, constr.number, 1);
-        else if (kind == KVX_GENCONSTR_MIN)
-            extremum(result, operands, constr.number, -1);
+        if (kind == KVX_GENCONSTR_MAX || kind == KVX_GENCONSTR_MIN)
+            extremum(result, operands, constr.number, kind == KVX_GENCONSTR_MAX ? 1 : -1);
         else if (kind == KVX_GENCONSTR_AND || kind == KVX_GENCONSTR_OR)
             logical(constr, total);
         else if (kind == KVX_GENCONSTR_ABS)
