@@ -147,6 +147,13 @@ int count(M &m, size_t) {
     return static_cast<int>(std::count_if(m.vars.begin(), m.vars.end(), test));
 }
 
+int nonzeros(M &m, size_t) {
+    size_t sum = 0;
+    for (const Constraint &constr : m.constrs)
+        sum += constr.row.size();
+    return intSize(sum);
+}
+
 int isMip(M &m, size_t) {
     return !m.sos.empty() || !m.genconstrs.empty() || count<Is::discrete>(m, 0) > 0;
 }
@@ -166,7 +173,7 @@ constexpr int general = KVX_OF_GENCONSTRAINT;
 constexpr Attribute table[] = {
     {"NumVars", model, Int{[](M &m, size_t) { return intSize(m.vars.size()); }}},
     {"NumConstrs", model, Int{[](M &m, size_t) { return intSize(m.constrs.size()); }}},
-    {"NumNZs", model, Int{[](M &m, size_t) { return matrixOf(m).getNumElements(); }}},
+    {"NumNZs", model, Int{nonzeros}},
     {"NumSOS", model, Int{[](M &m, size_t) { return intSize(m.sos.size()); }}},
     {"NumQConstrs", model, Int{[](M &, size_t) { return 0; }}},
     {"NumGenConstrs", model, Int{[](M &m, size_t) { return intSize(m.genconstrs.size()); }}},

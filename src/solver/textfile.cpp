@@ -27,11 +27,17 @@ std::string readFile(const std::string &name) {
             gzip ? gzread(gzip, buffer, sizeof buffer) : BZ2_bzread(bzip2, buffer, sizeof buffer);
         text.append(buffer, at(std::max(length, 0)));
     }
+    int status, rest = 0; // of a second stream, which isn't read
+    void *unused;
+    if (bzip2)
+        BZ2_bzReadGetUnused(&status, bzip2, &unused, &rest);
     BZ2_bzclose(bzip2);
+    bool isPlain = gzip && gzdirect(gzip), isGzip = hasEnding(name, ".gz");
     // Only closing tells that a gzip file is cut off.
-    if ((gzip && gzclose(gzip) != Z_OK) || length < 0)
+    bool isWhole = !gzip || gzclose(gzip) == Z_OK;
+    if (length < 0 || !isWhole || rest > 0 || (isGzip && isPlain))
         fail(KVX_ERROR_FILE_READ, "%s: %s", name.c_str(),
-             errno ? std::strerror(errno) : "damaged or cut off");
+             errno ? std::strerror(errno) : "damaged, cut off or not packed as its name says");
     return text;
 }
 
