@@ -37,7 +37,7 @@ std::string readFile(const std::string &name) {
     bool isWhole = !gzip || gzclose(gzip) == Z_OK;
     if (length < 0 || !isWhole || rest > 0 || (isGzip && isPlain))
         fail(KVX_ERROR_FILE_READ, "%s: %s", name.c_str(),
-             errno ? std::strerror(errno) : "damaged, cut off or not packed as its name says");
+             errno ? std::strerror(errno) : "damaged or cut off, or not packed as its name says");
     return text;
 }
 

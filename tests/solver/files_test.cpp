@@ -129,7 +129,7 @@ TEST_F(Files, damagedFilesAreRefusedWithFileAndLine) {
         {"a.lp", "min\n x + [ x ^ 2 ] / 2\nst\nend\n", "line 2: '[' stands where a variable"},
         {"a.lp", "min\n x\nst\nsos\n s: S1 :: x:1\nend\n", "line 5: 's' doesn't go on"},
         {"a.lp", "min\n x\nmin\n x\nend\n", "line 3: 'min' is no section"},
-        {"a.mps.gz", "NAME\nROWS\n", "line 2: the file ends without ENDATA"},
+        {"a.mps.gz", "NAME\nROWS\n", "not packed as its name says"},
         {"a.mps.bz2", "", "damaged or cut off"},
         {"a.txt", "", "the name doesn't end like that of such a file"},
     };
