@@ -8,8 +8,11 @@
 namespace korvex {
 namespace {
 
-// Whether the model is infeasible with only those constraints and bounds that are marked.
-bool isInfeasible(Run &run) {
+constexpr double trialNodes = 2000; // Integers without bounds can keep a search going for ever.
+
+// Whether the model is found to be infeasible with only those constraints and bounds that are
+// marked.
+bool isInfeasible(Run &run, double nodeLimit) {
     auto inner = makeInnerModel(run.settings, run.model);
     auto isOut = [](const Constraint &constr) { return constr.iis == 0; };
     auto &constrs = inner->constrs;
@@ -20,7 +23,7 @@ bool isInfeasible(Run &run) {
             var.ub = var.iisUb ? var.ub : KVX_INFINITY;
             var.type = var.isInteger() ? KVX_INTEGER : KVX_CONTINUOUS;
         }
-    int status = findPoint(run, *inner);
+    int status = findPoint(run, *inner, nodeLimit);
     if (run.stopped())
         fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the search was ended early");
     return status == KVX_STATUS_INFEASIBLE;
@@ -40,17 +43,17 @@ void findSubsystem(Run &run) {
     }
     for (int *mark : members)
         *mark = 1;
-    if (!isInfeasible(run))
+    if (!isInfeasible(run, KVX_INFINITY))
         fail(KVX_ERROR_INVALID_ARGUMENT, "the model is feasible, as far as can be told");
-    // Those before the position belong to the result: without one of them the present rest isn't
-    // infeasible. Several are left out at once while that goes well.
+    // Those before the position belong to the result: without one of them the present rest is
+    // feasible, or it can't be told. Several are left out at once while that goes well.
     for (size_t position = 0, chunk = members.size() / 4 + 1; position < members.size();) {
         chunk = std::min(chunk, members.size() - position);
         run.report(KVX_CB_IIS, {{KVX_CB_IIS_CONSTRS, 1.0 * intSize(position)},
                                 {KVX_CB_IIS_UNDECIDED, 1.0 * intSize(members.size() - position)}});
         auto begin = members.begin() + intSize(position), end = begin + intSize(chunk);
         std::for_each(begin, end, [](int *mark) { *mark = 0; });
-        if (isInfeasible(run)) {
+        if (isInfeasible(run, trialNodes)) {
             members.erase(begin, end);
             chunk *= 2;
             continue;

@@ -123,7 +123,7 @@ std::unique_ptr<KVXmodel> makeInnerModel(const KVXenv &env, const ModelData &dat
 int solveInside(Run &run, KVXmodel &model, double seconds = KVX_INFINITY);
 
 // The same without the model's objective: the first solution will do.
-int findPoint(Run &run, KVXmodel &model, double nodeLimit = KVX_INFINITY);
+int findPoint(Run &run, KVXmodel &model, double nodeLimit);
 
 // A number for the log.
 std::string shown(double value);
