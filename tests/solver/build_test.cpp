@@ -7,7 +7,7 @@
 
 namespace {
 
-const double inf = KVX_INFINITY, nan = std::numeric_limits<double>::quiet_NaN();
+const double nan = std::numeric_limits<double>::quiet_NaN();
 
 // What is deleted of a model, or left out when it is built.
 struct Gone {

@@ -3,34 +3,16 @@
 
 #include <atomic>
 #include <cmath>
-#include <cstdio>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 namespace {
 
-int load(KVXenv *&env, int major, int key) {
-    return KVXloadenvadv(&env, nullptr, KVX_INTERFACE_JAVA, major, 0, 0, nullptr, nullptr, nullptr,
-                         nullptr, key, 1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-}
-
-std::string contents(const std::string &file) {
-    std::ostringstream text;
-    text << std::ifstream(file).rdbuf();
-    return text.str();
-}
-
-std::string temporary(const char *name) {
-    return testing::TempDir() + name;
-}
-
 TEST(Env, ExplainsWhyItRefuses) {
     KVXenv *env = nullptr;
-    EXPECT_EQ(KVX_ERROR_VERSION, load(env, 12, KVX_LOADENV_KEY));
+    EXPECT_EQ(KVX_ERROR_VERSION, Env::load(env, 12, KVX_LOADENV_KEY));
     EXPECT_STREQ("the caller is version 12.0.0, the solver library 13.0.3", KVXgeterrormsg(env));
     KVXfreeenv(env);
-    EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, load(env, 13, 1));
+    EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, Env::load(env, 13, 1));
     KVXmodel *model = nullptr;
     EXPECT_EQ(KVX_ERROR_NOT_STARTED,
               KVXnewmodel(env, &model, nullptr, 0, nullptr, nullptr, nullptr, nullptr, nullptr));
@@ -65,7 +47,7 @@ TEST(Params, KeepTheirRangesAndSurviveAFile) {
     EXPECT_EQ(KVX_OK, KVXgetlongstrparam(env, "ResultFile", buffer, 1001, &length));
     EXPECT_EQ(text, buffer);
 
-    std::ofstream(file) << "# settings\n\nMIPGap 0.5\r\nThreads -1\n";
+    store(file, "# settings\n\nMIPGap 0.5\r\nThreads -1\n");
     EXPECT_EQ(KVX_ERROR_VALUE_OUT_OF_RANGE, KVXreadparams(env, file.c_str()));
     EXPECT_EQ(file + ", line 4: parameter Threads must be between 0 and 1024, not -1",
               KVXgeterrormsg(env));
@@ -96,7 +78,6 @@ struct Listener {
 TEST(Log, DeliversWholeLinesOfValidTextOneAtATime) {
     Env env;
     const std::string file = temporary("solver.log");
-    std::remove(file.c_str());
     ASSERT_EQ(KVX_OK, KVXsetstrparam(env, "LogFile", file.c_str()));
     Listener listener{env, {}};
     ASSERT_EQ(KVX_OK, KVXsetlogcallbackfuncenv(env, Listener::hear, &listener));

@@ -1,47 +1,17 @@
 // Runs: what callbacks see and decide, background runs, requests to end, several at once.
 #include "solver_case.h"
 
+#include <atomic>
 #include <chrono>
-#include <random>
+#include <cstring>
 #include <thread>
 
 namespace {
 
-// Splits the numbers of each row into two halves of equal sum; leaves as little over as possible.
-// With many columns no solver comes to an end.
-Model marketSplit(KVXenv *env, int columns, int rows, unsigned seed = 1) {
-    std::mt19937 random(seed);
-    KVXmodel *model = nullptr;
-    std::string types(static_cast<size_t>(columns), KVX_BINARY);
-    types.append(static_cast<size_t>(2 * rows), KVX_CONTINUOUS);
-    std::vector<double> obj(types.size(), 1);
-    std::fill(obj.begin(), obj.begin() + columns, 0.0);
-    EXPECT_EQ(KVX_OK, KVXnewmodel(env, &model, "split", columns + 2 * rows, obj.data(), nullptr,
-                                  nullptr, types.data(), nullptr));
-    for (int i = 0; i < rows; i++) {
-        std::vector<int> ind;
-        std::vector<double> val;
-        int sum = 0;
-        for (int j = 0; j < columns; j++) {
-            int number = static_cast<int>(random() % 100);
-            ind.push_back(j);
-            val.push_back(number);
-            sum += number;
-        }
-        ind.insert(ind.end(), {columns + 2 * i, columns + 2 * i + 1});
-        val.insert(val.end(), {1, -1});
-        const int begin = 0;
-        const double half = sum / 2;
-        EXPECT_EQ(KVX_OK, KVXaddconstrs(model, 1, columns + 2, &begin, ind.data(), val.data(), "=",
-                                        &half, nullptr));
-    }
-    return Model(model);
-}
-
 struct Watch {
     std::thread::id thread;
     int calls = 0, solutions = 0, syncResult = 0, freeResult = 0, stopWhere = -1;
-    double best = KVX_INFINITY;
+    double best = inf;
     std::string lastLine;
 
     static int callback(KVXmodel *model, void *cbdata, int where, void *userdata) {
@@ -96,12 +66,10 @@ TEST(Run, EndsInTheBackgroundWhenAsked) {
     // The request is spent; one that comes before a run ends just that run.
     MUST(model, KVXsetcallbackfunc(model.get(), nullptr, nullptr));
     KVXsetdblparam(KVXgetenv(model.get()), "TimeLimit", 0.1);
-    const int expected[] = {KVX_STATUS_TIME_LIMIT, KVX_STATUS_INTERRUPTED, KVX_STATUS_TIME_LIMIT};
-    for (int round = 0; round < 3; round++) {
-        if (round == 1)
+    for (int expected : {KVX_STATUS_TIME_LIMIT, KVX_STATUS_INTERRUPTED, KVX_STATUS_TIME_LIMIT}) {
+        if (expected == KVX_STATUS_INTERRUPTED)
             KVXterminate(model.get());
-        MUST(model, KVXoptimize(model.get()));
-        EXPECT_EQ(expected[round], intAttr(model, "Status")) << round;
+        EXPECT_EQ(expected, solved(model).first);
     }
     MUST(model, KVXoptimizeasync(model.get())); // Freeing the model ends the run.
 }
@@ -119,14 +87,38 @@ TEST(Run, EndsWithTheResultOfTheCallback) {
     }
 }
 
+// Calls that fail, and the text that each of them must leave to its own thread.
+void failOften(int count, const char *text, KVXmodel *model, int (*call)(KVXmodel *)) {
+    for (int k = 0; k < count; k++) {
+        ASSERT_EQ(KVX_ERROR_IN_PROGRESS, call(model));
+        ASSERT_NE(nullptr, std::strstr(KVXgetmerrormsg(model), text)) << KVXgetmerrormsg(model);
+    }
+}
+
+TEST(Run, ThreadsFailAtTheSameTime) {
+    Env env;
+    Model model = marketSplit(env, 40, 5);
+    std::atomic<bool> isReady{false};
+    auto callback = [](KVXmodel *m, void *, int, void *ready) {
+        if (!static_cast<std::atomic<bool> *>(ready)->exchange(true))
+            failOften(2000, "its own thread", m, KVXsync);
+        return 0;
+    };
+    MUST(model, KVXsetcallbackfunc(model.get(), callback, &isReady));
+    MUST(model, KVXoptimizeasync(model.get()));
+    while (!isReady)
+        std::this_thread::yield();
+    failOften(20000, "going on", model.get(),
+              [](KVXmodel *m) { return KVXsetdblattr(m, "ObjCon", 1); });
+}
+
 TEST(Run, SeveralAtOnceDontDisturbEachOther) {
-    std::vector<double> alone, together(4);
+    Vector alone, together(4);
     auto solve = [](unsigned seed) {
         Env env;
-        Model model = marketSplit(env, 12, 2, seed);
-        EXPECT_EQ(KVX_OK, KVXoptimize(model.get()));
-        EXPECT_EQ(KVX_STATUS_OPTIMAL, intAttr(model, "Status"));
-        return dblAttr(model, "ObjVal");
+        auto [status, value] = solved(marketSplit(env, 12, 2, seed));
+        EXPECT_EQ(KVX_STATUS_OPTIMAL, status);
+        return value;
     };
     for (unsigned seed = 0; seed < 4; seed++)
         alone.push_back(solve(seed));

@@ -1,6 +1,16 @@
 #include "solver_case.h"
 
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <numeric>
 #include <sstream>
+#include <unistd.h>
+
+int Env::load(KVXenv *&env, int major, int key) {
+    return KVXloadenvadv(&env, nullptr, KVX_INTERFACE_JAVA, major, 0, 0, nullptr, nullptr, nullptr,
+                         nullptr, key, 1, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+}
 
 int intAttr(const Model &model, const char *name) {
     int value = 0;
@@ -14,44 +24,139 @@ double dblAttr(const Model &model, const char *name) {
     return value;
 }
 
+Vector dblAttrs(const Model &model, const char *name, size_t count) {
+    Vector result(count);
+    EXPECT_EQ(KVX_OK,
+              KVXgetdblattrarray(model.get(), name, 0, static_cast<int>(count), result.data()))
+        << KVXgetmerrormsg(model.get());
+    return result;
+}
+
+std::pair<int, double> solved(const Model &model) {
+    EXPECT_EQ(KVX_OK, KVXoptimize(model.get())) << KVXgetmerrormsg(model.get());
+    int status = intAttr(model, "Status");
+    return {status, status == KVX_STATUS_OPTIMAL ? dblAttr(model, "ObjVal") : 0};
+}
+
 Model derived(const Model &model, int (*derive)(KVXmodel *, KVXmodel **)) {
     KVXmodel *result = nullptr;
     EXPECT_EQ(KVX_OK, derive(model.get(), &result)) << KVXgetmerrormsg(model.get());
     return Model(result);
 }
 
-namespace {
+Model Data::build(KVXenv *env) const {
+    KVXmodel *model = nullptr;
+    auto orNull = [](const auto &values) { return values.empty() ? nullptr : values.data(); };
+    EXPECT_EQ(KVX_OK, KVXnewmodel(env, &model, "m", static_cast<int>(obj.size()), orNull(obj),
+                                  orNull(lb), orNull(ub), orNull(types), nullptr));
+    for (const auto &[dense, lower, upper] : rows) {
+        std::vector<int> ind;
+        Vector val;
+        for (size_t j = 0; j < dense.size(); j++)
+            if (dense[j] != 0) {
+                ind.push_back(static_cast<int>(j));
+                val.push_back(dense[j]);
+            }
+        const int begin = 0, length = static_cast<int>(ind.size());
+        const char sense = lower == upper ? '=' : upper < inf ? '<' : '>';
+        const bool isRange = lower != upper && (lower > -inf) == (upper < inf);
+        EXPECT_EQ(KVX_OK, isRange ? KVXaddrangeconstrs(model, 1, length, &begin, ind.data(),
+                                                       val.data(), &lower, &upper, nullptr)
+                                  : KVXaddconstrs(model, 1, length, &begin, ind.data(), val.data(),
+                                                  &sense, sense == '>' ? &lower : &upper, nullptr));
+    }
+    EXPECT_EQ(KVX_OK, KVXsetintattr(model, "ModelSense", sense));
+    EXPECT_EQ(KVX_OK, KVXsetdblattr(model, "ObjCon", constant));
+    return Model(model);
+}
+
+bool Data::holds(const Vector &x, double tolerance) const {
+    bool result = true;
+    auto check = [&](double value, double lower, double upper) {
+        result &= value >= lower - tolerance && value <= upper + tolerance;
+    };
+    for (size_t j = 0; j < lb.size(); j++)
+        check(x[j], lb[j], ub[j]);
+    for (const Row &row : rows)
+        check(product(row.val, x), row.lower, row.upper);
+    return result;
+}
+
+Data randomData(Random &random, int vars, int rows, const std::string &types, int shift) {
+    Data data;
+    Vector point;
+    auto around = [&](double value) -> std::pair<double, double> {
+        const double low = value - random(0, 3), high = value + random(0, 3);
+        const std::pair<double, double> shapes[] = {
+            {low, high}, {low, inf}, {-inf, high}, {value, value}};
+        return shapes[random(0, 3)];
+    };
+    for (int j = 0; j < vars; j++) {
+        point.push_back(random(-3, 3));
+        auto [low, high] = around(point.back());
+        const bool isFree = random(0, 4) == 0;
+        data.lb.push_back(isFree ? -inf : low);
+        data.ub.push_back(isFree ? inf : high);
+        data.obj.push_back(random(-4, 4));
+        data.types += types[static_cast<size_t>(random(0, static_cast<int>(types.size()) - 1))];
+    }
+    for (int i = 0; i < rows; i++) {
+        Vector val;
+        for (int j = 0; j < vars; j++)
+            val.push_back(random(-3, 3));
+        auto [lower, upper] = around(product(val, point) + random(-shift, shift));
+        data.rows.push_back({val, lower, upper});
+    }
+    data.sense = random(0, 1) ? KVX_MINIMIZE : KVX_MAXIMIZE;
+    data.constant = random(-5, 5);
+    return data;
+}
+
+Model marketSplit(KVXenv *env, size_t columns, size_t rows, unsigned seed) {
+    Random random(seed);
+    Data data{Vector(columns), {}, {}, std::string(columns, KVX_BINARY), {}};
+    data.obj.resize(columns + 2 * rows, 1);
+    data.types.resize(columns + 2 * rows, KVX_CONTINUOUS);
+    for (size_t i = 0; i < rows; i++) {
+        Vector val(columns + 2 * rows);
+        for (size_t j = 0; j < columns; j++)
+            val[j] = random(0, 99);
+        const double half = std::floor(std::accumulate(val.begin(), val.end(), 0.0) / 2);
+        val[columns + 2 * i] = 1;
+        val[columns + 2 * i + 1] = -1;
+        data.rows.push_back({val, half, half});
+    }
+    return data.build(env);
+}
+
+double product(const Vector &a, const Vector &b) {
+    return std::inner_product(a.begin(), a.end(), b.begin(), 0.0);
+}
+
+std::string temporary(const std::string &name) {
+    static const struct Folder {
+        const std::string path = testing::TempDir() + "korvex-" + std::to_string(getpid()) + "/";
+        Folder() { std::filesystem::create_directory(path); }
+        ~Folder() { std::filesystem::remove_all(path); }
+    } folder;
+    return folder.path + name;
+}
+
+std::string contents(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void store(const std::string &path, const std::string &text) {
+    std::ofstream(path, std::ios::binary) << text;
+}
 
 template <class T>
-std::ostream &operator<<(std::ostream &out, const std::vector<T> &values) {
+static std::ostream &operator<<(std::ostream &out, const std::vector<T> &values) {
     for (const T &value : values)
         out << ' ' << value;
     return out << '\n';
 }
-
-template <class T, class Get>
-void describeAttrs(std::ostream &out, KVXmodel *model, std::vector<const char *> names, int size,
-                   Get get) {
-    for (const char *name : names) {
-        std::vector<T> values(static_cast<size_t>(size));
-        EXPECT_EQ(KVX_OK, get(model, name, 0, size, values.data())) << name;
-        out << name << values;
-    }
-}
-
-// read(numP, beg, ind, val): one of the readers of sparse lists.
-template <class Read>
-void describeLists(std::ostream &out, int count, Read read) {
-    int num = 0;
-    EXPECT_EQ(KVX_OK, read(&num, nullptr, nullptr, nullptr));
-    auto size = static_cast<size_t>(num);
-    std::vector<int> beg(static_cast<size_t>(count) + 1), ind(size);
-    std::vector<double> val(size);
-    EXPECT_EQ(KVX_OK, read(&num, beg.data(), ind.data(), val.data()));
-    out << "lists" << beg << ind << val;
-}
-
-} // namespace
 
 std::string described(KVXmodel *model) {
     std::ostringstream out;
@@ -65,43 +170,51 @@ std::string described(KVXmodel *model) {
         count(name);
     const int vars = count("NumVars"), constrs = count("NumConstrs"), sos = count("NumSOS"),
               genconstrs = count("NumGenConstrs");
-    describeAttrs<double>(out, model, {"LB", "UB", "Obj", "ObjN", "Start"}, vars,
-                          KVXgetdblattrarray);
-    describeAttrs<char>(out, model, {"VarType"}, vars, KVXgetcharattrarray);
-    describeAttrs<const char *>(out, model, {"VarName"}, vars, KVXgetstrattrarray);
-    describeAttrs<double>(out, model, {"RHS", "RowLower", "RowUpper"}, constrs, KVXgetdblattrarray);
-    describeAttrs<char>(out, model, {"Sense"}, constrs, KVXgetcharattrarray);
-    describeAttrs<const char *>(out, model, {"ConstrName"}, constrs, KVXgetstrattrarray);
-    describeAttrs<int>(out, model, {"GenConstrType"}, genconstrs, KVXgetintattrarray);
-    describeAttrs<const char *>(out, model, {"GenConstrName"}, genconstrs, KVXgetstrattrarray);
-    describeLists(out, vars, [&](int *num, int *beg, int *ind, double *val) {
-        return KVXgetvars(model, num, beg, ind, val, 0, vars);
-    });
-    describeLists(out, constrs, [&](int *num, int *beg, int *ind, double *val) {
-        return KVXgetconstrs(model, num, beg, ind, val, 0, constrs);
-    });
-    std::vector<int> types(static_cast<size_t>(sos));
-    describeLists(out, sos, [&](int *num, int *beg, int *ind, double *val) {
-        return KVXgetsos(model, num, types.data(), beg, ind, val, 0, sos);
-    });
+    auto attrs = [&](auto get, auto sample, int size, std::vector<const char *> names) {
+        for (const char *name : names) {
+            std::vector<decltype(sample)> values(static_cast<size_t>(size));
+            EXPECT_EQ(KVX_OK, get(model, name, 0, size, values.data())) << name;
+            out << name << values;
+        }
+    };
+    const char *const text = nullptr;
+    attrs(KVXgetdblattrarray, 0.0, vars, {"LB", "UB", "Obj", "ObjN", "Start"});
+    attrs(KVXgetcharattrarray, ' ', vars, {"VarType"});
+    attrs(KVXgetstrattrarray, text, vars, {"VarName"});
+    attrs(KVXgetdblattrarray, 0.0, constrs, {"RHS", "RowLower", "RowUpper"});
+    attrs(KVXgetcharattrarray, ' ', constrs, {"Sense"});
+    attrs(KVXgetstrattrarray, text, constrs, {"ConstrName"});
+    attrs(KVXgetintattrarray, 0, genconstrs, {"GenConstrType"});
+    attrs(KVXgetstrattrarray, text, genconstrs, {"GenConstrName"});
+
+    std::vector<int> begin(200), ind(500), types(static_cast<size_t>(sos));
+    Vector val(500), y(500);
+    int num = 0;
+    auto list = [&](int items, int status) {
+        EXPECT_EQ(KVX_OK, status);
+        out << "list" << std::vector<int>(begin.begin(), begin.begin() + items)
+            << std::vector<int>(ind.begin(), ind.begin() + num)
+            << Vector(val.begin(), val.begin() + num) << Vector(y.begin(), y.begin() + num);
+    };
+    int *const b = begin.data(), *const i = ind.data();
+    double *const v = val.data();
+    list(vars, KVXgetvars(model, &num, b, i, v, 0, vars));
+    list(constrs, KVXgetconstrs(model, &num, b, i, v, 0, constrs));
+    list(sos, KVXgetsos(model, &num, types.data(), b, i, v, 0, sos));
     out << "types" << types;
-    for (int j = 0; j < vars; j++) {
-        int num = 0;
-        double x[32], y[32];
-        EXPECT_EQ(KVX_OK, KVXgetpwlobj(model, j, &num, x, y));
-        out << "pwl" << std::vector<double>(x, x + num) << std::vector<double>(y, y + num);
-    }
+    for (int j = 0; j < vars; j++)
+        list(0, KVXgetpwlobj(model, j, &num, v, y.data()));
     for (int g = 0; g < genconstrs; g++) {
-        int first = 0, second = 0, num = 0, ind[32] = {};
-        double val[32] = {}, y[32] = {}, number = 0;
+        int first = 0, second = num = 0;
+        double number = 0;
         char sense = ' ';
-        EXPECT_TRUE(
-            !KVXgetgenconstrIndicator(model, g, &first, &second, &num, ind, val, &sense, &number) ||
-            !KVXgetgenconstrMax(model, g, &first, &num, ind, &number) ||
+        const bool isRead =
+            !KVXgetgenconstrIndicator(model, g, &first, &second, &num, i, v, &sense, &number) ||
+            !KVXgetgenconstrMax(model, g, &first, &num, i, &number) ||
             !KVXgetgenconstrAbs(model, g, &first, &second) ||
-            !KVXgetgenconstrPWL(model, g, &first, &second, &num, val, y));
-        out << first << ' ' << second << ' ' << sense << number << std::vector<int>(ind, ind + num)
-            << std::vector<double>(val, val + num) << std::vector<double>(y, y + num);
+            !KVXgetgenconstrPWL(model, g, &first, &second, &num, v, y.data());
+        out << first << ' ' << second << ' ' << sense << number;
+        list(0, isRead ? KVX_OK : KVX_ERROR_NOT_FOUND);
     }
     return out.str();
 }

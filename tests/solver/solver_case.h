@@ -1,4 +1,5 @@
-// What the solver's tests share: owners of environments and models, and a model as text.
+// What the solver's tests share: owners of environments and models, models from data and as text,
+// random numbers, enumeration, files.
 #ifndef KORVEX_TESTS_SOLVER_CASE_H
 #define KORVEX_TESTS_SOLVER_CASE_H
 
@@ -7,21 +8,23 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 #include <string>
 #include <vector>
+
+using Vector = std::vector<double>;
+constexpr double inf = KVX_INFINITY;
 
 // A started environment that writes nothing to the console.
 struct Env {
     KVXenv *env = nullptr;
-    Env() {
-        EXPECT_EQ(KVX_OK, KVXloadenvadv(&env, nullptr, KVX_INTERFACE_JAVA, KVX_VERSION_MAJOR, 0, 0,
-                                        nullptr, nullptr, nullptr, nullptr, KVX_LOADENV_KEY, 1,
-                                        nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
-    }
+    Env() { EXPECT_EQ(KVX_OK, load(env, KVX_VERSION_MAJOR, KVX_LOADENV_KEY)); }
     Env(const Env &) = delete;
     Env &operator=(const Env &) = delete;
     ~Env() { KVXfreeenv(env); }
     operator KVXenv *() const { return env; }
+
+    static int load(KVXenv *&env, int major, int key);
 };
 
 struct FreeModel {
@@ -32,12 +35,68 @@ using Model = std::unique_ptr<KVXmodel, FreeModel>;
 // A call on the model that must succeed; shows the error text otherwise.
 #define MUST(model, call) ASSERT_EQ(KVX_OK, call) << KVXgetmerrormsg(&*(model))
 
-// An attribute that must be there.
+// Attributes that must be there; an array has one element for each variable or constraint.
 int intAttr(const Model &model, const char *name);
 double dblAttr(const Model &model, const char *name);
+Vector dblAttrs(const Model &model, const char *name, size_t count);
+
+// Solves a model: its status, and the objective value when it is optimal.
+std::pair<int, double> solved(const Model &model);
 
 // A model derived from another one by one of the functions that do.
 Model derived(const Model &model, int (*derive)(KVXmodel *, KVXmodel **));
+
+struct Random {
+    std::mt19937 engine;
+    explicit Random(unsigned seed) : engine(seed) {}
+    int operator()(int low, int high) {
+        return low + static_cast<int>(engine() % static_cast<unsigned>(high - low + 1));
+    }
+};
+
+// A row with a coefficient for every variable.
+struct Row {
+    Vector val;
+    double lower, upper;
+};
+
+// A model to be built. Bounds and types may be left empty.
+struct Data {
+    Vector obj, lb, ub;
+    std::string types;
+    std::vector<Row> rows;
+    int sense = KVX_MINIMIZE;
+    double constant = 0;
+
+    Model build(KVXenv *env) const;
+    bool holds(const Vector &x, double tolerance = 0) const;
+};
+
+// Rows and bounds of all shapes around a point of integers from -3 to 3; the rows are then shifted
+// by up to so much. Types are picked from a text.
+Data randomData(Random &random, int vars, int rows, const std::string &types, int shift = 0);
+
+// Splits the numbers of each row into two halves of equal sum; leaves as little over as possible.
+// With 40 columns and 5 rows no solver comes to an end.
+Model marketSplit(KVXenv *env, size_t columns, size_t rows, unsigned seed = 1);
+
+double product(const Vector &a, const Vector &b);
+
+// Calls use(x) for all points of integers from low to high.
+template <class Use>
+void forPoints(size_t vars, int low, int high, Use use) {
+    Vector x(vars, low);
+    for (size_t j = 0; j < vars;) {
+        use(x);
+        for (j = 0; j < vars && ++x[j] > high; j++)
+            x[j] = low;
+    }
+}
+
+// The path of a file in a folder that goes away with the process, and what such a file holds.
+std::string temporary(const std::string &name);
+std::string contents(const std::string &path);
+void store(const std::string &path, const std::string &text);
 
 // The data of a model, all that can be read through the interface, as text.
 std::string described(KVXmodel *model);
