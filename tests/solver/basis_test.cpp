@@ -1,40 +1,61 @@
-// Basis solves, by multiplying back with all of a basis.
+// Basis solves, by multiplying back on a model with thousands of rows.
 #include "solver_case.h"
+
+#include <random>
 
 namespace {
 
-constexpr size_t rows = 120, columns = 150;
+constexpr int rows = 2000, columns = 2500;
 
 TEST(Basis, SolvesMultiplyBack) {
     Env env;
-    Random random(1);
-    Data data = randomData(random, columns, rows, "C");
-    for (size_t j = 0; j < columns; j++) {
-        data.lb[j] = std::max(data.lb[j], -9.0); // so that it isn't unbounded
-        data.ub[j] = std::min(data.ub[j], 9.0);
-    }
-    Model owner = data.build(env);
-    KVXmodel *model = owner.get();
-    std::vector<int> head(rows);
-    EXPECT_EQ(KVX_ERROR_DATA_NOT_AVAILABLE, KVXgetBasisHead(model, head.data()));
-    ASSERT_EQ(KVX_STATUS_OPTIMAL, solved(owner).first);
-    MUST(model, KVXgetBasisHead(model, head.data()));
-
-    // A column of the matrix, logicals included.
-    auto column = [&](int index) {
-        Vector result(rows);
-        const auto j = static_cast<size_t>(index);
-        for (size_t i = 0; i < rows; i++)
-            result[i] = j < columns ? data.rows[i].val[j] : i == j - columns;
-        return result;
+    std::mt19937 random(1);
+    auto pick = [&](int count) {
+        return static_cast<int>(random() % static_cast<unsigned>(count));
     };
-    auto timesBasis = [&](const Vector &x) {
-        Vector sum(rows);
-        for (size_t position = 0; position < rows; position++) {
-            const Vector member = column(head[position]);
-            for (size_t i = 0; i < rows; i++)
-                sum[i] += x[position] * member[i];
+    std::vector<int> begin, length(columns, 3), ind;
+    std::vector<double> val, obj, rhs(rows, 5), lb(columns, -1), ub(columns, 2);
+    for (int j = 0; j < columns; j++) {
+        begin.push_back(static_cast<int>(ind.size()));
+        obj.push_back(pick(19) - 9);
+        for (int k = 0; k < 3; k++) {
+            ind.push_back((pick(rows / 3) * 3 + k) % rows);
+            val.push_back(pick(2) ? 1 + pick(4) : -1 - pick(4));
         }
+    }
+    std::string senses;
+    for (double &side : rhs) {
+        senses += "<<=>"[pick(4)];
+        side = senses.back() == '>' ? -2 : senses.back() == '=' ? 0 : 2;
+    }
+    KVXmodel *made = nullptr;
+    ASSERT_EQ(KVX_OK,
+              KVXloadmodel(env, &made, "basis", columns, rows, 1, 0, obj.data(), senses.data(),
+                           rhs.data(), begin.data(), length.data(), ind.data(), val.data(),
+                           lb.data(), ub.data(), nullptr, nullptr, nullptr));
+    Model model(made);
+    std::vector<int> head(rows);
+    EXPECT_EQ(KVX_ERROR_DATA_NOT_AVAILABLE, KVXgetBasisHead(made, head.data()));
+    MUST(model, KVXoptimize(made));
+    ASSERT_EQ(KVX_STATUS_OPTIMAL, intAttr(model, "Status"));
+    MUST(model, KVXgetBasisHead(made, head.data()));
+
+    using Vector = std::vector<double>;
+    // Adds factor times a column of the matrix, logicals included, to a vector by rows.
+    auto addColumn = [&](int column, double factor, Vector &sum) {
+        if (column >= columns)
+            sum[static_cast<size_t>(column - columns)] += factor;
+        for (int k = 0; column < columns && k < 3; k++) {
+            auto at = static_cast<size_t>(3 * column + k);
+            sum[static_cast<size_t>(ind[at])] += factor * val[at];
+        }
+    };
+    auto times = [&](int column, const Vector &byRows) {
+        Vector unit(rows);
+        addColumn(column, 1, unit);
+        double sum = 0;
+        for (size_t i = 0; i < unit.size(); i++)
+            sum += unit[i] * byRows[i];
         return sum;
     };
     // Calls a basis solve with room for everything, or for one entry too few.
@@ -42,40 +63,48 @@ TEST(Basis, SolvesMultiplyBack) {
         std::vector<int> indices(size);
         Vector values(size), result(size);
         SparseVector x{static_cast<int>(size), indices.data(), values.data()};
-        EXPECT_EQ(KVX_OK, call(&x)) << KVXgetmerrormsg(model);
-        const auto length = static_cast<size_t>(x.len);
-        for (size_t k = 0; k < length; k++)
-            result[static_cast<size_t>(indices[k])] = values[k];
+        EXPECT_EQ(KVX_OK, call(&x)) << KVXgetmerrormsg(made);
+        for (int k = 0; k < x.len; k++)
+            result[static_cast<size_t>(indices[static_cast<size_t>(k)])] =
+                values[static_cast<size_t>(k)];
+        int guard = -1;
         SparseVector small{x.len - 1, indices.data(), values.data()};
-        indices[length - 1] = -1;
+        std::swap(guard, indices[static_cast<size_t>(x.len - 1)]);
         EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, call(&small));
-        EXPECT_EQ(-1, indices[length - 1]);
+        EXPECT_EQ(-1, indices[static_cast<size_t>(x.len - 1)]);
         return result;
     };
     auto expectEqual = [](const Vector &a, const Vector &b) {
-        for (size_t i = 0; i < rows; i++)
+        ASSERT_EQ(a.size(), b.size());
+        for (size_t i = 0; i < a.size(); i++)
             ASSERT_NEAR(a[i], b[i], 1e-7) << i;
     };
 
-    int ind[] = {3, 70, 119};
-    double val[] = {2, -1, 0.5};
-    SparseVector b{3, ind, val};
-    Vector dense(rows), priced;
-    dense[3] = 2, dense[70] = -1, dense[119] = 0.5;
-    expectEqual(dense,
-                timesBasis(solve([&](SparseVector *x) { return KVXFSolve(model, &b, x); }, rows)));
-    const Vector y = solve([&](SparseVector *x) { return KVXBSolve(model, &b, x); }, rows);
-    for (int member : head)
-        priced.push_back(product(column(member), y));
-    expectEqual(dense, priced);
+    int bInd[] = {3, 700, 1999};
+    double bVal[] = {2, -1, 0.5};
+    SparseVector b{3, bInd, bVal};
+    Vector dense(rows);
+    dense[3] = 2, dense[700] = -1, dense[1999] = 0.5;
+    Vector x = solve([&](SparseVector *to) { return KVXFSolve(made, &b, to); }, rows), back(rows);
+    for (size_t position = 0; position < rows; position++)
+        addColumn(head[position], x[position], back);
+    expectEqual(dense, back);
+    x = solve([&](SparseVector *to) { return KVXBSolve(made, &b, to); }, rows);
+    for (size_t position = 0; position < rows; position++)
+        back[position] = times(head[position], x);
+    expectEqual(dense, back);
 
     const int row = 17;
-    const Vector tableau =
-        solve([&](SparseVector *x) { return KVXBinvRowi(model, row, x); }, rows + columns);
-    for (int j = 0; j < static_cast<int>(rows + columns); j += 10) {
-        const Vector x = solve([&](SparseVector *to) { return KVXBinvColj(model, j, to); }, rows);
-        EXPECT_NEAR(x[row], tableau[static_cast<size_t>(j)], 1e-9);
-        expectEqual(column(j), timesBasis(x));
+    Vector tableau =
+        solve([&](SparseVector *to) { return KVXBinvRowi(made, row, to); }, rows + columns);
+    for (int column = 0; column < rows + columns; column += 500) {
+        x = solve([&](SparseVector *to) { return KVXBinvColj(made, column, to); }, rows);
+        EXPECT_NEAR(x[row], tableau[static_cast<size_t>(column)], 1e-9);
+        Vector sum(rows), unit(rows);
+        for (size_t position = 0; position < rows; position++)
+            addColumn(head[position], x[position], sum);
+        addColumn(column, 1, unit);
+        expectEqual(unit, sum);
     }
 }
 
