@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <unistd.h>
 
 namespace {
 
@@ -14,16 +15,25 @@ jint makeRecord(JNIEnv *jni, jobject self, JavaCallbackInfo **record) {
         return ERROR_OUT_OF_MEMORY;
     auto *made = new (memory) JavaCallbackInfo{};
     made->installThread = pthread_self();
+    made->installTask = gettid();
     made->failed = 0;
     made->solverHandle = nullptr;
     made->installEnv = jni;
     made->javaObject = jni->NewGlobalRef(self);
+    if (made->javaObject == nullptr) {
+        releaseCallback(jni, made);
+        return ERROR_OUT_OF_MEMORY;
+    }
     if (jni->GetJavaVM(&made->jvm) != JNI_OK) {
         releaseCallback(jni, made);
         return ERROR_CALLBACK;
     }
     *record = made;
     return 0;
+}
+
+bool isForeignThread(const JavaCallbackInfo &record) {
+    return pthread_self() != record.installThread || gettid() != record.installTask;
 }
 
 // Runs `forward` with the JNIEnv of the present thread: the stored one on the installing thread; on
@@ -33,7 +43,7 @@ int upcall(void *userdata, Forward forward) {
     auto *record = static_cast<JavaCallbackInfo *>(userdata);
     if (record == nullptr || record->failed != 0)
         return 0;
-    const bool foreign = pthread_self() != record->installThread;
+    const bool foreign = isForeignThread(*record);
     JNIEnv *jni = record->installEnv;
     if (foreign &&
         record->jvm->AttachCurrentThread(reinterpret_cast<void **>(&jni), nullptr) != JNI_OK) {

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <pthread.h>
+#include <sys/types.h>
 
 // One installed callback. The solver holds it as user data; whoever installed it removes it from
 // the solver before releasing it.
@@ -23,10 +24,15 @@ struct JavaCallbackInfo {
     // Set once a thread could not be attached or detached: the record is silent from then on. Any
     // thread may set it while others read it.
     std::atomic<int> failed;
+    // The kernel's id of installThread: a pthread_t is given to a new thread once its own has
+    // ended, and the stored JNIEnv is freed memory by then.
+    pid_t installTask;
 };
+// Solver and Java carry its address only, but its size and the fields before the last are fixed.
+static_assert(sizeof(JavaCallbackInfo) == 80);
 
-// Bind `self` on its own thread. Also after a failure *record is the caller's to release; it may be
-// null then.
+// Bind `self` on the calling thread. Also after a failure *record is the caller's to release; it
+// may be null then.
 jint bindModelCallback(JNIEnv *jni, jobject self, JavaCallbackInfo **record);
 jint bindLogCallback(JNIEnv *jni, jobject self, KVXenv *env, JavaCallbackInfo **record);
 

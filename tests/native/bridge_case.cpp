@@ -238,6 +238,7 @@ Outcome run(const Case &which, Plan plan) {
     java.begin();
     java.missing = which.setting("missing");
     java.noVM = which.settings.count("novm");
+    java.noGlobal = which.settings.count("noglobal");
     solver.begin();
     solver.storesOnFailure = which.settings.count("stored");
     solver.text = which.setting("text") == "null" ? nullptr : "text";

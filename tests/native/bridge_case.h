@@ -9,7 +9,7 @@
 // D, C, L, S arrays of ints, doubles, chars, longs, texts. Without a setting they are recognisable
 // values. malloc, fetch and solver say which allocation, fetch or solver call fails; ints, what the
 // solver stores into single ints, a list for each call; stored, that it stores although it fails;
-// missing and novm, what the virtual machine doesn't have.
+// missing, novm and noglobal, what the virtual machine doesn't have.
 #pragma once
 
 #include "ledger.h"

@@ -116,7 +116,7 @@ TEST_P(Bridge, Events) {
     const Case &which = GetParam();
     success = run(which, {});
     EXPECT_EQ(joined(which.events), joined(success.events)) << which.function;
-    for (const char *planned : {"malloc", "fetch", "solver", "missing", "novm"})
+    for (const char *planned : {"malloc", "fetch", "solver", "missing", "novm", "noglobal"})
         if (which.settings.count(planned))
             return;
     failEach(&Plan::allocation, "10001");

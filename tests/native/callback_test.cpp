@@ -7,8 +7,11 @@
 #include "com_korvex_KorvexJni.h"
 #include "java_double.h"
 #include "solver_double.h"
+#include "upcall.h"
 
+#include <cstddef>
 #include <thread>
+#include <unistd.h>
 
 namespace {
 class Callbacks : public testing::Test {
@@ -46,6 +49,9 @@ class Callbacks : public testing::Test {
     int callBack() {
         return solver.callback(handle<KVXmodel>(1), handle<void>(2), 5, solver.callbackData);
     }
+    // The record in the solver's hands; whoever follows it finds its fields at these places.
+    JavaCallbackInfo *record() { return static_cast<JavaCallbackInfo *>(solver.callbackData); }
+
     int callBackOnThread() {
         int result = -1;
         std::thread([&] { result = callBack(); }).join();
@@ -79,6 +85,42 @@ TEST_F(Callbacks, OnAnotherThreadAttachAndDetachEveryTime) {
     }
     EXPECT_EQ(sync(&java.env), 0);
     expectEvents("KVXsync(h1) | " + removed);
+}
+
+// A new thread gets the pthread_t of one that has ended, while the JNIEnv of that one is gone.
+TEST_F(Callbacks, OnALaterThreadOfTheSameIdAttach) {
+    optimize(1);
+    EXPECT_EQ(record()->installTask, gettid());
+    --record()->installTask;
+    ledger.begin({});
+    EXPECT_EQ(callBack(), 0);
+    expectEvents("attach | " + forwarded + "detach");
+    void *env = nullptr;
+    java.vm.AttachCurrentThread(&env, nullptr);
+    sync(static_cast<JNIEnv *>(env));
+}
+
+// Every field is in place before the solver can call back.
+TEST_F(Callbacks, AreBoundBeforeTheyAreInstalled) {
+    auto check = [](void *data, void *object, bool model) {
+        auto *bound = static_cast<JavaCallbackInfo *>(data);
+        EXPECT_EQ(bound->solverHandle, object);
+        EXPECT_EQ(bound->installEnv, &java.env);
+        EXPECT_EQ(bound->jvm, &java.vm);
+        EXPECT_TRUE(bound->javaObject && bound->payloadFieldId && bound->notifyMethodId);
+        EXPECT_EQ(bound->cbdataFieldId && bound->cbmodelFieldId, model);
+        EXPECT_TRUE(pthread_equal(bound->installThread, pthread_self()));
+        EXPECT_EQ(bound->failed, 0);
+        return 77;
+    };
+    EXPECT_EQ(offsetof(JavaCallbackInfo, installThread), 64u);
+    EXPECT_EQ(offsetof(JavaCallbackInfo, failed), 72u);
+    SOLVER_DOES(KVXsetcallbackfuncadv,
+                [=](auto, auto, void *data, auto) { return check(data, nullptr, true); });
+    SOLVER_DOES(KVXsetlogcallbackfuncenv,
+                [=](KVXenv *env, auto, void *data) { return data ? check(data, env, false) : 0; });
+    EXPECT_EQ(optimize(0), 77);
+    EXPECT_EQ(setLog(1), 77);
 }
 
 TEST_F(Callbacks, AfterAFailedAttachNeverReachJavaAgain) {
@@ -127,14 +169,16 @@ TEST_F(Callbacks, WithoutARecordDoNothing) {
 }
 
 TEST_F(Callbacks, StayWhileSyncIsRefused) {
-    optimize(1);
-    ledger.begin({0, 0, 1, KVX_ERROR_IN_PROGRESS});
-    EXPECT_EQ(sync(&java.env), KVX_ERROR_IN_PROGRESS);
-    expectEvents("KVXsync(h1) fails | " + error, {0, 0, 1, 77});
-    EXPECT_EQ(callBackOnThread(), 0);
-    expectEvents("attach | " + forwarded + "detach", {0, 0, 1, 77});
-    EXPECT_EQ(sync(&java.env), 77);
-    expectEvents("KVXsync(h1) fails | " + error + removed);
+    for (int last : {KVX_ERROR_IN_PROGRESS - 1, KVX_ERROR_IN_PROGRESS + 1}) {
+        optimize(1);
+        ledger.begin({0, 0, 1, KVX_ERROR_IN_PROGRESS});
+        EXPECT_EQ(sync(&java.env), KVX_ERROR_IN_PROGRESS);
+        expectEvents("KVXsync(h1) fails | " + error, {0, 0, 1, last});
+        EXPECT_EQ(callBackOnThread(), 0);
+        expectEvents("attach | " + forwarded + "detach", {0, 0, 1, last});
+        EXPECT_EQ(sync(&java.env), last);
+        expectEvents("KVXsync(h1) fails | " + error + removed);
+    }
 }
 
 // A JNIEnv belongs to its thread: whoever releases the record uses his own.
@@ -214,13 +258,30 @@ TEST_F(Callbacks, GuardsAbortWithTheirPlace) {
     auto ints = static_cast<jintArray>(java.make("I1", std::vector<jint>{2, 2})->reference());
     auto doubles =
         static_cast<jdoubleArray>(java.make("D1", std::vector<jdouble>{2, 2})->reference());
-    auto solve = [&] {
-        ledger.begin({});
-        ledger.dirtyCalloc = true;
+    auto dies = [&](const std::string &function, const std::string &record, auto call) {
+        auto doomed = [&] {
+            ledger.begin({});
+            ledger.dirtyCalloc = true;
+            call();
+        };
+        EXPECT_DEATH(doomed(), "^KORVassert '" + record +
+                                   "->ind == NULL' failed at src/jni/basis.cpp:[0-9]+ func "
+                                   "Java_com_korvex_KorvexJni_" +
+                                   function + "\n");
+    };
+    dies("fsolve", "b", [&] {
         Java_com_korvex_KorvexJni_fsolve(&java.env, nullptr, object, 2, ints, doubles, ints, ints,
                                          doubles);
-    };
-    EXPECT_DEATH(solve(), "^KORVassert 'b->ind == NULL' failed at src/jni/basis.cpp:[0-9]+ func "
-                          "Java_com_korvex_KorvexJni_fsolve\n");
+    });
+    dies("bsolve", "b", [&] {
+        Java_com_korvex_KorvexJni_bsolve(&java.env, nullptr, object, 2, ints, doubles, ints, ints,
+                                         doubles);
+    });
+    dies("binvcolj", "x", [&] {
+        Java_com_korvex_KorvexJni_binvcolj(&java.env, nullptr, object, 2, ints, ints, doubles);
+    });
+    dies("binvrowi", "x", [&] {
+        Java_com_korvex_KorvexJni_binvrowi(&java.env, nullptr, object, 2, ints, ints, doubles);
+    });
 }
 } // namespace

@@ -141,6 +141,10 @@ Object *standIn(const std::string &what, Object *target) {
 }
 
 jobject JNICALL newGlobal(JNIEnv *env, jobject reference) {
+    if (java.noGlobal) {
+        ledger.note("global " + show(reference) + " fails");
+        return nullptr;
+    }
     ++java.globals;
     return standIn("global", enter(env, reference))->reference();
 }
@@ -269,7 +273,7 @@ Java::Java() {
 void Java::begin() {
     objects.clear();
     missing.clear();
-    noVM = attachFails = detachFails = false;
+    noVM = noGlobal = attachFails = detachFails = false;
     onUpcall = nullptr;
     ownEnv = &env;
     self = make("self");

@@ -40,7 +40,7 @@ struct Java {
     Object *self = nullptr;
 
     std::string missing; // the member that the class doesn't have
-    bool noVM = false, attachFails = false, detachFails = false;
+    bool noVM = false, noGlobal = false, attachFails = false, detachFails = false;
     std::function<void()> onUpcall; // what the Java method does
 
     std::deque<Object> objects;
