@@ -93,6 +93,26 @@ public final class KVXEnv implements AutoCloseable {
     public void start() { handle.call(KorvexJni::startenv); }
 
     /**
+     * The version of the solver's library.
+     *
+     * @param major first number
+     * @param minor second number
+     * @param technical third number
+     */
+    public record Version(int major, int minor, int technical) {}
+
+    /**
+     * Tells the version of the solver's library.
+     *
+     * @return its three numbers
+     */
+    public static Version version() {
+        int[] out = new int[3];
+        KorvexJni.version(out);
+        return new Version(out[0], out[1], out[2]);
+    }
+
+    /**
      * Returns the parameters. A model copies them when it is made.
      *
      * @return the parameters

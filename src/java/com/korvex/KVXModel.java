@@ -5,8 +5,8 @@ import java.util.function.LongToIntFunction;
 import java.util.function.LongUnaryOperator;
 
 /**
- * A model: one native handle, the runs on it and its attributes. Building a model goes through the
- * natives of {@link KorvexJni} with {@link #handle}.
+ * A model: its parts, its attributes and the runs on it. It is built through {@link #variables},
+ * {@link #constraints} and so on, loaded as a whole, or read from a file.
  *
  * <p><b>Threads.</b> One thread at a time may use a model. {@link #terminate} and {@link #close}
  * may be called by any thread at any moment: what another thread is doing in the model is ended,
@@ -17,7 +17,7 @@ import java.util.function.LongUnaryOperator;
  * The method that started the run throws it on; after {@link #optimizeAsync} that is {@link #sync}
  * or {@link #close}. Whatever else went wrong in that run is suppressed by it.
  */
-public final class KVXModel extends ModelAttributes implements AutoCloseable {
+public final class KVXModel extends ModelParts implements AutoCloseable {
     private final KVXEnv env;
     private final Handle handle;
     private final Thrown thrown = new Thrown();
@@ -81,11 +81,37 @@ public final class KVXModel extends ModelAttributes implements AutoCloseable {
      * @param name its name, or null
      * @throws KVXException if the solver refuses
      */
-    public KVXModel(KVXEnv env, String name) {
-        this(env,
-             environment
-             -> KorvexJni.newmodel(new int[1], environment, name, 0, null, null, null, null, null),
-             KVX.ERROR_INTERNAL);
+    public KVXModel(KVXEnv env, String name) { this(env, name, Columns.of()); }
+
+    /**
+     * Makes a model with variables and without constraints.
+     *
+     * @param env its environment
+     * @param name its name, or null
+     * @param columns the variables, without coefficients
+     * @throws IllegalArgumentException if there are coefficients
+     * @throws KVXException if the solver refuses
+     */
+    public KVXModel(KVXEnv env, String name, Columns columns) {
+        this(env, columns.newModel(name), KVX.ERROR_INTERNAL);
+    }
+
+    /**
+     * Makes a whole linear model.
+     *
+     * @param env its environment
+     * @param name its name, or null
+     * @param sense {@link KVX#MINIMIZE} or {@link KVX#MAXIMIZE}
+     * @param constant objective constant
+     * @param columns the variables, with the coefficients of the constraints
+     * @param rows the constraints, without coefficients and lower bounds
+     * @return the model
+     * @throws IllegalArgumentException if there are coefficients or lower bounds with the rows
+     * @throws KVXException if the solver refuses
+     */
+    public static KVXModel load(KVXEnv env, String name, int sense, double constant,
+                                Columns columns, Rows rows) {
+        return new KVXModel(env, columns.load(name, sense, constant, rows), KVX.ERROR_INTERNAL);
     }
 
     /**
@@ -125,12 +151,19 @@ public final class KVXModel extends ModelAttributes implements AutoCloseable {
         return model;
     }
 
-    /**
-     * Returns the environment that the model was made in.
-     *
-     * @return the environment
-     */
-    public KVXEnv env() { return env; }
+    @Override
+    public KVXEnv env() {
+        return env;
+    }
+
+    @Override
+    KVXModel derived(KVXEnv target, Deriver deriver) {
+        return new KVXModel(target, environment -> {
+            long[] slot = new long[1];
+            call(model -> deriver.derive(model, environment, slot));
+            return slot[0];
+        }, KVX.ERROR_INTERNAL);
+    }
 
     /**
      * Returns the model's own parameters.
@@ -138,6 +171,37 @@ public final class KVXModel extends ModelAttributes implements AutoCloseable {
      * @return the parameters
      */
     public KVXParams params() { return new KVXParams(handle, KorvexJni::getenv); }
+
+    /**
+     * Returns the parameters of one of several concurrent solves.
+     *
+     * @param num its number, from 0
+     * @return the parameters, good while the model is open; using them throws {@link KVXException}
+     *     if the solver has no such environment
+     */
+    public KVXParams concurrentParams(int num) {
+        return params(model -> KorvexJni.getconcurrentenv(model, num));
+    }
+
+    /**
+     * Returns the parameters that apply while one of several goals is optimised.
+     *
+     * @param index number of the goal
+     * @return the parameters, good while the model is open; using them throws {@link KVXException}
+     *     if the solver has no such environment
+     */
+    public KVXParams goalParams(int index) {
+        return params(model -> KorvexJni.getmultiobjenv(model, index));
+    }
+
+    private KVXParams params(LongUnaryOperator environment) {
+        return new KVXParams(handle, model -> {
+            long env = environment.applyAsLong(model);
+            if (env == 0)
+                throw new KVXException(KVX.ERROR_NOT_SUPPORTED, errorText(model));
+            return env;
+        });
+    }
 
     /**
      * Sets the callback of the runs that begin from now on.
@@ -162,7 +226,13 @@ public final class KVXModel extends ModelAttributes implements AutoCloseable {
      * @throws KVXException if the solver fails
      */
     public void tune() {
-        run((model, useCallback, error) -> jnitune(model, useCallback, error, 0));
+        run((model, useCallback, error) -> {
+            if (useCallback != 0)
+                return jnitune(model, useCallback, error, 0);
+            int status = KorvexJni.tunemodel(model);
+            error[0] = errorText(model);
+            return status;
+        });
     }
 
     /**

@@ -19,7 +19,13 @@ public final class KVXParams {
     }
 
     private void call(LongToIntFunction nativeCall) {
-        owner.call(handle -> nativeCall.applyAsInt(environment.applyAsLong(handle)));
+        owner.call(handle -> {
+            long env = environment.applyAsLong(handle);
+            int status = nativeCall.applyAsInt(env);
+            if (status != KVX.OK) // The text is there, too, which needn't be the owner's.
+                throw new KVXException(status, KorvexJni.geterrormsg(env));
+            return status;
+        });
     }
 
     /**
@@ -114,4 +120,68 @@ public final class KVXParams {
      * @param file name of the file
      */
     public void write(String file) { call(env -> KorvexJni.writeparams(env, file)); }
+
+    /**
+     * What an int parameter is like.
+     *
+     * @param value its present value
+     * @param minimum its least value
+     * @param maximum its greatest value
+     * @param standard its default
+     */
+    public record IntInfo(int value, int minimum, int maximum, int standard) {}
+
+    /**
+     * What a double parameter is like.
+     *
+     * @param value its present value
+     * @param minimum its least value
+     * @param maximum its greatest value
+     * @param standard its default
+     */
+    public record DoubleInfo(double value, double minimum, double maximum, double standard) {}
+
+    /**
+     * What a text parameter is like.
+     *
+     * @param value its present value, cut off at 511 bytes
+     * @param standard its default, cut off likewise
+     */
+    public record StringInfo(String value, String standard) {}
+
+    /**
+     * Describes an int parameter.
+     *
+     * @param name its name
+     * @return value, range and default
+     */
+    public IntInfo intInfo(String name) {
+        int[] info = new int[4];
+        call(env -> KorvexJni.getintparaminfo(env, name, info));
+        return new IntInfo(info[0], info[1], info[2], info[3]);
+    }
+
+    /**
+     * Describes a double parameter.
+     *
+     * @param name its name
+     * @return value, range and default
+     */
+    public DoubleInfo doubleInfo(String name) {
+        double[] info = new double[4];
+        call(env -> KorvexJni.getdblparaminfo(env, name, info));
+        return new DoubleInfo(info[0], info[1], info[2], info[3]);
+    }
+
+    /**
+     * Describes a text parameter.
+     *
+     * @param name its name
+     * @return value and default
+     */
+    public StringInfo stringInfo(String name) {
+        String[] info = new String[2];
+        call(env -> KorvexJni.getstrparaminfo(env, name, info));
+        return new StringInfo(info[0], info[1]);
+    }
 }

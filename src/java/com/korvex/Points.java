@@ -1,0 +1,30 @@
+package com.korvex;
+
+import java.util.Objects;
+
+/**
+ * The breakpoints of a piecewise-linear function, by abscissae that don't decrease. The arrays are
+ * kept, not copied.
+ *
+ * @param x the abscissae
+ * @param y the ordinates, as many
+ */
+public record Points(double[] x, double... y) {
+    /**
+     * Checks the shape.
+     *
+     * @throws IllegalArgumentException if the lengths differ
+     */
+    public Points {
+        Objects.requireNonNull(x, "x");
+        Objects.requireNonNull(y, "y");
+        Check.length("y", y.length, x.length, "abscissae");
+    }
+
+    /**
+     * Returns the number of points.
+     *
+     * @return the length of both arrays
+     */
+    public int size() { return x.length; }
+}
