@@ -9,27 +9,20 @@ struct Plain : Scratch<Element> {
     Plain(Call &call, Order) : Scratch<Element>(call) {}
 };
 
-// The solver functions of a value type, whose names differ in one word.
-#define ELEMENT_FUNCTIONS(type)                                                                    \
-    static constexpr auto getElement = KVXget##type##attrelement;                                  \
-    static constexpr auto getRange = KVXget##type##attrarray;                                      \
-    static constexpr auto getList = KVXget##type##attrlist;                                        \
-    static constexpr auto setElement = KVXset##type##attrelement;                                  \
-    static constexpr auto setRange = KVXset##type##attrarray;                                      \
-    static constexpr auto setList = KVXset##type##attrlist
-
-#define ALL_FUNCTIONS(type)                                                                        \
-    static constexpr bool hasScalar = true;                                                        \
-    static constexpr auto getScalar = KVXget##type##attr;                                          \
-    static constexpr auto setScalar = KVXset##type##attr;                                          \
-    ELEMENT_FUNCTIONS(type)
-
 struct IntAttribute {
     using Value = jint;
     using Array = jintArray;
     using ReadBuffer = Plain<jint>;
     using WriteBuffer = Plain<jint>;
-    ALL_FUNCTIONS(int);
+    static constexpr bool hasScalar = true;
+    static constexpr auto getScalar = KVXgetintattr;
+    static constexpr auto setScalar = KVXsetintattr;
+    static constexpr auto getElement = KVXgetintattrelement;
+    static constexpr auto setElement = KVXsetintattrelement;
+    static constexpr auto getRange = KVXgetintattrarray;
+    static constexpr auto setRange = KVXsetintattrarray;
+    static constexpr auto getList = KVXgetintattrlist;
+    static constexpr auto setList = KVXsetintattrlist;
 };
 
 struct DoubleAttribute {
@@ -37,7 +30,15 @@ struct DoubleAttribute {
     using Array = jdoubleArray;
     using ReadBuffer = Plain<jdouble>;
     using WriteBuffer = Plain<jdouble>;
-    ALL_FUNCTIONS(dbl);
+    static constexpr bool hasScalar = true;
+    static constexpr auto getScalar = KVXgetdblattr;
+    static constexpr auto setScalar = KVXsetdblattr;
+    static constexpr auto getElement = KVXgetdblattrelement;
+    static constexpr auto setElement = KVXsetdblattrelement;
+    static constexpr auto getRange = KVXgetdblattrarray;
+    static constexpr auto setRange = KVXsetdblattrarray;
+    static constexpr auto getList = KVXgetdblattrlist;
+    static constexpr auto setList = KVXsetdblattrlist;
 };
 
 struct CharAttribute {
@@ -46,7 +47,12 @@ struct CharAttribute {
     using ReadBuffer = Chars;
     using WriteBuffer = Chars;
     static constexpr bool hasScalar = false;
-    ELEMENT_FUNCTIONS(char);
+    static constexpr auto getElement = KVXgetcharattrelement;
+    static constexpr auto setElement = KVXsetcharattrelement;
+    static constexpr auto getRange = KVXgetcharattrarray;
+    static constexpr auto setRange = KVXsetcharattrarray;
+    static constexpr auto getList = KVXgetcharattrlist;
+    static constexpr auto setList = KVXsetcharattrlist;
 };
 
 struct StringAttribute {
@@ -54,7 +60,15 @@ struct StringAttribute {
     using Array = jobjectArray;
     using ReadBuffer = Plain<const char *>;
     using WriteBuffer = Names;
-    ALL_FUNCTIONS(str);
+    static constexpr bool hasScalar = true;
+    static constexpr auto getScalar = KVXgetstrattr;
+    static constexpr auto setScalar = KVXsetstrattr;
+    static constexpr auto getElement = KVXgetstrattrelement;
+    static constexpr auto setElement = KVXsetstrattrelement;
+    static constexpr auto getRange = KVXgetstrattrarray;
+    static constexpr auto setRange = KVXsetstrattrarray;
+    static constexpr auto getList = KVXgetstrattrlist;
+    static constexpr auto setList = KVXsetstrattrlist;
 };
 
 // count < 0: the model's own value; 0: element `start`; else a list of elements if `start` is -1,
@@ -74,7 +88,7 @@ jint readAttribute(JNIEnv *jni, jlong handle, jstring attrname, jint start, jint
     using Buffer = typename Attribute::ReadBuffer;
     KVXmodel *const model = asModel(handle);
     Call call(jni);
-    const char *name = call.requiredText(attrname);
+    const char *name = call.fetchRequired(attrname);
     const Shape shape = shapeOf<Attribute>(start, count);
     if (shape == Shape::list) {
         Scratch<jint> indices(call);
@@ -107,13 +121,9 @@ jint writeAttribute(JNIEnv *jni, jlong handle, jstring attrname, jint start, jin
     using Buffer = typename Attribute::WriteBuffer;
     KVXmodel *const model = asModel(handle);
     Call call(jni);
-    const char *name = call.requiredText(attrname);
+    const char *name = call.fetchRequired(attrname);
     const Shape shape = shapeOf<Attribute>(start, count);
-    if (shape == Shape::range) {
-        Buffer buffer(call, Order::nativeFirst);
-        buffer.take(values, count);
-        call.invoke(Attribute::setRange, model, name, start, count, buffer);
-    } else if (shape == Shape::list) {
+    if (shape == Shape::list) {
         Scratch<jint> indices(call);
         Buffer buffer(call, Order::nativeFirst);
         indices.allocate(count);
@@ -121,8 +131,12 @@ jint writeAttribute(JNIEnv *jni, jlong handle, jstring attrname, jint start, jin
         indices.copy(ind, count);
         buffer.copy(values, count);
         call.invoke(Attribute::setList, model, name, count, indices, buffer);
+    } else if (shape == Shape::range) {
+        Buffer buffer(call, Order::nativeFirst);
+        buffer.take(values, count);
+        call.invoke(Attribute::setRange, model, name, start, count, buffer);
     } else {
-        const typename Attribute::Value value = call.first(values);
+        const typename Attribute::Value value = call.readFirst(values);
         if constexpr (Attribute::hasScalar)
             if (shape == Shape::scalar)
                 call.invoke(Attribute::setScalar, model, name, value);
@@ -154,7 +168,7 @@ JNI_METHOD(jint, KorvexJni, getattrinfo)
 (JNIEnv *jni, jclass, jlong model, jstring attrname, jintArray info) {
     Call call(jni);
     jint values[3] = {};
-    const char *name = call.requiredText(attrname);
+    const char *name = call.fetchRequired(attrname);
     call.invoke(KVXgetattrinfo, asModel(model), name, &values[0], &values[1], &values[2]);
     call.write(info, values, 3);
     return call.status();

@@ -3,40 +3,49 @@
 
 namespace {
 
-// The result x of a solve, with room for as many entries as the caller's slot says.
-class Result {
+static_assert(sizeof(SparseVector) == 24);
+
+// A sparse vector of the solver's, with its two buffers.
+class Vector {
   public:
-    explicit Result(Call &call) : call(call), indices(call), values(call), x(call) {}
+    explicit Vector(Call &call) : indices(call), values(call), record(call) {}
 
-    void allocateRecord() { x.allocateZeroed(1); }
+    void allocateRecord() { record.allocateZeroed(1); }
 
-    void allocateBuffers(jintArray capacityslot, const char *function) {
-        if (call.ok())
-            call.jni->GetIntArrayRegion(capacityslot, 0, 1, &x->len);
-        if (x->len < 1)
+    // Room for as many entries as the record says. A fresh record has no buffers yet.
+    void allocateBuffers(const char *indIsNull, const char *valIsNull, const char *function) {
+        if (record->len < 1)
             return;
-        KORVassert(x->ind == NULL, function);
-        indices.allocateZeroed(x->len);
-        x->ind = indices;
-        KORVassert(x->val == NULL, function);
-        values.allocateZeroed(x->len);
-        x->val = values;
+        KORVassertText(record->ind == NULL, indIsNull, function);
+        indices.allocateZeroed(record->len);
+        record->ind = indices;
+        KORVassertText(record->val == NULL, valIsNull, function);
+        values.allocateZeroed(record->len);
+        record->val = values;
     }
 
-    void write(jintArray capacityslot, jintArray xind, jdoubleArray xval) {
-        call.write(capacityslot, &x->len);
-        indices.write(xind, x->len);
-        values.write(xval, x->len);
-    }
+    operator SparseVector *() const { return record; }
+    SparseVector *operator->() const { return record; }
 
-    operator SparseVector *() const { return x; }
-
-  private:
-    Call &call;
     Scratch<jint> indices;
     Scratch<jdouble> values;
-    Scratch<SparseVector> x;
+
+  private:
+    Scratch<SparseVector> record;
 };
+
+// The result x of a solve, with room for as many entries as the caller's slot says.
+void allocateResult(Call &call, Vector &x, jintArray capacityslot, const char *function) {
+    if (call.ok())
+        call.jni->GetIntArrayRegion(capacityslot, 0, 1, &x->len);
+    x.allocateBuffers("x->ind == NULL", "x->val == NULL", function);
+}
+
+void writeResult(Call &call, Vector &x, jintArray capacityslot, jintArray xind, jdoubleArray xval) {
+    call.write(capacityslot, &x->len);
+    x.indices.write(xind, x->len);
+    x.values.write(xval, x->len);
+}
 
 using Solve = int(KVXmodel *, SparseVector *, SparseVector *);
 
@@ -44,28 +53,18 @@ jint solveWithBasis(JNIEnv *jni, Solve *solve, const char *function, jlong model
                     jintArray bind, jdoubleArray bval, jintArray capacityslot, jintArray xind,
                     jdoubleArray xval) {
     Call call(jni);
-    Scratch<jint> indices(call);
-    Scratch<jdouble> values(call);
-    Scratch<SparseVector> b(call);
-    Result x(call);
-    b.allocateZeroed(1);
+    Vector b(call), x(call);
+    b.allocateRecord();
     x.allocateRecord();
     if (!call.ok())
         return call.status(); // the records are written to at once
     b->len = blen;
-    if (b->len >= 1) {
-        KORVassert(b->ind == NULL, function);
-        indices.allocateZeroed(b->len);
-        b->ind = indices;
-        KORVassert(b->val == NULL, function);
-        values.allocateZeroed(b->len);
-        b->val = values;
-    }
-    x.allocateBuffers(capacityslot, function);
-    indices.copy(bind, blen);
-    values.copy(bval, blen);
+    b.allocateBuffers("b->ind == NULL", "b->val == NULL", function);
+    allocateResult(call, x, capacityslot, function);
+    b.indices.copy(bind, blen);
+    b.values.copy(bval, blen);
     call.invoke(solve, asModel(model), b, x);
-    x.write(capacityslot, xind, xval);
+    writeResult(call, x, capacityslot, xind, xval);
     return call.status();
 }
 
@@ -74,13 +73,13 @@ using InverseReader = int(KVXmodel *, int, SparseVector *);
 jint readInverse(JNIEnv *jni, InverseReader *reader, const char *function, jlong model, jint index,
                  jintArray capacityslot, jintArray xind, jdoubleArray xval) {
     Call call(jni);
-    Result x(call);
+    Vector x(call);
     x.allocateRecord();
     if (!call.ok())
         return call.status(); // the record is written to at once
-    x.allocateBuffers(capacityslot, function);
+    allocateResult(call, x, capacityslot, function);
     call.invoke(reader, asModel(model), index, x);
-    x.write(capacityslot, xind, xval);
+    writeResult(call, x, capacityslot, xind, xval);
     return call.status();
 }
 
@@ -115,7 +114,7 @@ JNI_METHOD(jint, KorvexJni, binvrowi)
 JNI_METHOD(jint, KorvexJni, basishead)(JNIEnv *jni, jclass, jlong model, jintArray headslot) {
     Call call(jni);
     Scratch<jint> head(call);
-    const jint count = call.first(headslot);
+    const jint count = call.readFirst(headslot);
     head.allocateZeroed(count);
     call.invoke(KVXgetBasisHead, asModel(model), head);
     head.write(headslot, count);

@@ -15,7 +15,7 @@ JNI_METHOD(jint, KorvexJni, newbatch)
 (JNIEnv *jni, jclass, jlongArray batchslot, jlong env, jstring id) {
     Call call(jni);
     KVXbatch *batch = nullptr;
-    const char *text = call.requiredText(id);
+    const char *text = call.fetchRequired(id);
     if (!call.ok())
         return call.status(); // the slot is written after a solver call only
     call.invoke(KVXgetbatch, asEnv(env), text, &batch);

@@ -118,7 +118,7 @@ JNI_METHOD(jint, KorvexJni, clean2)
     Call call(jni);
     Scratch<jint> indices(call);
     Scratch<jdouble> values(call);
-    jint length = call.first(lenslot);
+    jint length = call.readFirst(lenslot);
     indices.take(ind, length);
     values.take(val, length);
     if (call.ok())
@@ -134,7 +134,7 @@ JNI_METHOD(jint, KorvexJni, clean3)
     Call call(jni);
     Scratch<jint> rows(call), columns(call);
     Scratch<jdouble> values(call);
-    jint length = call.first(lenslot);
+    jint length = call.readFirst(lenslot);
     rows.take(ind1, length);
     columns.take(ind2, length);
     values.take(val, length);

@@ -96,8 +96,8 @@ JNI_METHOD(jint, KorvexJni, cbsetdblparam)
 JNI_METHOD(jint, KorvexJni, cbsetstrparam)
 (JNIEnv *jni, jclass, jlong cbdata, jstring paramname, jstring newvalue) {
     Call call(jni);
-    const char *name = call.requiredText(paramname);
-    const char *value = call.requiredText(newvalue);
+    const char *name = call.fetchRequired(paramname);
+    const char *value = call.fetchRequired(newvalue);
     call.invoke(KVXcbsetstrparam, asCallbackData(cbdata), name, value);
     return call.status();
 }

@@ -3,12 +3,12 @@
 
 namespace {
 
-// `target` is the environment that the new model shall belong to, where the maker takes one.
-template <class Maker, class... Target>
-jint derive(JNIEnv *jni, Maker *maker, jlong model, jlongArray modelslot, Target *...target) {
+using Maker = int(KVXmodel *, KVXmodel **);
+
+jint derive(JNIEnv *jni, Maker *maker, jlong model, jlongArray modelslot) {
     Call call(jni);
     KVXmodel *made = nullptr;
-    call.invoke(maker, asModel(model), target..., &made);
+    call.invoke(maker, asModel(model), &made);
     call.writeHandle(modelslot, made);
     return call.status();
 }
@@ -17,7 +17,11 @@ jint derive(JNIEnv *jni, Maker *maker, jlong model, jlongArray modelslot, Target
 
 JNI_METHOD(jint, KorvexJni, copymodel)
 (JNIEnv *jni, jclass, jlong model, jlong targetenv, jlongArray modelslot) {
-    return derive(jni, KVXcopymodeltoenv, model, modelslot, asEnv(targetenv));
+    Call call(jni);
+    KVXmodel *made = nullptr;
+    call.invoke(KVXcopymodeltoenv, asModel(model), asEnv(targetenv), &made);
+    call.writeHandle(modelslot, made);
+    return call.status();
 }
 
 #define DERIVED_MODEL(method, maker)                                                               \

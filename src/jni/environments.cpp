@@ -44,7 +44,7 @@ JNI_METHOD(jint, KorvexJni, loadenv)
  jint extra) {
     Call call(jni);
     KVXenv *env = nullptr;
-    const char *text = call.text(str);
+    const char *text = call.fetch(str);
     if (!call.ok())
         return call.status(); // the slot is written after a solver call only
     call.invoke(KVXloadenvadv, &env, text, KVX_INTERFACE_JAVA, major, minor, technical, reserved,
@@ -94,7 +94,7 @@ JNI_METHOD(void, KorvexJni, version)(JNIEnv *jni, jclass, jintArray out) {
 
 JNI_METHOD(jint, KorvexJni, message)(JNIEnv *jni, jclass, jlong env, jstring msg) {
     Call call(jni);
-    const char *text = call.text(msg);
+    const char *text = call.fetch(msg);
     if (text != nullptr)
         KVXmsg(asEnv(env), text);
     return call.status();

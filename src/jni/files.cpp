@@ -4,7 +4,7 @@
 JNI_METHOD(jlong, KorvexJni, readmodel)(JNIEnv *jni, jclass, jlong env, jstring filename) {
     Call call(jni);
     KVXmodel *model = nullptr;
-    const char *name = call.requiredText(filename);
+    const char *name = call.fetchRequired(filename);
     call.invoke(KVXreadmodel, asEnv(env), name, &model);
     return call.ok() ? asHandle(model) : 0;
 }
@@ -19,12 +19,11 @@ JNI_METHOD(jint, KorvexJni, write)(JNIEnv *jni, jclass, jlong model, jstring fil
 
 namespace {
 
-// The solver's answer is the result, beside the bridge's own codes.
+// The result is the solver's answer, or one of the bridge's own codes.
 jint classify(JNIEnv *jni, int (*classifier)(const char *), jstring filename) {
     Call call(jni);
-    const char *name = call.requiredText(filename);
-    call.invoke(classifier, name);
-    return call.status();
+    const char *name = call.fetchRequired(filename);
+    return call.ok() ? classifier(name) : call.status();
 }
 
 } // namespace

@@ -13,7 +13,7 @@ jint addOverList(JNIEnv *jni,
     Call call(jni);
     Scratch<jint> operands(call);
     operands.take(vars, nvars);
-    const char *nameText = call.text(name);
+    const char *nameText = call.fetch(name);
     call.invoke(adder, asModel(model), nameText, resvar, nvars, operands, number...);
     return call.status();
 }
@@ -25,8 +25,8 @@ jint addFunction(JNIEnv *jni,
                  jlong model, jstring name, jint var1, jint var2, jstring options,
                  Number... number) {
     Call call(jni);
-    const char *nameText = call.text(name);
-    const char *optionText = call.text(options);
+    const char *nameText = call.fetch(name);
+    const char *optionText = call.fetch(options);
     call.invoke(adder, asModel(model), nameText, var1, var2, optionText, number...);
     return call.status();
 }
@@ -77,7 +77,7 @@ FUNCTION_WITH_DOUBLE_ADDER(addgenconstrpow, KVXaddgenconstrPow)
 JNI_METHOD(jint, KorvexJni, addgenconstrabs)
 (JNIEnv *jni, jclass, jlong model, jstring name, jint var1, jint var2) {
     Call call(jni);
-    const char *nameText = call.text(name);
+    const char *nameText = call.fetch(name);
     call.invoke(KVXaddgenconstrAbs, asModel(model), nameText, var1, var2);
     return call.status();
 }
@@ -89,7 +89,7 @@ JNI_METHOD(jint, KorvexJni, addgenconstrpwl)
     Parallel<jdouble, jdouble> points(call);
     auto &[abscissae, ordinates] = points.buffers;
     points.take(npts, x, y);
-    const char *nameText = call.text(name);
+    const char *nameText = call.fetch(name);
     call.invoke(KVXaddgenconstrPWL, asModel(model), nameText, var1, var2, npts, abscissae,
                 ordinates);
     return call.status();
@@ -101,8 +101,8 @@ JNI_METHOD(jint, KorvexJni, addgenconstrpoly)
     Call call(jni);
     Scratch<jdouble> coefficients(call);
     coefficients.take(coefs, ncoef);
-    const char *nameText = call.text(name);
-    const char *optionText = call.text(options);
+    const char *nameText = call.fetch(name);
+    const char *optionText = call.fetch(options);
     call.invoke(KVXaddgenconstrPoly, asModel(model), nameText, var1, var2, ncoef, coefficients,
                 optionText);
     return call.status();
@@ -115,7 +115,7 @@ JNI_METHOD(jint, KorvexJni, addgenconstrindicator)
     Parallel<jint, jdouble> terms(call);
     auto &[indices, coefficients] = terms.buffers;
     terms.take(numlnz, lind, lval);
-    const char *nameText = call.text(name);
+    const char *nameText = call.fetch(name);
     call.invoke(KVXaddgenconstrIndicator, asModel(model), nameText, binvar, binval, numlnz, indices,
                 coefficients, narrow(sense), rhs);
     return call.status();
@@ -125,10 +125,10 @@ JNI_METHOD(jint, KorvexJni, addgenconstrnl)
 (JNIEnv *jni, jclass, jlong model, jstring name, jint resvar, jint nlcount, jintArray nlint1,
  jdoubleArray nldbl, jintArray nlint2) {
     Call call(jni);
-    Parallel<jint, jdouble, jint> expression(call);
-    auto &[opcodes, data, parents] = expression.buffers;
-    expression.take(nlcount, nlint1, nldbl, nlint2);
-    const char *nameText = call.text(name);
+    Parallel<jint, jdouble, jint> nodes(call);
+    auto &[opcodes, data, parents] = nodes.buffers;
+    nodes.take(nlcount, nlint1, nldbl, nlint2);
+    const char *nameText = call.fetch(name);
     call.invoke(KVXaddgenconstrNL, asModel(model), nameText, resvar, nlcount, opcodes, data,
                 parents);
     return call.status();

@@ -138,18 +138,18 @@ JNI_METHOD(jint, KorvexJni, getgenconstrnl)
 (JNIEnv *jni, jclass, jlong model, jint genconstr, jintArray resvar, jintArray nlcount,
  jintArray nlint1, jdoubleArray nldbl, jintArray nlint2) {
     Call call(jni);
-    Parallel<jint, jdouble, jint> expression(call);
-    auto &[opcodes, data, parents] = expression.buffers;
+    Parallel<jint, jdouble, jint> nodes(call);
+    auto &[opcodes, data, parents] = nodes.buffers;
     jint result = 0, count = 0;
     call.invoke(KVXgetgenconstrNL, asModel(model), genconstr, &result, &count, nullptr, nullptr,
                 nullptr);
     call.offer(resvar, &result);
     call.offer(nlcount, &count);
-    if (expression.fit(count, nlint1, nldbl, nlint2)) {
-        expression.allocate(count);
+    if (nodes.fit(count, nlint1, nldbl, nlint2)) {
+        nodes.allocate(count);
         call.invoke(KVXgetgenconstrNL, asModel(model), genconstr, nullptr, nullptr, opcodes, data,
                     parents);
-        expression.write(count, nlint1, nldbl, nlint2);
+        nodes.write(count, nlint1, nldbl, nlint2);
     }
     return call.status();
 }

@@ -7,81 +7,28 @@
 #ifndef KORVEX_MARSHAL_H
 #define KORVEX_MARSHAL_H
 
-#include "com_korvex_KVXBatch.h"
-#include "com_korvex_KVXEnv.h"
-#include "com_korvex_KVXModel.h"
-#include "com_korvex_KorvexJni.h"
-#include "korvex.h"
+#include "convert.h"
 
-#include <cstddef>
-#include <cstdint>
+#include <cstdlib>
 
-// The definition of a native method. A definition that differs from the header that javac made of
-// the Java class doesn't compile.
-#define JNI_METHOD(result, type, method)                                                           \
-    extern "C" JNIEXPORT result JNICALL Java_com_korvex_##type##_##method
-
-constexpr jint ERROR_OUT_OF_MEMORY = KVX_ERROR_OUT_OF_MEMORY;
-constexpr jint ERROR_NULL_ARGUMENT = KVX_ERROR_NULL_ARGUMENT;
-constexpr jint ERROR_WRONG_INFO_TYPE = KVX_ERROR_WRONG_INFO_TYPE;
-constexpr jint ERROR_CALLBACK = KVX_ERROR_CALLBACK;
-
-// Guards a condition that only a programming error in the bridge can break. `function` is the name
-// of the exported function, also where several share the code; where the fixed room of a Call ran
-// out, of the Call's member.
-#define KORVassert(condition, function)                                                            \
-    ((condition) ? static_cast<void>(0) : assertionFailed(#condition, __FILE__, __LINE__, function))
-[[noreturn]] void assertionFailed(const char *condition, const char *file, int line,
-                                  const char *function);
-
-// Handles are the solver's pointers in Java longs; the bridge never looks behind them.
-inline KVXenv *asEnv(jlong handle) {
-    return reinterpret_cast<KVXenv *>(handle);
-}
-inline KVXmodel *asModel(jlong handle) {
-    return reinterpret_cast<KVXmodel *>(handle);
-}
-inline KVXbatch *asBatch(jlong handle) {
-    return reinterpret_cast<KVXbatch *>(handle);
-}
-inline void *asCallbackData(jlong handle) {
-    return reinterpret_cast<void *>(handle);
-}
-inline jlong asHandle(const void *object) {
-    return reinterpret_cast<jlong>(object);
-}
-
-// `count` and a closing entry, in 32 bits: the end of the last item, or of a text.
-inline jint closed(jint count) {
-    return static_cast<jint>(static_cast<uint32_t>(count) + 1u);
-}
-
-// Characters: the low 8 bits go in, a signed byte comes out.
-inline char narrow(jchar character) {
-    return static_cast<char>(character & 0xFF);
-}
-inline jchar widen(char character) {
-    return static_cast<jchar>(static_cast<signed char>(character));
-}
-
-// The chunked copy of `len` elements from `start` on: no region call moves 2^31 bytes or more.
-void GetIntArrayRegionSafe(JNIEnv *jni, jintArray array, jint start, jint len, jint *buffer);
-void GetDoubleArrayRegionSafe(JNIEnv *jni, jdoubleArray array, jint start, jint len,
-                              jdouble *buffer);
-inline void copyIn(JNIEnv *jni, jintArray array, jint start, jint len, jint *buffer) {
-    GetIntArrayRegionSafe(jni, array, start, len, buffer);
-}
-inline void copyIn(JNIEnv *jni, jdoubleArray array, jint start, jint len, jdouble *buffer) {
-    GetDoubleArrayRegionSafe(jni, array, start, len, buffer);
-}
-
-// The string result: `text` becomes element `index` of `slot`.
-void storeText(JNIEnv *jni, jobjectArray slot, jsize index, const char *text);
-
+// What an exported function borrows and allocates. All of it is inline, and the address of a Call
+// goes nowhere: thus the compiler knows what a function holds at its end, and the giving back of
+// anything else costs nothing.
 class Call {
   public:
     explicit Call(JNIEnv *jni) : jni(jni) {}
-    ~Call();
+    ~Call() {
+        // Not a loop, which would keep the texts in memory.
+        static_assert(mostTexts == 2);
+        if (texts_ > 0)
+            release(text_[0]);
+        if (texts_ > 1)
+            release(text_[1]);
+        for (int n = 0; n < names_; ++n)
+            releaseElements(jni, name_[n]);
+        for (int place = 0; place < places_; ++place)
+            freeScratch(place);
+    }
     Call(const Call &) = delete;
     Call &operator=(const Call &) = delete;
 
@@ -98,17 +45,35 @@ class Call {
             fail(ERROR_NULL_ARGUMENT);
     }
     // The characters of a string, null for a null string.
-    const char *text(jstring string) { return fetch(string, false); }
-    const char *requiredText(jstring string) {
+    const char *fetch(jstring string) { return fetch(string, false); }
+    const char *fetchRequired(jstring string) {
         require(string);
-        return text(string);
+        return fetch(string);
     }
     // The first element of an array; 0 or null after a failure. A string's reference lives as
     // long as its characters.
-    jint first(jintArray array);
-    jdouble first(jdoubleArray array);
-    char first(jcharArray array);
-    const char *first(jobjectArray array);
+    jint readFirst(jintArray array) {
+        jint value = 0;
+        if (ok())
+            jni->GetIntArrayRegion(array, 0, 1, &value);
+        return value;
+    }
+    jdouble readFirst(jdoubleArray array) {
+        jdouble value = 0;
+        if (ok())
+            jni->GetDoubleArrayRegion(array, 0, 1, &value);
+        return value;
+    }
+    char readFirst(jcharArray array) {
+        jchar value = 0;
+        if (ok())
+            jni->GetCharArrayRegion(array, 0, 1, &value);
+        return narrow(value);
+    }
+    const char *readFirst(jobjectArray array) {
+        return ok() ? fetch(static_cast<jstring>(jni->GetObjectArrayElement(array, 0)), true)
+                    : nullptr;
+    }
 
     // Calls the solver, unless something failed before; its status is the call's from then on.
     template <class... Parameters, class... Arguments>
@@ -118,11 +83,26 @@ class Call {
     }
 
     // Value slots: written on success only, from element 0.
-    void write(jintArray slot, const jint *values, jint count = 1);
-    void write(jdoubleArray slot, const jdouble *values, jint count = 1);
-    void write(jcharArray slot, const jchar *values, jint count);
-    void write(jcharArray slot, const char *value);
-    void write(jobjectArray slot, const char *const *texts, jint count = 1);
+    void write(jintArray slot, const jint *values, jint count = 1) {
+        if (ok())
+            jni->SetIntArrayRegion(slot, 0, count, values);
+    }
+    void write(jdoubleArray slot, const jdouble *values, jint count = 1) {
+        if (ok())
+            jni->SetDoubleArrayRegion(slot, 0, count, values);
+    }
+    void write(jcharArray slot, const jchar *values, jint count) {
+        if (ok())
+            jni->SetCharArrayRegion(slot, 0, count, values);
+    }
+    void write(jcharArray slot, const char *value) {
+        const jchar wide = widen(*value);
+        write(slot, &wide, 1);
+    }
+    void write(jobjectArray slot, const char *const *texts, jint count = 1) {
+        for (jint k = 0; ok() && k < count; ++k)
+            storeText(jni, slot, k, texts[k]);
+    }
     // Value slots that may be null: that datum isn't wanted.
     template <class Array, class Element>
     void offer(Array slot, const Element *value) {
@@ -130,11 +110,20 @@ class Call {
             write(slot, value);
     }
     // A handle slot, written after a creating call whatever its status.
-    void writeHandle(jlongArray slot, const void *object);
+    void writeHandle(jlongArray slot, const void *object) {
+        const jlong handle = asHandle(object);
+        jni->SetLongArrayRegion(slot, 0, 1, &handle);
+    }
 
     // The capacity-and-count handshake: element 0 of `slot` is the capacity of the caller's arrays
     // and becomes `count`. True if the arrays are to be filled.
-    bool handshake(jintArray slot, jint count);
+    bool handshake(jintArray slot, jint count) {
+        if (!ok())
+            return false;
+        const jint capacity = readFirst(slot);
+        write(slot, &count);
+        return count >= 1 && count <= capacity;
+    }
 
     JNIEnv *const jni;
 
@@ -142,7 +131,7 @@ class Call {
     template <class Element>
     friend class Scratch;
     template <class Java, class Native>
-    friend class Pair;
+    friend class TwoForms;
     friend class Names;
 
     struct Text {
@@ -150,20 +139,56 @@ class Call {
         const char *characters; // null if nothing was fetched
         bool element;           // of an array: its reference is the call's to delete
     };
-    struct Elements {
-        jobject *references = nullptr;
-        const char **characters = nullptr;
-        jint fetched = 0;
-    };
 
-    const char *fetch(jstring string, bool element);
-    int reserve();
-    Elements &reserveNames();
-    void allocate(int place, jint count, size_t width);
-    void allocateZeroed(int place, jint count, size_t width);
-    void allocateBytes(int place, size_t size);
-    void keep(int place, void *memory);
-    void release(int place);
+    const char *fetch(jstring string, bool element) {
+        if (!ok())
+            return nullptr;
+        const char *characters = nullptr;
+        if (string != nullptr) {
+            characters = jni->GetStringUTFChars(string, nullptr);
+            if (characters == nullptr)
+                fail(ERROR_OUT_OF_MEMORY);
+        }
+        KORVassert(texts_ < mostTexts, __func__);
+        text_[texts_++] = {string, characters, element};
+        return characters;
+    }
+    void release(const Text &text) {
+        if (text.characters != nullptr)
+            jni->ReleaseStringUTFChars(text.string, text.characters);
+        if (text.element)
+            jni->DeleteLocalRef(text.string);
+    }
+    void keep(Elements elements) {
+        KORVassert(names_ < mostNames, __func__);
+        name_[names_++] = elements;
+    }
+
+    int reserve() {
+        KORVassert(places_ < mostPlaces, __func__);
+        scratch_[places_] = nullptr;
+        return places_++;
+    }
+    void allocate(int place, size_t size) {
+        if (ok())
+            keep(place, malloc(size), size);
+    }
+    void allocateZeroed(int place, size_t count, size_t width) {
+        if (ok())
+            keep(place, calloc(count, width), count * width);
+    }
+    void keep(int place, void *memory, size_t size) {
+        scratch_[place] = memory;
+        if (memory == nullptr)
+            fail(ERROR_OUT_OF_MEMORY);
+        else if (size >= manyPages)
+            adviseHugePages(memory, size);
+    }
+    void freeScratch(int place) {
+        if (scratch_[place] != nullptr)
+            free(scratch_[place]);
+        scratch_[place] = nullptr;
+    }
 
     // As much as the most demanding function needs: loadmodel, and addgenconstrpoly's two texts.
     static constexpr int mostTexts = 2, mostNames = 2, mostPlaces = 16;
@@ -187,14 +212,18 @@ class Scratch {
     Element *operator->() const { return buffer(); }
 
     // A count of zero or less allocates nothing.
-    void allocate(jint count) { call.allocate(place, count, sizeof(Element)); }
-    void allocateZeroed(jint count) { call.allocateZeroed(place, count, sizeof(Element)); }
-
-    // Room for `count` items and a closing one, unless `count` is negative. Behind the largest
-    // count comes a negative sum, whose size is beyond all memory: the allocation fails.
-    void allocateClosed(jint count) {
+    void allocate(jint count) {
+        if (count > 0)
+            call.allocate(place, static_cast<size_t>(count) * sizeof(Element));
+    }
+    void allocateZeroed(jint count) {
+        if (count > 0)
+            call.allocateZeroed(place, static_cast<size_t>(count), sizeof(Element));
+    }
+    // Room for `count` items and a closing one, unless `count` is negative.
+    void allocateWithClosing(jint count) {
         if (count >= 0)
-            call.allocateBytes(place, static_cast<size_t>(closed(count)) * sizeof(Element));
+            call.allocate(place, static_cast<size_t>(plusClosing(count)) * sizeof(Element));
     }
 
     // Copies `count` elements in, also where that count is zero or less: the virtual machine
@@ -222,8 +251,8 @@ class Scratch {
             write(slot, count);
     }
 
-    // Frees it ahead of the others.
-    void release() { call.release(place); }
+    // Ahead of the others, and of the texts.
+    void freeEarly() { call.freeScratch(place); }
 
   private:
     Element *buffer() const { return static_cast<Element *>(call.scratch_[place]); }
@@ -234,10 +263,10 @@ class Scratch {
 
 enum class Order { javaFirst, nativeFirst };
 
-// Two buffers that go together: what Java handed over, and what the solver gets for it. The order
-// is that of allocating and of freeing.
+// The same data in two forms, each with its buffer: as Java has them, and as the solver does. The
+// order is that of allocating and of freeing.
 template <class Java, class Native>
-class Pair {
+class TwoForms {
   public:
     operator Native *() const { return native; }
 
@@ -251,7 +280,7 @@ class Pair {
 
   protected:
     // Braces, since they alone fix the order in which the two places are reserved.
-    Pair(Call &call, Order order) : Pair{call, order, call.reserve(), call.reserve()} {}
+    TwoForms(Call &call, Order order) : TwoForms{call, order, call.reserve(), call.reserve()} {}
 
     Call &call;
     const Order order;
@@ -259,41 +288,52 @@ class Pair {
     Scratch<Native> native;
 
   private:
-    Pair(Call &call, Order order, int first, int second)
+    TwoForms(Call &call, Order order, int first, int second)
         : call(call), order(order), java(call, order == Order::javaFirst ? first : second),
           native(call, order == Order::javaFirst ? second : first) {}
 };
 
 // Character data.
-class Chars : public Pair<jchar, char> {
+class Chars : public TwoForms<jchar, char> {
   public:
-    explicit Chars(Call &call, Order order = Order::javaFirst) : Pair(call, order) {}
+    explicit Chars(Call &call, Order order = Order::javaFirst) : TwoForms(call, order) {}
 
-    void copy(jcharArray array, jint count);
+    void copy(jcharArray array, jint count) {
+        if (!call.ok())
+            return;
+        call.jni->GetCharArrayRegion(array, 0, count, java);
+        narrowAll(java, native, count);
+    }
     void take(jcharArray array, jint count) {
         allocate(count);
         copy(array, count);
     }
     // Writes the native characters to a value slot.
-    void write(jcharArray slot, jint count);
+    void write(jcharArray slot, jint count) {
+        if (!call.ok())
+            return;
+        widenAll(native, java, count);
+        call.write(slot, java, count);
+    }
 };
 
 // An array of names, whose elements stay fetched until the call ends.
-class Names : public Pair<jobject, const char *> {
+class Names : public TwoForms<jobject, const char *> {
   public:
-    enum class Nulls { pass, fail };
+    explicit Names(Call &call, Order order = Order::javaFirst) : TwoForms(call, order) {}
 
-    explicit Names(Call &call, Order order = Order::javaFirst);
-
-    // A null element becomes a null name, or counts as a fetch that failed.
-    void copy(jobjectArray array, jint count, Nulls nulls = Nulls::pass);
+    void copy(jobjectArray array, jint count, Nulls nulls = Nulls::pass) {
+        if (!call.ok())
+            return;
+        const Elements elements = fetchElements(call.jni, array, count, nulls, java, native);
+        call.keep(elements);
+        if (elements.fetched < count)
+            call.fail(ERROR_OUT_OF_MEMORY);
+    }
     void take(jobjectArray array, jint count) {
         allocate(count);
         copy(array, count);
     }
-
-  private:
-    Call::Elements &elements;
 };
 
 // Functions that need one required text of Java, and those that read one value by its name.
@@ -301,7 +341,7 @@ template <class Object, class... Parameters, class... Arguments>
 jint invokeWithText(JNIEnv *jni, int (*function)(Object *, const char *, Parameters...),
                     Object *object, jstring string, Arguments... arguments) {
     Call call(jni);
-    const char *text = call.requiredText(string);
+    const char *text = call.fetchRequired(string);
     call.invoke(function, object, text, arguments...);
     return call.status();
 }
@@ -311,7 +351,7 @@ jint readByName(JNIEnv *jni, int (*reader)(Object *, const char *, Value *), Obj
                 jstring name, Array slot) {
     Call call(jni);
     Value value = {};
-    const char *text = call.requiredText(name);
+    const char *text = call.fetchRequired(name);
     call.invoke(reader, object, text, &value);
     call.write(slot, &value);
     return call.status();

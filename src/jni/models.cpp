@@ -12,7 +12,7 @@ JNI_METHOD(jlong, KorvexJni, newmodel)
     Chars typeChars(call);
     Names varNames(call);
 
-    const char *modelName = call.text(name);
+    const char *modelName = call.fetch(name);
     if (numvars > 0) {
         objective.allocate(numvars);
         lower.allocate(numvars);
@@ -27,7 +27,8 @@ JNI_METHOD(jlong, KorvexJni, newmodel)
     }
     call.invoke(KVXnewmodel, asEnv(env), &model, modelName, numvars, objective, lower, upper,
                 typeChars, varNames);
-    // For an empty model no array of Java's is touched, the slot included.
+    // Without variables, be the count 0 or negative, no array of Java's is touched: nor is the
+    // slot.
     if (numvars > 0) {
         const jint success = 0;
         call.write(statusslot, &success);
@@ -76,7 +77,7 @@ JNI_METHOD(jlong, KorvexJni, loadmodel)
     Chars typeChars(call);
     Names varNames(call), constrNames(call);
 
-    const char *modelName = call.text(name);
+    const char *modelName = call.fetch(name);
     lengths.take(len, numvars);
     if (!call.ok())
         return 0;
@@ -111,8 +112,8 @@ JNI_METHOD(jlong, KorvexJni, loadmodel)
         copyIn(jni, val, begins[j], lengths[j], values + position);
         begins[j] = position;
     }
-    varNames.copy(names, numvars, Names::Nulls::fail);
-    constrNames.copy(constrnames, numconstrs, Names::Nulls::fail);
+    varNames.copy(names, numvars, Nulls::fail);
+    constrNames.copy(constrnames, numconstrs, Nulls::fail);
     call.invoke(KVXloadmodel, asEnv(env), &model, modelName, numvars, numconstrs, objsense, objcon,
                 objective, senseChars, rightSides, begins, lengths, indices, values, lower, upper,
                 typeChars, varNames, constrNames);

@@ -5,7 +5,7 @@ JNI_METHOD(jint, KorvexJni, setobjective)
 (JNIEnv *jni, jclass, jlong model, jint objsense, jint numlnz, jintArray lind, jdoubleArray lval,
  jint numqnz, jintArray qrow, jintArray qcol, jdoubleArray qval, jdouble objcon) {
     Call call(jni);
-    Expression terms(call);
+    LinearAndQuadratic terms(call);
     auto &[indices, coefficients] = terms.linear.buffers;
     auto &[rows, columns, values] = terms.quadratic.buffers;
     terms.take(numlnz, lind, lval, numqnz, qrow, qcol, qval);
@@ -22,7 +22,7 @@ JNI_METHOD(jint, KorvexJni, setobjectiven)
     auto &[indices, coefficients] = linear.buffers;
     if (numlnz > 0)
         linear.take(numlnz, lind, lval);
-    const char *nameText = call.text(name);
+    const char *nameText = call.fetch(name);
     call.invoke(KVXsetobjectiven, asModel(model), index, ival, nameText, numlnz, indices,
                 coefficients, dval1, dval2, dval3, dval4);
     return call.status();

@@ -18,15 +18,15 @@ JNI_METHOD(jint, KorvexJni, getstrparam)
     const char *text = buffer;
     Scratch<char> whole(call);
     jint length = 0;
-    const char *name = call.requiredText(paramname);
+    const char *name = call.fetchRequired(paramname);
     call.invoke(KVXgetlongstrparam, asEnv(env), name, buffer, KVX_TEXT_SIZE, &length);
     if (length >= KVX_TEXT_SIZE) {
-        whole.allocateClosed(length);
-        call.invoke(KVXgetlongstrparam, asEnv(env), name, whole, closed(length), &length);
+        whole.allocateWithClosing(length);
+        call.invoke(KVXgetlongstrparam, asEnv(env), name, whole, plusClosing(length), &length);
         text = whole;
     }
     call.write(value, &text);
-    whole.release(); // ahead of the name
+    whole.freeEarly(); // ahead of the name
     return call.status();
 }
 
@@ -39,7 +39,7 @@ jint describe(JNIEnv *jni,
               jlong env, jstring paramname, Array info) {
     Call call(jni);
     Value values[4] = {};
-    const char *name = call.requiredText(paramname);
+    const char *name = call.fetchRequired(paramname);
     call.invoke(describer, asEnv(env), name, &values[0], &values[1], &values[2], &values[3]);
     call.write(info, values, 4);
     return call.status();
@@ -62,7 +62,7 @@ JNI_METHOD(jint, KorvexJni, getstrparaminfo)
     Call call(jni);
     char current[KVX_TEXT_SIZE], standard[KVX_TEXT_SIZE];
     const char *const texts[] = {current, standard};
-    const char *name = call.requiredText(paramname);
+    const char *name = call.fetchRequired(paramname);
     call.invoke(KVXgetstrparaminfo, asEnv(env), name, current, standard);
     call.write(info, texts, 2);
     return call.status();
@@ -87,8 +87,8 @@ jint setText(JNIEnv *jni, TextSetter *setter, jlong env, jstring paramname, jstr
     Call call(jni);
     call.require(paramname);
     call.require(newvalue);
-    const char *name = call.text(paramname);
-    const char *value = call.text(newvalue);
+    const char *name = call.fetch(paramname);
+    const char *value = call.fetch(newvalue);
     call.invoke(setter, asEnv(env), name, value);
     return call.status();
 }

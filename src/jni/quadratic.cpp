@@ -37,11 +37,11 @@ JNI_METHOD(jint, KorvexJni, addqconstr)
 (JNIEnv *jni, jclass, jlong model, jint numlnz, jintArray lind, jdoubleArray lval, jint numqnz,
  jintArray qrow, jintArray qcol, jdoubleArray qval, jchar sense, jdouble rhs, jstring name) {
     Call call(jni);
-    Expression terms(call);
+    LinearAndQuadratic terms(call);
     auto &[indices, coefficients] = terms.linear.buffers;
     auto &[rows, columns, values] = terms.quadratic.buffers;
     terms.take(numlnz, lind, lval, numqnz, qrow, qcol, qval);
-    const char *nameText = call.text(name);
+    const char *nameText = call.fetch(name);
     call.invoke(KVXaddqconstr, asModel(model), numlnz, indices, coefficients, numqnz, rows, columns,
                 values, narrow(sense), rhs, nameText);
     return call.status();
@@ -53,7 +53,7 @@ JNI_METHOD(jint, KorvexJni, getqconstr)
  jdoubleArray lval, jintArray numqnzslot, jintArray qrow, jintArray qcol, jdoubleArray qval) {
     KVXmodel *const model = asModel(handle);
     Call call(jni);
-    Expression terms(call);
+    LinearAndQuadratic terms(call);
     auto &[indices, coefficients] = terms.linear.buffers;
     auto &[rows, columns, values] = terms.quadratic.buffers;
     jint numlnz = 0, numqnz = 0;

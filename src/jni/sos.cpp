@@ -31,12 +31,12 @@ JNI_METHOD(jint, KorvexJni, getsos)
                 count);
     if (call.handshake(nummembersslot, nummembers)) {
         typeCodes.allocate(count);
-        begins.allocateClosed(count);
+        begins.allocateWithClosing(count);
         members.allocate(nummembers);
         call.invoke(KVXgetsos, asModel(model), &nummembers, typeCodes, begins, indices, weights,
                     start, count);
         typeCodes.write(types, count);
-        begins.write(beg, closed(count));
+        begins.write(beg, plusClosing(count));
         members.write(nummembers, ind, weight);
     }
     return call.status();

@@ -7,7 +7,7 @@
 #include <tuple>
 
 // Buffers of equal length that lie beside each other: sparse lists, triplets, points. Each step
-// goes through them in order.
+// goes through them in order, with the array of the same position where arrays are given.
 template <class... Elements>
 class Parallel {
   public:
@@ -46,8 +46,8 @@ class Parallel {
 
 // A linear and a quadratic part. A part with a count of zero or less is absent: its arrays aren't
 // touched.
-struct Expression {
-    explicit Expression(Call &call) : linear(call), quadratic(call) {}
+struct LinearAndQuadratic {
+    explicit LinearAndQuadratic(Call &call) : linear(call), quadratic(call) {}
 
     void take(jint numlnz, jintArray lind, jdoubleArray lval, jint numqnz, jintArray qrow,
               jintArray qcol, jdoubleArray qval) {

@@ -24,7 +24,7 @@ jint readRange(JNIEnv *jni, RangeReader *reader, jlong model, jintArray numnzslo
     jint numnz = 0;
     call.invoke(reader, asModel(model), &numnz, nullptr, nullptr, nullptr, start, count);
     if (call.handshake(numnzslot, numnz)) {
-        begins.allocateClosed(count);
+        begins.allocateWithClosing(count);
         nonzeros.allocate(numnz);
         call.invoke(reader, asModel(model), &numnz, begins, indices, values, start, count);
         begins.write(beg, count);

@@ -1,5 +1,6 @@
 #include "ledger.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <sys/mman.h>
@@ -12,6 +13,7 @@ void __real_free(void *address);
 void *__wrap_malloc(std::size_t size);
 void *__wrap_calloc(std::size_t count, std::size_t size);
 void __wrap_free(void *address);
+int __wrap_madvise(void *address, std::size_t size, int advice);
 }
 
 namespace {
@@ -105,4 +107,17 @@ void __wrap_free(void *address) {
         ledger.release(address);
     else
         __real_free(address);
+}
+
+// All whole pages of a block are expected to be advised, and none that others share.
+int __wrap_madvise(void *address, std::size_t size, int advice) {
+    constexpr std::size_t page = 4096;
+    std::size_t offset = 0;
+    const Block *block = ledger.blockOf(address, &offset);
+    bool whole = block && reinterpret_cast<std::uintptr_t>(address) % page == 0 &&
+                 size % page == 0 && offset < page && offset + size <= block->size &&
+                 offset + size + page > block->size;
+    ledger.note((advice == MADV_HUGEPAGE && whole ? "huge " : "advises wrongly ") +
+                ledger.place(address).substr(0, 1));
+    return 0;
 }

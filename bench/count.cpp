@@ -1,0 +1,118 @@
+// The instructions of six calls, through the bridge and on the floor, for `valgrind
+// --tool=callgrind`: a dump each, named after the call. The virtual machine is a table of functions
+// that copy and do nothing else, so that the counts are the same on every machine.
+#include "Floor.h"
+#include "com_korvex_KVXModel.h"
+#include "com_korvex_KorvexJni.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include <valgrind/callgrind.h>
+
+namespace {
+
+// An array is its first element's address, a text its characters, an ID anything.
+template <class Array, class Element>
+void get(JNIEnv *, Array array, jsize start, jsize len, Element *buffer) {
+    memcpy(buffer, reinterpret_cast<Element *>(array) + start,
+           static_cast<size_t>(len) * sizeof(Element));
+}
+template <class Array, class Element>
+void set(JNIEnv *, Array array, jsize start, jsize len, const Element *buffer) {
+    memcpy(reinterpret_cast<Element *>(array) + start, buffer,
+           static_cast<size_t>(len) * sizeof(Element));
+}
+template <class Id>
+Id find(JNIEnv *, jclass, const char *name, const char *) {
+    return reinterpret_cast<Id>(const_cast<char *>(name));
+}
+
+JNINativeInterface_ table() {
+    JNINativeInterface_ jni = {};
+    jni.GetStringUTFChars = [](JNIEnv *, jstring string, jboolean *) {
+        return reinterpret_cast<const char *>(string);
+    };
+    jni.ReleaseStringUTFChars = [](JNIEnv *, jstring, const char *) {};
+    jni.GetIntArrayRegion = get<jintArray, jint>;
+    jni.GetDoubleArrayRegion = get<jdoubleArray, jdouble>;
+    jni.GetCharArrayRegion = get<jcharArray, jchar>;
+    jni.SetIntArrayRegion = set<jintArray, jint>;
+    jni.GetObjectArrayElement = [](JNIEnv *, jobjectArray array, jsize index) {
+        return reinterpret_cast<jobject *>(array)[index];
+    };
+    jni.DeleteLocalRef = [](JNIEnv *, jobject) {};
+    jni.GetObjectClass = [](JNIEnv *, jobject object) { return static_cast<jclass>(object); };
+    jni.NewGlobalRef = [](JNIEnv *, jobject object) { return object; };
+    jni.DeleteGlobalRef = [](JNIEnv *, jobject) {};
+    jni.GetJavaVM = [](JNIEnv *, JavaVM **) -> jint { return JNI_OK; };
+    jni.GetFieldID = find<jfieldID>;
+    jni.GetMethodID = find<jmethodID>;
+    jni.SetLongField = [](JNIEnv *, jobject, jfieldID, jlong) {};
+    jni.SetIntField = [](JNIEnv *, jobject, jfieldID, jint) {};
+    jni.CallVoidMethodV = [](JNIEnv *, jobject, jmethodID, va_list) {};
+    return jni;
+}
+
+template <class Array, class Element>
+Array array(std::vector<Element> &elements) {
+    return reinterpret_cast<Array>(elements.data());
+}
+
+// One call to warm up, which binds symbols and fills the allocator's caches, and one to count.
+template <class Function, class... Arguments>
+void count(const char *name, Function *function, Arguments... arguments) {
+    function(arguments...);
+    CALLGRIND_ZERO_STATS;
+    function(arguments...);
+    CALLGRIND_DUMP_STATS_AT(name);
+}
+
+template <class Function>
+void addVariables(const char *name, Function *addvars, JNIEnv *jni, jint numvars, jint numnz) {
+    const auto vars = static_cast<size_t>(numvars), nonzeros = static_cast<size_t>(numnz);
+    std::vector<jint> ints(nonzeros);
+    std::vector<jdouble> doubles(nonzeros);
+    std::vector<jchar> types(vars);
+    std::vector<const char *> names(vars, "x");
+    const auto reals = array<jdoubleArray>(doubles);
+    count(name, addvars, jni, nullptr, jlong{1}, numvars, numnz, array<jintArray>(ints),
+          array<jintArray>(ints), reals, reals, reals, reals, array<jcharArray>(types),
+          array<jobjectArray>(names));
+}
+
+} // namespace
+
+int main() {
+    const JNINativeInterface_ functions = table();
+    JNIEnv env = {&functions};
+    JNIEnv *const jni = &env;
+    std::vector<jint> slot(1);
+    std::vector<jobject> self(1);
+    char text[] = "Threads";
+    const auto name = reinterpret_cast<jstring>(text);
+    const auto value = array<jintArray>(slot);
+    const auto object = reinterpret_cast<jobject>(self.data());
+
+    count("attribute bridge", Java_com_korvex_KorvexJni_getintattrlist, jni, nullptr, jlong{1},
+          name, 0, -1, nullptr, value);
+    count("attribute floor", Java_Floor_getintattr, jni, nullptr, jlong{1}, name, value);
+    count("parameter bridge", Java_com_korvex_KorvexJni_setintparam, jni, nullptr, jlong{1}, name,
+          1);
+    count("parameter floor", Java_Floor_setintparam, jni, nullptr, jlong{1}, name, 1);
+    addVariables("addvars5 bridge", Java_com_korvex_KorvexJni_addvars, jni, 1, 5);
+    addVariables("addvars5 floor", Java_Floor_addvars, jni, 1, 5);
+    addVariables("addvars1000 bridge", Java_com_korvex_KorvexJni_addvars, jni, 200, 1000);
+    addVariables("addvars1000 floor", Java_Floor_addvars, jni, 200, 1000);
+    count("updatemodel bridge", Java_com_korvex_KorvexJni_updatemodel, jni, nullptr, jlong{1});
+    count("updatemodel floor", Java_Floor_updatemodel, jni, nullptr, jlong{1});
+    // Binding and releasing belong to the run: what an upcall costs is what hundred more add.
+    for (const int upcalls : {0, 100}) {
+        const auto model = static_cast<jlong>(upcalls);
+        count(upcalls == 0 ? "run bridge" : "run100 bridge", Java_com_korvex_KVXModel_jnioptimize,
+              jni, object, model, 1, 0, nullptr, nullptr, 0);
+        count(upcalls == 0 ? "run floor" : "run100 floor", Java_Floor_optimize, jni, object, model);
+    }
+}
