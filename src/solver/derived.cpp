@@ -61,18 +61,28 @@ ModelData fixed(const KVXmodel &model) {
     return data;
 }
 
-// A model that presolve finds to have no optimum is its own presolved model.
+// Without what rests on costs, which may lose optima of models with integers or lose infeasibility.
+// A model without solutions is its own presolved model.
 ModelData presolved(const KVXmodel &model) {
     refuseUnlessLinear(model, "CBI", "presolve");
     const Problem problem(model);
+    problem.checkNumbers(model);
     ClpSimplex lp;
+    problem.load(lp);
+    lp.scaling(0);
+    std::fill_n(lp.objective(), problem.cost.size(), 0.0);
+    lp.primal();
+    if (lp.status() != 0 || model.vars.empty() || model.constrs.empty())
+        return model;
     problem.load(lp);
     for (size_t j = 0; j < problem.integer.size(); j++)
         if (problem.integer[j])
             lp.setInteger(intSize(j));
     ClpPresolve presolve;
+    presolve.setDoDual(false);
+    presolve.setDoImpliedFree(false);
     std::unique_ptr<ClpSimplex> smaller(presolve.presolvedModel(lp, 1e-8, true));
-    if (!smaller || model.vars.empty() || model.constrs.empty())
+    if (!smaller)
         return model;
     ModelData data;
     data.name = model.name;

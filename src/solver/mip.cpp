@@ -29,12 +29,14 @@ constexpr int completionNodes = 500; // spent on a partial or any solution
 
 struct Mip {
     Mip(Run &run, const Problem &problem) : run(run), problem(problem) {
+        dropFreeRows();
         run.complete = [this](auto &x, double &objective) { return complete(x, objective); };
     }
     ~Mip() { run.complete = nullptr; }
     Outcome solve();
     void follow(CbcModel &cbc, CbcEventHandler::CbcEvent event);
     void node(const double *relaxation, OsiCuts &cuts);
+    void dropFreeRows();
     int solveOnce();
     void markIntegers(OsiSolverInterface &solver) const;
     void configure(CbcModel &cbc) const;
@@ -106,6 +108,24 @@ class Set : public CbcSOS {
             CbcSOS::feasibleRegion();
     }
 };
+
+// Rows without sides mislead some cut generators.
+void Mip::dropFreeRows() {
+    std::vector<int> rows;
+    size_t kept = 0;
+    for (size_t i = 0; i < problem.rowLower.size(); i++)
+        if (problem.rowLower[i] == -COIN_DBL_MAX && problem.rowUpper[i] == COIN_DBL_MAX) {
+            rows.push_back(intSize(i));
+        } else {
+            problem.rowLower[kept] = problem.rowLower[i];
+            problem.rowUpper[kept++] = problem.rowUpper[i];
+        }
+    if (kept == 0)
+        return;
+    problem.matrix.deleteRows(intSize(rows.size()), rows.data());
+    problem.rowLower.resize(kept);
+    problem.rowUpper.resize(kept);
+}
 
 // Makes the known integers exact. Whether the point is a solution then.
 bool Mip::round(std::vector<double> &x) const {
@@ -241,8 +261,11 @@ void Mip::configure(CbcModel &cbc) const {
     cbc.setLogLevel(0);
     cbc.setIntegerTolerance(dblParam(run.settings, "IntegralityTol"));
     cbc.setRandomSeed(intParam(run.settings, "Seed"));
-    // Cbc's dynamic pseudo-costs take every branching object for that of an integer.
+    // Cbc's dynamic pseudo-costs take every branching object for that of an integer, and its strong
+    // branching aborts for want of fractional ones.
     cbc.setNumberBeforeTrust(problem.sets.empty() ? 10 : 0);
+    if (!problem.sets.empty())
+        cbc.setNumberStrong(0);
     for (const Sos &set : problem.sets) {
         std::vector<int> columns;
         for (Entry member : set.members)
@@ -371,6 +394,7 @@ Outcome Mip::solve() {
             run.goOn();
         for (; lazyRows < run.lazies.size(); lazyRows++)
             problem.addRow(run.lazies[lazyRows]);
+        problem.checkNumbers(run.model);
         outcome.status = run.poll() ? run.stopped() : solveOnce();
     } while (run.stopped() == Run::again);
     outcome.x = run.best;

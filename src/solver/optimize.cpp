@@ -1,6 +1,7 @@
 #include "optimize.h"
 
 #include "guard.h"
+#include "params.h"
 #include "textfile.h"
 
 #include <algorithm>
@@ -11,9 +12,8 @@ namespace {
 
 constexpr double integerTolerance = 1e-9; // of an integer variable's bounds
 
-double bound(double value) {
-    return std::abs(value) >= KVX_INFINITY ? std::copysign(COIN_DBL_MAX, value) : value;
-}
+// COIN's solvers end the process, by assertions, when numbers are a good deal larger than these.
+constexpr double largestNumber = 1e20, largestInteger = 1e15;
 
 double excess(double value, double lower, double upper) {
     double below = (lower - value) / std::max(1.0, std::abs(lower));
@@ -75,6 +75,10 @@ void store(Run &run, const Outcome &outcome) {
 
 } // namespace
 
+double bound(double value) {
+    return std::abs(value) >= KVX_INFINITY ? std::copysign(COIN_DBL_MAX, value) : value;
+}
+
 double violation(const Constraint &row, const std::vector<double> &x) {
     double activity = 0;
     for (auto [var, coefficient] : row.row)
@@ -119,12 +123,42 @@ Problem::Problem(const ModelData &model)
     matrix.setDimensions(intSize(rowLower.size()), intSize(cost.size()));
 }
 
+void Problem::checkNumbers(const ModelData &model) const {
+    auto check = [](double value, double most, const char *what, const auto &elements, size_t k) {
+        if (std::abs(value) <= most || std::abs(value) == COIN_DBL_MAX)
+            return;
+        std::string name = k < elements.size() ? elements[k].name : "a reformulation's element";
+        fail(KVX_ERROR_NOT_SUPPORTED, "%s of %s is %s: only numbers up to %s can be solved", what,
+             name.c_str(), toText(value).c_str(), toText(most).c_str());
+    };
+    const bool hasIntegers = std::count(integer.begin(), integer.end(), true) > 0;
+    for (size_t j = 0; j < cost.size(); j++) {
+        check(cost[j], largestNumber, "the cost", model.vars, j);
+        for (double bound : {lower[j], upper[j]})
+            check(bound, integer[j] ? largestInteger : largestNumber, "a bound", model.vars, j);
+    }
+    for (size_t i = 0; i < rowLower.size(); i++)
+        for (double side : {rowLower[i], rowUpper[i]})
+            check(side, hasIntegers ? largestInteger : largestNumber, "a side", model.constrs, i);
+    for (int j = 0; j < matrix.getNumCols(); j++)
+        for (auto k = matrix.getVectorFirst(j); k < matrix.getVectorLast(j); k++)
+            check(matrix.getElements()[k], largestNumber, "a coefficient", model.constrs,
+                  at(matrix.getIndices()[k]));
+}
+
 void Problem::load(ClpSimplex &lp) const {
     lp.passInMessageHandler(&silence);
     lp.setLogLevel(0);
     lp.loadProblem(matrix, lower.data(), upper.data(), cost.data(), rowLower.data(),
                    rowUpper.data());
     lp.setObjectiveOffset(-constant);
+}
+
+void Problem::setSides(ClpSimplex &lp) const {
+    lp.chgColumnLower(lower.data());
+    lp.chgColumnUpper(upper.data());
+    lp.chgRowLower(rowLower.data());
+    lp.chgRowUpper(rowUpper.data());
 }
 
 double Problem::objective(const std::vector<double> &x) const {
@@ -145,6 +179,33 @@ double Problem::violation(const std::vector<double> &x) const {
     return worst;
 }
 
+bool Problem::isOptimal(const std::vector<double> &x, const double *multipliers,
+                        double tolerance) const {
+    std::vector<double> activity(rowLower.size());
+    matrix.times(x.data(), activity.data());
+    const double most = tolerance * (1 + std::abs(objective(x)));
+    // A price that counts needs a side at which the value is.
+    auto fits = [&](double price, double scale, double value, double lowest, double highest) {
+        const double side = price > 0 ? lowest : highest;
+        return std::abs(price) <= tolerance * scale ||
+               (std::abs(side) < COIN_DBL_MAX && std::abs(price * (value - side)) <= most);
+    };
+    for (size_t i = 0; i < activity.size(); i++)
+        if (!fits(multipliers[i], 1, activity[i], rowLower[i], rowUpper[i]))
+            return false;
+    for (int j = 0; j < matrix.getNumCols(); j++) {
+        double reduced = cost[at(j)], scale = 1 + std::abs(reduced);
+        for (auto k = matrix.getVectorFirst(j); k < matrix.getVectorLast(j); k++) {
+            double part = matrix.getElements()[k] * multipliers[matrix.getIndices()[k]];
+            reduced -= part;
+            scale += std::abs(part);
+        }
+        if (!fits(reduced, scale, x[at(j)], lower[at(j)], upper[at(j)]))
+            return false;
+    }
+    return true;
+}
+
 void Problem::addRow(const Constraint &row) {
     matrix.appendRow(packed(row.row));
     rowLower.push_back(bound(row.lower));
@@ -152,6 +213,7 @@ void Problem::addRow(const Constraint &row) {
 }
 
 Outcome solveProblem(Run &run, const Problem &problem) {
+    problem.checkNumbers(run.model);
     Outcome outcome;
     if (run.poll()) {
         outcome.status = run.stopped();
@@ -177,6 +239,8 @@ void optimize(Run &run) {
     Solution &solution = model.solution = {};
     run.say("Optimizing a model with %zu rows and %zu columns", model.constrs.size(),
             model.vars.size());
+    if (int threads = intParam(model.env, "Threads"); threads > 1)
+        run.say("The parameter Threads is %d, but one thread does the run", threads);
     const Problem problem(reformulated(model));
     store(run,
           model.objectives.empty() ? solveProblem(run, problem) : solveObjectives(run, problem));

@@ -28,13 +28,23 @@ ModelData reformulated(const KVXmodel &model);
 struct Problem {
     explicit Problem(const ModelData &model);
 
+    // Refuses numbers that are too large for COIN's solvers. The model tells names.
+    void checkNumbers(const ModelData &model) const;
+
     void load(ClpSimplex &lp) const;
+
+    // Gives a loaded problem these bounds and sides.
+    void setSides(ClpSimplex &lp) const;
 
     // The objective value of a point in the model's own sense.
     double objective(const std::vector<double> &x) const;
 
     // The largest violation of a bound or row, relative to the size of what it violates.
     double violation(const std::vector<double> &x) const;
+
+    // Whether the rows' multipliers prove that a feasible point of the problem without integers is
+    // optimal.
+    bool isOptimal(const std::vector<double> &x, const double *multipliers, double tolerance) const;
 
     void addRow(const Constraint &row);
 
@@ -47,6 +57,9 @@ struct Problem {
     CoinPackedMatrix matrix; // by columns
     mutable Silence silence;
 };
+
+// A bound or side as COIN's solvers take it.
+double bound(double value);
 
 CoinPackedVector packed(const std::vector<Entry> &entries);
 

@@ -173,6 +173,10 @@ void Run::offer(const std::vector<double> &x, double value) {
                 {KVX_CB_MIPSOL_NODES, nodes},
                 {KVX_CB_MIPSOL_SOLCOUNT, 1.0 * solutions}},
                &x);
+    // A callback that failed or gave up may not have come to the constraint that the solution
+    // lacks.
+    if (callbackStatus || (model.terminate && intParam(settings, "LazyConstraints")))
+        return;
     if (satisfiesLazies(x)) {
         best = x;
         bestObjective = value;

@@ -31,13 +31,57 @@ int SimplexWatch::event(Event event) {
 
 namespace {
 
-// Basis statuses by those of Clp, and the other way round by their negatives.
-constexpr int fromClp[] = {KVX_SUPERBASIC,     KVX_BASIC,      KVX_NONBASIC_UPPER,
-                           KVX_NONBASIC_LOWER, KVX_SUPERBASIC, KVX_NONBASIC_LOWER};
+enum { optimal, infeasible, unbounded }; // Clp's statuses of models
+
+// Clp's statuses by the negatives of the interface's.
 constexpr ClpSimplex::Status toClp[] = {ClpSimplex::basic, ClpSimplex::atLowerBound,
                                         ClpSimplex::atUpperBound, ClpSimplex::superBasic};
 
-void solve(ClpSimplex &lp, const Run &run) {
+// Plain primal simplex, first without costs. Presolve, dual simplex and scaling can't always tell
+// an infeasible model from an unbounded one; this can.
+void solvePlainly(ClpSimplex &lp, const Run &run, const Problem &problem) {
+    const std::vector<double> zeros(problem.cost.size());
+    lp.scaling(0);
+    lp.allSlackBasis(true);
+    lp.chgObjCoefficients(zeros.data());
+    lp.primal();
+    lp.chgObjCoefficients(problem.cost.data());
+    if (lp.status() != infeasible && !run.stopped())
+        lp.primal();
+}
+
+// Clp's barrier method ends the process when its iterates diverge, or calls points around 1e20
+// optimal. So it gets a problem that has points inside all of its bounds, in a box; primal simplex
+// goes on without.
+void solveByBarrier(ClpSimplex &lp, const Run &run, const Problem &problem) {
+    constexpr double box = 1e9, margin = 1e-4;
+    const std::vector<double> zeros(problem.cost.size());
+    lp.chgObjCoefficients(zeros.data());
+    lp.primal();
+    lp.chgObjCoefficients(problem.cost.data());
+    if (lp.status() != optimal || run.stopped())
+        return;
+    Problem wider = problem;
+    auto widen = [&](std::vector<double> &lower, std::vector<double> &upper) {
+        for (size_t k = 0; k < lower.size(); k++) {
+            const double low = lower[k], high = upper[k];
+            lower[k] = std::max(low, std::min(-box, high - box)) - margin;
+            upper[k] = std::min(high, std::max(box, low + box)) + margin;
+        }
+    };
+    widen(wider.lower, wider.upper);
+    widen(wider.rowLower, wider.rowUpper);
+    ClpSolve options;
+    options.setSolveType(ClpSolve::useBarrier);
+    options.setPresolveType(ClpSolve::presolveOff);
+    options.setSpecialOption(2, 1);
+    wider.setSides(lp);
+    lp.initialSolve(options);
+    problem.setSides(lp);
+    lp.primal();
+}
+
+void solve(ClpSimplex &lp, const Run &run, const Problem &problem) {
     const ModelData &model = run.model;
     int method = intParam(run.settings, "Method");
     if (model.hasBasis) {
@@ -52,17 +96,26 @@ void solve(ClpSimplex &lp, const Run &run) {
     bool presolve = intParam(run.settings, "Presolve");
     ClpSolve options;
     options.setPresolveType(presolve ? ClpSolve::presolveOn : ClpSolve::presolveOff);
-    options.setSolveType(method == 0   ? ClpSolve::usePrimal
-                         : method == 2 ? ClpSolve::useBarrier
-                                       : ClpSolve::useDual);
     options.setSpecialOption(2, 1); // Clp leaves the process's handler of interrupts alone.
+    if (method == 2)
+        return solveByBarrier(lp, run, problem);
+    options.setSolveType(method == 0 ? ClpSolve::usePrimal : ClpSolve::useDual);
     lp.initialSolve(options);
+}
+
+// What isn't basic is at the bound that it has. Clp now and then says that it is at one that it
+// hasn't.
+int basisStatus(ClpSimplex::Status status, double value, double lower, double upper) {
+    if (status == ClpSimplex::basic)
+        return KVX_BASIC;
+    if (lower == -COIN_DBL_MAX && upper == COIN_DBL_MAX)
+        return KVX_SUPERBASIC;
+    return value - lower <= upper - value ? KVX_NONBASIC_LOWER : KVX_NONBASIC_UPPER;
 }
 
 } // namespace
 
 Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
-    enum { optimal, infeasible, unbounded }; // Clp's statuses
     const size_t columns = problem.cost.size();
     Outcome outcome;
     for (size_t j = 0; j < columns; j++)
@@ -76,22 +129,15 @@ Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
     lp.setRandomSeed(1 + intParam(run.settings, "Seed") % 1000000);
     SimplexWatch watch(run, true);
     lp.passInEventHandler(&watch);
-    solve(lp, run);
+    solve(lp, run, problem);
     auto isSettled = [&] {
         outcome.x.assign(lp.primalColumnSolution(), lp.primalColumnSolution() + columns);
-        return lp.status() == optimal && problem.violation(outcome.x) <= run.tolerance();
+        return lp.status() == optimal && problem.violation(outcome.x) <= run.tolerance() &&
+               problem.isOptimal(outcome.x, lp.dualRowSolution(), run.tolerance());
     };
-    // Presolve and dual simplex can't always tell an infeasible model from an unbounded one, and
-    // what they find may be off by more than the tolerance once it is scaled back. Plain primal
-    // simplex without scaling settles both.
-    for (int scaling : {1, 0}) {
-        if (isSettled() || run.stopped())
-            break;
-        lp.scaling(scaling);
-        lp.primal();
-        if (lp.status() == infeasible || lp.status() == unbounded)
-            break;
-    }
+    // What they find may also be off by more than the tolerance once it is scaled back.
+    if (!isSettled() && !run.stopped())
+        solvePlainly(lp, run, problem);
     run.earlierIterations = run.iterations =
         std::max(run.iterations, run.earlierIterations + lp.numberIterations());
     if (!isSettled()) {
@@ -106,11 +152,14 @@ Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
     outcome.objective = problem.objective(outcome.x);
     for (size_t j = 0; j < columns; j++) { // The zero makes a negative zero positive.
         outcome.reducedCosts.push_back(problem.sense * lp.dualColumnSolution()[j] + 0.0);
-        outcome.basis.push_back(fromClp[lp.getColumnStatus(intSize(j))]);
+        outcome.basis.push_back(basisStatus(lp.getColumnStatus(intSize(j)), outcome.x[j],
+                                            problem.lower[j], problem.upper[j]));
     }
     for (size_t i = 0; i < problem.rowLower.size(); i++) {
         outcome.duals.push_back(problem.sense * lp.dualRowSolution()[i] + 0.0);
-        outcome.rowBasis.push_back(fromClp[lp.getRowStatus(intSize(i))]);
+        outcome.rowBasis.push_back(basisStatus(lp.getRowStatus(intSize(i)),
+                                               lp.primalRowSolution()[i], problem.rowLower[i],
+                                               problem.rowUpper[i]));
     }
     return outcome;
 }

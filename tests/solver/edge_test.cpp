@@ -26,6 +26,66 @@ TEST(Edge, ModelsWithoutRowsOrOperands) {
     EXPECT_EQ(KVX_STATUS_INFEASIBLE, solved(model).first);
 }
 
+// A model, what it is solved with, and what must come of it.
+struct Verdict {
+    Data data;
+    const char *param;
+    int value, expected; // a status, or the one of KVXoptimize
+    double objective = 0;
+};
+
+TEST(Edge, VerdictsThatAreEasilyMissed) {
+    Env env;
+    const Row equal = {{3}, 0, 0};
+    const Data ray{{9, 0}, {}, {}, {}, {{{0, 4}, 9, inf}}, KVX_MAXIMIZE},
+        slope{{-1, -2}, {-inf, 0}, {inf, inf}, {}, {{{-1, 2}, -inf, 4}}},
+        wedge{{1, -1}, {0, 1}, {inf, inf}, {}, {{{2, -1}, -inf, 5}}},
+        point{{-3}, {}, {}, {}, {equal, {{1}, -inf, inf}, {{0}, -inf, 0}}},
+        gap{{7}, {-inf}, {inf}, {}, {{{0}, -11, -8}, {{-2}, 6, 6}}, KVX_MAXIMIZE},
+        semi{{1}, {3}, {5}, "S", {{{1}, 1, inf}}},
+        free{{9, -9, 7, 2, -3, 2, -4},
+             Vector(7),
+             {inf, 20, 20, 20, 3, 5, 3},
+             "CIIICII",
+             {{{0, 0, 0, 0, 2, -2, 0}, -inf, inf},
+              {{2, 1, 0, 0, 0, -1, 2}, -14, inf},
+              {{-3, 3, -4, -1, 0, -2, -1}, 9, 12},
+              {{0, -1, 0, 1, 0, 1, 0}, 1, 3},
+              {{2, 0, 0, -1, 0, 0, -3}, -inf, inf}}};
+    auto large = [](char type, double obj, double ub, double val, double rhs) {
+        return Data{{obj}, {0}, {ub}, {type}, {{{val}, -rhs, rhs}}};
+    };
+    std::vector<Verdict> cases = {
+        {semi, "Presolve", 1, KVX_STATUS_OPTIMAL, 3},
+        {free, "Presolve", 0, KVX_STATUS_OPTIMAL, -124},
+        {large('C', 1, inf, 1, 1e19), "Presolve", 1, KVX_STATUS_OPTIMAL},
+        {large('I', 1, 1e14, 1, 1e14), "Presolve", 1, KVX_STATUS_OPTIMAL},
+        {large('C', 1e30, 1, 1, 1), "Presolve", 1, KVX_ERROR_NOT_SUPPORTED},
+        {large('C', 1, 1, 1e26, 1), "Presolve", 1, KVX_ERROR_NOT_SUPPORTED},
+        {large('C', 1, 1e30, 1, 1), "Presolve", 1, KVX_ERROR_NOT_SUPPORTED},
+        {large('I', 1, 1e17, 1, 1), "Presolve", 1, KVX_ERROR_NOT_SUPPORTED},
+        {large('I', 1, 1, 1, 1e17), "Presolve", 1, KVX_ERROR_NOT_SUPPORTED}};
+    for (int method = -1; method <= 2; method++)
+        for (const Data *data : {&ray, &slope, &wedge, &gap, &point})
+            cases.push_back({*data, "Method", method,
+                             data == &point ? KVX_STATUS_OPTIMAL
+                             : data == &gap ? KVX_STATUS_INFEASIBLE
+                                            : KVX_STATUS_UNBOUNDED});
+    for (const auto &[data, param, value, expected, objective] : cases) {
+        SCOPED_TRACE(&expected - &cases[0].expected);
+        Model model = data.build(env);
+        KVXsetintparam(KVXgetenv(model.get()), param, value);
+        if (int status = KVXoptimize(model.get())) {
+            EXPECT_EQ(expected, status);
+            continue;
+        }
+        ASSERT_EQ(expected, intAttr(model, "Status"));
+        if (expected == KVX_STATUS_OPTIMAL) {
+            EXPECT_NEAR(objective, dblAttr(model, "ObjVal"), 1e-6);
+        }
+    }
+}
+
 // Proposes the best point, one without a value, and one that isn't a number, at every solution.
 int propose(KVXmodel *, void *cbdata, int where, void *calls) {
     if (where != KVX_CB_MIPSOL)

@@ -40,6 +40,11 @@ TEST(Optimize, LinearOptimaSatisfyTheConditions) {
         }
         for (size_t j = 0; j < x.size(); j++) {
             EXPECT_NEAR(priced[j], reduced[j], 1e-5);
+            int basis = 0;
+            MUST(model, KVXgetintattrelement(model.get(), "VarBasis", static_cast<int>(j), &basis));
+            if (basis == KVX_NONBASIC_LOWER || basis == KVX_NONBASIC_UPPER) {
+                EXPECT_NEAR(basis == KVX_NONBASIC_LOWER ? data.lb[j] : data.ub[j], x[j], 1e-6);
+            }
             multiply(reduced[j], data.lb[j], data.ub[j]);
         }
         EXPECT_NEAR(data.constant + product(data.obj, x), bound, 1e-4);

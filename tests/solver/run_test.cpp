@@ -84,6 +84,24 @@ TEST(Run, EndsWithTheResultOfTheCallback) {
         MUST(model, KVXsetcallbackfunc(model.get(), Watch::callback, &watch));
         EXPECT_EQ(4711, KVXoptimize(model.get())) << where;
         EXPECT_EQ(KVX_STATUS_INTERRUPTED, intAttr(model, "Status"));
+        if (where == KVX_CB_MIPSOL) {
+            EXPECT_EQ(0, intAttr(model, "SolCount"));
+        }
+    }
+}
+
+// A callback that gives up may not have come to the lazy constraint that refuses the candidate.
+TEST(Run, GivesUpCandidatesWithTheirCallback) {
+    Env env;
+    for (int lazies : {0, 1}) {
+        Model model = marketSplit(env, 40, 5);
+        auto giveUp = [](KVXmodel *m, void *, int where, void *) {
+            return where == KVX_CB_MIPSOL ? KVXterminate(m) : 0;
+        };
+        KVXsetintparam(KVXgetenv(model.get()), "LazyConstraints", lazies);
+        MUST(model, KVXsetcallbackfunc(model.get(), giveUp, nullptr));
+        EXPECT_EQ(KVX_STATUS_INTERRUPTED, solved(model).first);
+        EXPECT_EQ(1 - lazies, intAttr(model, "SolCount"));
     }
 }
 
