@@ -81,8 +81,8 @@ final class Progress implements KVXCallback {
     /** Says how many calls there were, and from whose thread. */
     synchronized String origin() {
         String from = foreignCalls == 0       ? "on the thread that started the run"
-                      : foreignCalls == calls ? "on a thread of the solver's own"
-                                              : foreignCalls + " on threads of the solver's own";
+                      : foreignCalls == calls ? "on a thread of the run's own"
+                                              : foreignCalls + " on other threads";
         return "Callbacks: " + calls + ", " + from;
     }
 

@@ -23,7 +23,7 @@ public final class Solve {
         "  --set NAME=VALUE  set a parameter of the solver; may be given several times",
         "  --time-limit S    end after S seconds",
         "  --threads N       use N threads",
-        "  --async           solve on a thread of the solver's own and wait for it",
+        "  --async           solve on a thread of the run's own and wait for it",
         "  --quiet           show no progress",
         "  --log             show the solver's log",
         "  --json FILE       write the solution as JSON",

@@ -133,22 +133,29 @@ class RunTest {
     }
 
     @Test
-    void syncInsideACallbackLeavesTheRunAlone() throws Exception {
-        try (KVXModel model = endless()) {
+    void aRunsModelIsItsCallbacksAlone() throws Exception {
+        try (KVXModel model = endless(); KVXModel other = endless()) {
             CountDownLatch tried = new CountDownLatch(1);
             model.setCallback(context -> {
-                refused(model::close, model::optimize, () -> env.setLog(line -> {}));
-                tried.countDown();
+                assertEquals(60, model.getInt("NumVars"));
+                Models.fails(KVX.ERROR_IN_PROGRESS, () -> model.set("ObjCon", 1.0));
+                refused(model::close, model::optimize, model::optimizeAsync, other::sync,
+                        other::close);
                 for (int i = 0; i < 1000; i++) // while the other thread's calls fail, too
                     Models.fails(KVX.ERROR_IN_PROGRESS, model::sync);
+                tried.countDown();
             });
+            other.optimizeAsync();
             model.optimizeAsync();
             tried.await();
             for (int i = 0; i < 10_000; i++)
-                Models.fails(KVX.ERROR_IN_PROGRESS, () -> model.set("ObjCon", 1.0));
+                refused(
+                    () -> model.set("ObjCon", 1.0), model::optimize, () -> model.getInt("Status"));
+            assertTrue(model.isRunning());
             model.terminate();
             model.sync();
             model.sync(); // nothing is left to wait for
+            assertFalse(model.isRunning());
             assertEquals(KVX.STATUS_INTERRUPTED, model.getInt("Status"));
         }
     }
@@ -175,8 +182,9 @@ class RunTest {
         KVXModel failing = endless();
         failing.setCallback(context -> { throw new ArithmeticException(); });
         failing.optimizeAsync();
-        while (failing.getInt("Status") == KVX.STATUS_IN_PROGRESS)
+        while (failing.isRunning())
             Thread.sleep(1);
+        refused(failing::optimize); // nobody has waited for the run before
         assertThrows(ArithmeticException.class, failing::close);
     }
 

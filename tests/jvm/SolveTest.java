@@ -118,7 +118,7 @@ class SolveTest {
             assertTrue(objective >= 7830.925 && objective < 9000, run.value("Objective"));
             assertTrue(Double.parseDouble(run.value("Bound")) <= objective);
             assertEquals(mode.equals("--async"),
-                         run.value("Callbacks").endsWith("on a thread of the solver's own"));
+                         run.value("Callbacks").endsWith("on a thread of the run's own"));
         }
     }
 }

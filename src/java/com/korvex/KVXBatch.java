@@ -3,6 +3,7 @@ package com.korvex;
 /**
  * A local object for one batch request, whose attributes are those of the last {@link #update}.
  * Closing it leaves the request alone. A use after closing throws {@link IllegalStateException}.
+ * Any thread may use it: it waits while another one does.
  */
 public final class KVXBatch implements AutoCloseable {
     private final KVXEnv env;
@@ -17,21 +18,22 @@ public final class KVXBatch implements AutoCloseable {
      */
     public KVXBatch(KVXEnv env, String id) {
         this.env = env;
-        long environment = env.handle.acquire();
         long[] slot = new long[1];
-        int status = KorvexJni.newbatch(slot, environment, id);
-        if (status != KVX.OK) {
-            String text = KorvexJni.geterrormsg(environment);
-            env.handle.release();
-            throw new KVXException(status, text);
+        env.handle.pin();
+        try {
+            env.handle.call(environment -> KorvexJni.newbatch(slot, environment, id));
+            handle = new Handle("the batch", slot[0], batch -> env.errorText(), this::free);
+        } catch (Throwable t) {
+            if (slot[0] != 0)
+                KorvexJni.freebatch(slot[0]);
+            env.handle.unpin();
+            throw t;
         }
-        handle = new Handle("the batch", slot[0],
-                            batch -> KorvexJni.geterrormsg(environment), this::free);
     }
 
     private void free(long batch) {
         KorvexJni.freebatch(batch);
-        env.handle.release();
+        env.handle.unpin();
     }
 
     /** Fetches the request's present state. */
@@ -65,7 +67,7 @@ public final class KVXBatch implements AutoCloseable {
     public void retry() { env.logging(() -> handle.call(this::jniretry)); }
 
     /** Aborts the request. */
-    public void abort() { handle.call(this::jniabort); }
+    public void abort() { env.logging(() -> handle.call(this::jniabort)); }
 
     /** Removes the ended request and its data: its ID is unknown from now on. */
     public void discard() { handle.call(this::jnidiscard); }
@@ -95,17 +97,13 @@ public final class KVXBatch implements AutoCloseable {
      *
      * @return the handle
      */
-    public long handle() {
-        long batch = handle.acquire();
-        handle.release();
-        return batch;
-    }
+    public long handle() { return handle.value(); }
 
     /** Frees this object; the request goes on. Does nothing the second time. */
     @Override
     public void close() {
         if (handle.shut())
-            handle.release();
+            handle.unpin();
     }
 
     /**

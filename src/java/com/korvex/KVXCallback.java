@@ -4,10 +4,11 @@ package com.korvex;
 @FunctionalInterface
 public interface KVXCallback {
     /**
-     * Called by the solver during a run: on the thread that runs {@link KVXModel#optimize}, on a
-     * thread of the solver's own after {@link KVXModel#optimizeAsync}, and never by two threads at
-     * once for one model. Whatever it throws ends the run and is thrown on by the method that
-     * started the run, or waits for it; no further call is made then.
+     * Called by the solver during a run: on the thread that runs {@link KVXModel#optimize}, or the
+     * one that {@link KVXModel#optimizeAsync} has started for the run, unless the solver calls from
+     * a thread of its own; never by two threads at once for one model. Whatever it throws ends the
+     * run and is thrown on by the method that started the run, or waits for it; no further call is
+     * made then.
      *
      * @param context the present call; of no use after it
      */

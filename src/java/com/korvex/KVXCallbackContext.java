@@ -33,6 +33,14 @@ public final class KVXCallbackContext {
     public KVXModel model() { return model; }
 
     /**
+     * Returns the handle of this call, for the natives of {@link KorvexJni} that begin with "cb"
+     * and for {@link KorvexJni#proceed} and {@link KorvexJni#stoponemultiobj}.
+     *
+     * @return the callback-data handle, valid until the callback returns
+     */
+    public long handle() { return valid(); }
+
+    /**
      * Returns why the callback is called.
      *
      * @return one of the where codes of {@link KVX}, {@code CB_POLLING} to {@code CB_TUNE}

@@ -1,8 +1,5 @@
 package com.korvex;
 
-import java.util.Set;
-import java.util.concurrent.ConcurrentHashMap;
-import java.util.concurrent.locks.ReentrantLock;
 import java.util.function.Consumer;
 
 /**
@@ -11,23 +8,21 @@ import java.util.function.Consumer;
  * <p>Closing it lets nothing new begin; its native half lives on until the last model and batch
  * that uses it is closed, too. A use after that throws {@link IllegalStateException}.
  *
+ * <p><b>Threads.</b> Any thread may use an environment: it waits while another one does, which is
+ * never for the length of a run. Runs of different models go on at once.
+ *
  * <p><b>The log and threads.</b> Lines reach the consumer of {@link #setLog} from the thread that
- * makes them: a thread of the solver's own, or the Java thread whose call logs. The native binding
+ * makes them: the Java thread whose call logs, or a thread of the solver's own. The native binding
  * serves one Java thread at a time. So while a consumer is set, the calls of an environment and its
- * models that can log (synchronous runs, starting a run, reading, writing, {@link #message}) take
- * turns: one waits for the other. Use {@link KVXModel#optimizeAsync} or an environment a thread to
- * log several runs at once, and set the consumer before a run begins: one that is set while another
- * Java thread runs a model may get none of that run's lines.
+ * models that can log (runs, reading, writing, {@link #message} and so on) take turns; a run lets
+ * others have their turn during its callbacks, of which the solver makes some even if there is no
+ * {@link KVXCallback}. Use an environment a thread where runs that log are to go on at full speed
+ * side by side. Set the consumer before a run begins: one that is set while runs go on that had
+ * none gets lines once all of these have ended or come to a callback.
  */
 public final class KVXEnv implements AutoCloseable {
     final Handle handle;
-    private final ReentrantLock turn = new ReentrantLock();
-    private final Object delivery = new Object();
-    private final Set<KVXModel> running = ConcurrentHashMap.newKeySet();
-    private final Thrown thrown = new Thrown();
-    private volatile Consumer<String> log;
-    private volatile Thread deliverer;
-    private volatile boolean logFailed;
+    final Log log = new Log(this);
 
     /** Set by the bridge before it calls {@link #jniPrintLog}. */
     private String logmsg;
@@ -117,7 +112,7 @@ public final class KVXEnv implements AutoCloseable {
      *
      * @return the parameters
      */
-    public KVXParams params() { return new KVXParams(handle, env -> env); }
+    public KVXParams params() { return new KVXParams(this, handle, env -> env); }
 
     /**
      * Writes a line to the log.
@@ -132,33 +127,33 @@ public final class KVXEnv implements AutoCloseable {
      * Sends the log's lines to a consumer, or to none. When this returns, the former consumer isn't
      * at work on another thread and gets no more lines. If a consumer throws, the runs that are
      * going on in this environment are terminated and throw on what it threw, or else the call that
-     * logged does; it gets no more lines of that run.
+     * logged does; it gets no more lines of that run. While it is at work, everything that may log
+     * or would have to wait for another thread throws {@link IllegalStateException}.
      *
      * @param consumer receives each line without its line feed, one at a time; null for none
-     * @throws IllegalStateException inside a consumer of this environment, and inside a callback on
-     *     a thread of the solver's own
+     * @throws IllegalStateException inside a log's consumer, and inside a callback on a thread of
+     *     the solver's own
      */
     public void setLog(Consumer<String> consumer) {
-        refuseConsumer();
-        refuseForeignThread();
-        handle.call(env -> bind(env, consumer));
+        handle.pin();
+        try {
+            log.set(consumer);
+        } finally {
+            handle.unpin();
+        }
     }
 
-    private synchronized int bind(long env, Consumer<String> consumer) {
-        int status = KVX.OK;
-        // Whoever has the turn has bound the log to its own thread; it stays bound then.
-        if (turn.tryLock()) {
-            try {
-                status = jniSetLogCB(env, consumer == null ? 0 : 1);
-            } finally {
-                turn.unlock();
-            }
+    /** Binds this object to the log, or unbinds it; nothing is left to do once it was freed. */
+    int bind(boolean enable) {
+        // An open model keeps a closed environment alive.
+        long env = handle.pinIfAlive();
+        if (env == 0)
+            return KVX.OK;
+        try {
+            return jniSetLogCB(env, enable ? 1 : 0);
+        } finally {
+            handle.unpin();
         }
-        synchronized (delivery) {
-            log = status == KVX.OK ? consumer : null;
-            logFailed = false;
-        }
-        return status;
     }
 
     /**
@@ -168,7 +163,7 @@ public final class KVXEnv implements AutoCloseable {
     @Override
     public void close() {
         if (handle.shut())
-            handle.release();
+            handle.unpin();
     }
 
     /**
@@ -176,80 +171,23 @@ public final class KVXEnv implements AutoCloseable {
      *
      * @return the handle
      */
-    public long handle() {
-        long env = handle.acquire();
-        handle.release();
-        return env;
+    public long handle() { return handle.value(); }
+
+    /** The error text of a call on an object of this environment, which may be closed. */
+    String errorText() {
+        long env = handle.acquireClosed();
+        try {
+            return KorvexJni.geterrormsg(env);
+        } finally {
+            handle.release();
+        }
     }
 
     /** Does something that may log on this thread. */
-    void logging(Runnable action) {
-        boolean taken = log != null;
-        if (taken)
-            takeTurn();
-        try {
-            action.run();
-        } finally {
-            if (taken)
-                turn.unlock();
-        }
-        thrown.rethrow();
-    }
+    void logging(Runnable action) { log.during(action); }
 
-    private void takeTurn() {
-        refuseConsumer();
-        if (!turn.isHeldByCurrentThread())
-            refuseForeignThread();
-        // An open model keeps a closed environment alive.
-        long env = handle.acquireIfAlive();
-        if (env == 0)
-            throw new IllegalStateException("the environment is closed");
-        turn.lock();
-        int status = turn.getHoldCount() > 1 ? KVX.OK : jniSetLogCB(env, 1);
-        handle.release();
-        if (status != KVX.OK) {
-            turn.unlock();
-            throw new KVXException(status, "the log callback can't be installed");
-        }
-        logFailed = false;
-    }
-
-    /** A line that is being delivered must not be bound anew, nor followed by one inside it. */
-    void refuseConsumer() {
-        if (deliverer == Thread.currentThread())
-            throw new IllegalStateException("the log's own consumer can't do this");
-    }
-
-    /** Java knows such a thread for the length of the callback only; no binding may name it. */
-    private void refuseForeignThread() {
-        if (running.stream().anyMatch(KVXModel::inForeignCallback))
-            throw new IllegalStateException(
-                "inside a callback on the solver's own thread the log can't be used");
-    }
-
-    void started(KVXModel model) { running.add(model); }
-
-    void ended(KVXModel model) { running.remove(model); }
-
-    /** Called by the bridge, on whatever thread logs; nothing may escape from it. */
-    private void jniPrintLog() {
-        try {
-            synchronized (delivery) {
-                deliverer = Thread.currentThread();
-                if (log != null && !logFailed)
-                    log.accept(logmsg);
-            }
-        } catch (Throwable t) {
-            logFailed = true;
-            boolean kept = false;
-            for (KVXModel model : running)
-                kept |= model.fail(t);
-            if (!kept)
-                thrown.add(t);
-        } finally {
-            deliverer = null;
-        }
-    }
+    /** Called by the bridge, on whatever thread logs. */
+    private void jniPrintLog() { log.deliver(logmsg); }
 
     /**
      * Binds this object to the environment's log, or unbinds it. For every line the bridge then

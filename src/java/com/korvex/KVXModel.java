@@ -1,6 +1,7 @@
 package com.korvex;
 
 import java.util.Objects;
+import java.util.concurrent.atomic.AtomicInteger;
 import java.util.function.LongToIntFunction;
 import java.util.function.LongUnaryOperator;
 
@@ -8,32 +9,29 @@ import java.util.function.LongUnaryOperator;
  * A model: its parts, its attributes and the runs on it. It is built through {@link #variables},
  * {@link #constraints} and so on, loaded as a whole, or read from a file.
  *
- * <p><b>Threads.</b> One thread at a time may use a model. {@link #terminate} and {@link #close}
- * may be called by any thread at any moment: what another thread is doing in the model is ended,
- * and its last call to return frees the native half. A use after closing throws {@link
+ * <p><b>Threads.</b> Any thread may use a model: it waits while another one does. During a run only
+ * the callbacks of that run can use it, to read; other threads get an {@link
  * IllegalStateException}.
+ * {@link #terminate} and {@link #close} may be called by any thread at any moment: what another
+ * thread is doing in the model is ended, and its last call to return frees the native half. A use
+ * after closing throws {@link IllegalStateException}.
  *
  * <p><b>Exceptions in callbacks.</b> What a callback, or the log's consumer, throws ends the run.
  * The method that started the run throws it on; after {@link #optimizeAsync} that is {@link #sync}
- * or {@link #close}. Whatever else went wrong in that run is suppressed by it.
+ * or {@link #close}. Whatever else went wrong in that run is suppressed by it. If the callback for
+ * a new solution throws while the parameter "LazyConstraints" is 1, it may have been about to
+ * refuse the solution: the run ends without any.
  */
 public final class KVXModel extends ModelParts implements AutoCloseable {
+    private static final AtomicInteger THREADS = new AtomicInteger();
+
     private final KVXEnv env;
     private final Handle handle;
-    private final Thrown thrown = new Thrown();
     private volatile KVXCallback callback;
 
-    // The run that is going on; guarded by this.
-    private boolean running;
-    private volatile Thread starter; // null if it is asynchronous
+    /** The run that is going on, or that nobody has waited for; begun by the handle's user. */
+    private volatile Run run;
     private volatile Thread callbackThread;
-    private KVXCallback runCallback;
-    private int numVars;
-
-    // The asynchronous run that must be waited for; guarded by the lock.
-    private final Object asyncLock = new Object();
-    private boolean asynchronous;
-    private long record;
 
     /** Set by the bridge before each call of {@link #fromjni}: the model's handle. */
     private long cbmodel;
@@ -44,19 +42,22 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
 
     private KVXModel(KVXEnv env, LongUnaryOperator maker, int failure) {
         this.env = env;
-        long environment = env.handle.acquire();
         long[] model = new long[1];
+        env.handle.pin();
         try {
-            env.logging(() -> model[0] = maker.applyAsLong(environment));
-            if (model[0] == 0)
-                throw new KVXException(failure, KorvexJni.geterrormsg(environment));
-        } catch (RuntimeException | Error e) {
+            env.logging(() -> env.handle.call(environment -> {
+                model[0] = maker.applyAsLong(environment);
+                if (model[0] == 0)
+                    throw new KVXException(failure, KorvexJni.geterrormsg(environment));
+                return KVX.OK;
+            }));
+            handle = new Handle("the model", model[0], KVXModel::errorText, this::free);
+        } catch (Throwable t) {
             if (model[0] != 0)
                 KorvexJni.freemodel(model[0]);
-            env.handle.release();
-            throw e;
+            env.handle.unpin();
+            throw t;
         }
-        handle = new Handle("the model", model[0], KVXModel::errorText, this::free);
     }
 
     @Override
@@ -66,7 +67,7 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
 
     private void free(long model) {
         KorvexJni.freemodel(model);
-        env.handle.release();
+        env.handle.unpin();
     }
 
     /** A model's own environment carries its error text. */
@@ -134,9 +135,13 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      * @param env the environment it was made in
      * @param model its handle; it belongs to the new object from now on
      * @return the model
-     * @throws KVXException if the handle is 0, with the environment's error text
+     * @throws KVXException if the handle is 0, with the environment's last error text
      */
     public static KVXModel adopt(KVXEnv env, long model) {
+        if (model == 0)
+            throw new KVXException(KVX.ERROR_INVALID_ARGUMENT,
+                                   "the handle is 0; the environment's last error: " +
+                                       env.errorText());
         return new KVXModel(env, environment -> model, KVX.ERROR_INVALID_ARGUMENT);
     }
 
@@ -145,11 +150,7 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      *
      * @return the handle
      */
-    public long handle() {
-        long model = handle.acquire();
-        handle.release();
-        return model;
-    }
+    public long handle() { return handle.value(); }
 
     @Override
     public KVXEnv env() {
@@ -170,7 +171,7 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      *
      * @return the parameters
      */
-    public KVXParams params() { return new KVXParams(handle, KorvexJni::getenv); }
+    public KVXParams params() { return new KVXParams(env, handle, KorvexJni::getenv); }
 
     /**
      * Returns the parameters of one of several concurrent solves.
@@ -195,7 +196,7 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     }
 
     private KVXParams params(LongUnaryOperator environment) {
-        return new KVXParams(handle, model -> {
+        return new KVXParams(env, handle, model -> {
             long env = environment.applyAsLong(model);
             if (env == 0)
                 throw new KVXException(KVX.ERROR_NOT_SUPPORTED, errorText(model));
@@ -250,92 +251,151 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     }
 
     private void run(Driver driver) {
-        String[] error = new String[1];
-        long model = begin(Thread.currentThread());
-        try {
-            env.logging(() -> {
-                int status = driver.run(model, runCallback == null ? 0 : 1, error);
-                if (status != KVX.OK)
-                    thrown.add(new KVXException(status, error[0]));
-            });
-        } catch (Throwable t) {
-            thrown.add(t);
-        } finally {
-            end();
-        }
-        thrown.rethrow();
+        Run run = begin(Thread.currentThread());
+        conduct(run, driver);
+        run.thrown.rethrow();
     }
 
     /**
-     * Starts to solve the model on a thread of the solver's own, for {@link #sync} to wait for.
-     * Until then other uses of the model but {@link #terminate} are refused.
+     * Starts to solve the model on a daemon thread of its own, for {@link #sync} to wait for. It
+     * doesn't keep the virtual machine alive.
      *
      * @throws KVXException if the solver fails
      */
     public void optimizeAsync() {
-        boolean[] started = new boolean[1];
-        long model = begin(null);
+        Thread thread = new Thread(
+            ()
+                -> conduct(run,
+                           (model, useCallback,
+                            error) -> jnioptimize(model, useCallback, 0, null, error, 0)),
+            "korvex-run-" + THREADS.incrementAndGet());
+        thread.setDaemon(true);
+        Run run = begin(thread);
         try {
-            env.logging(() -> started[0] = start(model));
-        } finally {
-            if (!started[0])
-                end();
-            else if (handle.isShut())
-                finish(model); // Who closed the model saw nothing to wait for yet.
+            thread.start();
+        } catch (Throwable t) {
+            end(run);
+            forget(run);
+            throw t;
+        }
+        if (handle.isShut())
+            await(run); // Who closed the model saw nothing to wait for yet.
+    }
+
+    /** Begins a run by a thread, which is a user of the handle from now on. */
+    Run begin(Thread thread) {
+        Room.require();
+        long model = handle.acquire();
+        try {
+            if (run != null)
+                throw new IllegalStateException(
+                    "a run of the model is going on, or sync hasn't waited for its end");
+            check(model, KorvexJni.updatemodel(model));
+            run = new Run(thread, model, callback, count(model, "NumVars"));
+            handle.run(thread);
+            return run;
+        } catch (Throwable t) {
+            handle.release();
+            throw t;
         }
     }
 
-    private boolean start(long model) {
-        String[] error = new String[1];
-        long[] slot = new long[1];
-        synchronized (asyncLock) {
-            int status = jnioptimize(model, runCallback == null ? 0 : 1, 1, slot, error, 0);
-            if (status != KVX.OK)
-                throw new KVXException(status, error[0]);
-            record = slot[0];
-            asynchronous = true;
+    private void conduct(Run run, Driver driver) {
+        try {
+            String[] error = new String[1];
+            env.log.during(this, run, () -> {
+                // The callback gives other threads their turn of the log, too.
+                boolean useCallback = run.callback != null || run.hasTurn;
+                int status = driver.run(run.model, useCallback ? 1 : 0, error);
+                if (status != KVX.OK)
+                    run.thrown.add(new KVXException(status, error[0]));
+            });
+        } catch (Throwable t) {
+            run.thrown.add(t);
+        } finally {
+            end(run);
         }
-        return true;
+    }
+
+    /** Ends it; then an asynchronous one can be waited for. */
+    void end(Run run) {
+        if (run.exhaustion != null)
+            run.thrown.add(run.exhaustion);
+        if (!run.asynchronous())
+            forget(run);
+        handle.release();
+        synchronized (this) {
+            run.over = true;
+            notifyAll();
+        }
+    }
+
+    private synchronized boolean forget(Run past) {
+        boolean known = run == past;
+        if (known)
+            run = null;
+        return known;
     }
 
     /**
      * Waits for the end of the run that {@link #optimizeAsync} started; returns at once if there is
-     * none.
+     * none. If several threads wait, what went wrong is thrown in one of them.
      *
      * @throws KVXException if the run failed, and with {@link KVX#ERROR_IN_PROGRESS} inside a
      *     callback of that run, which can't wait for itself: the run goes on then
+     * @throws IllegalStateException inside a log's consumer, and inside the callback of another run
+     *     unless that started this one: they might wait for each other
      */
     public void sync() {
-        env.refuseConsumer();
-        long model = handle.acquire();
-        try {
-            finish(model);
-        } finally {
-            handle.release();
-        }
+        handle.value();
+        Run asynchronous = toWaitFor();
+        if (inCallback())
+            throw new KVXException(KVX.ERROR_IN_PROGRESS,
+                                   "the run can't be waited for inside its own callback");
+        if (asynchronous != null)
+            await(asynchronous);
     }
 
-    private void finish(long model) {
-        String[] error = new String[1];
-        // Without the lock, which the thread that waits for this run may hold, and without the
-        // record, which goes on to serve the run.
-        if (inCallback()) {
-            int status = KorvexJni.sync(model, 0, error);
-            throw new KVXException(status, error[0]);
+    /** Returns the asynchronous run, if there is one, unless this thread mustn't wait for it. */
+    private Run toWaitFor() {
+        Inside.refuseConsumer();
+        Run present = run;
+        if (present == null || !present.asynchronous())
+            return null;
+        if (Inside.callback() && !inCallback() && present.starter != Thread.currentThread())
+            throw new IllegalStateException(
+                "inside a callback only a run can be waited for that it has started");
+        return present;
+    }
+
+    private void await(Run run) {
+        boolean interrupted = false;
+        synchronized (this) {
+            while (!run.over) {
+                try {
+                    wait();
+                } catch (InterruptedException e) {
+                    interrupted = true;
+                }
+            }
         }
-        synchronized (asyncLock) {
-            if (!asynchronous)
-                return;
-            int status = KorvexJni.sync(model, record, error);
-            if (status == KVX.ERROR_IN_PROGRESS)
-                throw new KVXException(status, error[0]);
-            record = 0;
-            asynchronous = false;
-            if (status != KVX.OK)
-                thrown.add(new KVXException(status, error[0]));
-            end();
-        }
-        thrown.rethrow();
+        if (interrupted)
+            Thread.currentThread().interrupt();
+        if (forget(run))
+            run.thrown.rethrow();
+    }
+
+    /**
+     * Tells whether a run is going on. An asynchronous one that has ended can be waited for without
+     * delay.
+     *
+     * @return true from the start of a run to its end
+     */
+    public boolean isRunning() {
+        Run present = run;
+        if (present == null)
+            return false;
+        synchronized (this) { return !present.over; }
     }
 
     /**
@@ -343,77 +403,82 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      * call this at any time; after the model was closed it does nothing.
      */
     public void terminate() {
-        long model = handle.acquireIfAlive();
+        Run present = run;
+        if (present != null)
+            present.terminated = true;
+        long model = handle.pinIfAlive();
         if (model == 0)
             return;
         try {
             KorvexJni.terminate(model);
         } finally {
-            handle.release();
+            handle.unpin();
         }
-    }
-
-    /** Begins a run that is a user of the handle. The starter is null if it is asynchronous. */
-    private long begin(Thread starter) {
-        long model = handle.acquire();
-        try {
-            synchronized (this) {
-                if (running)
-                    throw new IllegalStateException("a run of the model is going on");
-                numVars = getInt("NumVars");
-                runCallback = callback;
-                this.starter = starter;
-                running = true;
-            }
-        } catch (RuntimeException | Error e) {
-            handle.release();
-            throw e;
-        }
-        env.started(this);
-        return model;
-    }
-
-    private void end() {
-        env.ended(this);
-        synchronized (this) {
-            running = false;
-            runCallback = null;
-        }
-        handle.release();
     }
 
     /**
      * Ends the run that is going on because of a throwable, and keeps that for whoever waits.
      * Returns whether a run is going on.
      */
-    synchronized boolean fail(Throwable throwable) {
-        if (!running)
+    boolean fail(Throwable throwable) {
+        Run present = run;
+        if (present == null)
             return false;
-        thrown.add(throwable);
+        present.thrown.add(throwable);
         terminate();
         return true;
     }
-
-    boolean inForeignCallback() { return inCallback() && starter == null; }
 
     private boolean inCallback() { return callbackThread == Thread.currentThread(); }
 
     /** Called by the bridge, on whatever thread the solver chose; nothing may escape from it. */
     private void fromjni() {
-        Thread outer = callbackThread;
-        callbackThread = Thread.currentThread();
+        Run present = run;
+        if (present == null)
+            return;
         try {
-            KVXCallbackContext context = new KVXCallbackContext(this, cbdata, where, numVars);
-            try {
-                if (!thrown.pending())
-                    runCallback.call(context);
-            } finally {
-                context.end();
-            }
+            if (present.hasFailed())
+                abandon();
+            else
+                callBack(present);
         } catch (Throwable t) {
-            fail(t);
+            try {
+                present.thrown.add(t);
+                abandon();
+            } catch (Throwable exhaustion) {
+                present.exhaustion = exhaustion; // The next callback tries again.
+            }
+        }
+    }
+
+    /** Ends the run. A solution that the callback might have refused must not become the result. */
+    private void abandon() {
+        KorvexJni.terminate(cbmodel);
+        if (where == KVX.CB_MIPSOL) // Nothing satisfies 0 >= 1.
+            KorvexJni.cbcutorlazy(cbdata, 0, new int[0], new double[0], KVX.GREATER_EQUAL, 1, 0);
+    }
+
+    private void callBack(Run present) {
+        Thread thread = Thread.currentThread();
+        boolean foreign = thread != present.thread;
+        KVXCallbackContext context = new KVXCallbackContext(this, cbdata, where, present.numVars);
+        int outside = Inside.enterCallback(foreign);
+        try {
+            callbackThread = thread;
+            if (foreign)
+                handle.handOver(thread);
+            else
+                env.log.pause(present);
+            if (present.callback != null)
+                present.callback.call(context);
         } finally {
-            callbackThread = outer;
+            context.end();
+            callbackThread = null;
+            Inside.leave(outside);
+            if (foreign)
+                handle.handOver(present.thread);
+            else
+                env.log.resume(present);
         }
     }
 
@@ -478,22 +543,23 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      * While another thread is in a call on the model, this returns and the end of that call frees
      * it. Does nothing the second time.
      *
-     * @throws IllegalStateException inside the model's own callback, and inside the log's consumer
+     * @throws IllegalStateException inside the model's own callback, inside a log's consumer, and
+     *     where {@link #sync} would throw it
      */
     @Override
     public void close() {
         if (inCallback())
             throw new IllegalStateException("a model can't be closed inside its own callback");
-        env.refuseConsumer();
+        toWaitFor();
         if (!handle.shut())
             return;
-        terminate();
-        long model = handle.acquireIfAlive();
         try {
-            finish(model);
+            terminate();
+            Run asynchronous = toWaitFor();
+            if (asynchronous != null)
+                await(asynchronous);
         } finally {
-            handle.release();
-            handle.release();
+            handle.unpin();
         }
     }
 

@@ -9,11 +9,13 @@ import java.util.function.LongUnaryOperator;
  * name, a parameter of another type or a value outside its range.
  */
 public final class KVXParams {
+    private final KVXEnv log;
     private final Handle owner;
     private final LongUnaryOperator environment;
 
     /** The parameters of the environment that the operator finds for the owner's handle. */
-    KVXParams(Handle owner, LongUnaryOperator environment) {
+    KVXParams(KVXEnv log, Handle owner, LongUnaryOperator environment) {
+        this.log = log;
         this.owner = owner;
         this.environment = environment;
     }
@@ -65,13 +67,17 @@ public final class KVXParams {
     }
 
     /**
-     * Sets an int parameter.
+     * Sets an int parameter, or a double one to that value.
      *
      * @param name its name
      * @param value its new value
      */
     public void set(String name, int value) {
-        call(env -> KorvexJni.setintparam(env, name, value));
+        call(env -> {
+            int status = KorvexJni.setintparam(env, name, value);
+            return status == KVX.ERROR_UNKNOWN_PARAMETER ? KorvexJni.setdblparam(env, name, value)
+                                                         : status;
+        });
     }
 
     /**
@@ -112,14 +118,18 @@ public final class KVXParams {
      *
      * @param file its name
      */
-    public void read(String file) { call(env -> KorvexJni.readparams(env, file)); }
+    public void read(String file) {
+        log.logging(() -> call(env -> KorvexJni.readparams(env, file)));
+    }
 
     /**
      * Writes the parameters that differ from their defaults.
      *
      * @param file name of the file
      */
-    public void write(String file) { call(env -> KorvexJni.writeparams(env, file)); }
+    public void write(String file) {
+        log.logging(() -> call(env -> KorvexJni.writeparams(env, file)));
+    }
 
     /**
      * What an int parameter is like.

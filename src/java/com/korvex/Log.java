@@ -1,0 +1,193 @@
+package com.korvex;
+
+import java.util.Set;
+import java.util.concurrent.ConcurrentHashMap;
+import java.util.concurrent.TimeUnit;
+import java.util.concurrent.locks.ReentrantLock;
+import java.util.function.Consumer;
+
+/**
+ * The log of an environment. The native half serves threads of the solver's own and one Java
+ * thread, the one that it is bound to: a line from another Java thread would be the last. So
+ * whatever can log takes a turn and is bound to its thread first, unless there is no consumer.
+ * Callbacks give the turn back while they last: whoever waits for it waits from one callback of a
+ * run to the next, not for the whole run.
+ */
+final class Log {
+    private final KVXEnv env;
+    // Fair, so that a run doesn't take the turn again before one who waits for it.
+    private final ReentrantLock turn = new ReentrantLock(true);
+    private final Object delivery = new Object();
+    private final Set<KVXModel> running = ConcurrentHashMap.newKeySet();
+    private final Thrown thrown = new Thrown();
+
+    private volatile Consumer<String> consumer;
+    private volatile boolean failed;  // the consumer has thrown
+    private volatile Thread bound;    // null: no record is bound
+    private volatile boolean strayed; // a line has come from another thread than that
+    private int withoutTurn; // threads that may log and didn't take the turn; guarded by this
+
+    Log(KVXEnv env) { this.env = env; }
+
+    void set(Consumer<String> next) {
+        Inside.refuseConsumer();
+        Inside.refuseForeignThread();
+        Room.require();
+        synchronized (delivery) { // waits while the former one is at work
+            consumer = next;
+            failed = false;
+        }
+        try {
+            settle();
+        } catch (KVXException e) {
+            consumer = null;
+            throw e;
+        }
+    }
+
+    /** Does something that may log on this thread. */
+    void during(Runnable action) {
+        Inside.refuseConsumer();
+        Room.require();
+        boolean hasTurn = enter(null);
+        try {
+            failed = false;
+            action.run();
+        } finally {
+            leave(hasTurn);
+        }
+        thrown.rethrow();
+    }
+
+    /** The same for a run, which gives the turn back in between. */
+    void during(KVXModel model, Run run, Runnable action) {
+        Inside.refuseConsumer();
+        run.hasTurn = enter(run);
+        try {
+            failed = false;
+            running.add(model);
+            action.run();
+        } finally {
+            running.remove(model);
+            leave(run.hasTurn);
+        }
+    }
+
+    void pause(Run run) { leave(run.hasTurn); }
+
+    void resume(Run run) { run.hasTurn = enter(run); }
+
+    /**
+     * Waits for the turn and binds the log to this thread. Returns false, without the turn, if
+     * there is nothing to bind, and for a run that was terminated meanwhile.
+     */
+    private boolean enter(Run run) {
+        synchronized (this) {
+            if (consumer == null && bound == null) {
+                withoutTurn++;
+                return false;
+            }
+        }
+        Inside.refuseForeignThread();
+        if (!takeTurn(run)) {
+            synchronized (this) { withoutTurn++; }
+            return false;
+        }
+        try {
+            bindHere();
+        } catch (Throwable t) {
+            turn.unlock();
+            throw t;
+        }
+        return true;
+    }
+
+    private boolean takeTurn(Run run) {
+        if (run == null) {
+            turn.lock();
+            return true;
+        }
+        boolean taken = false, interrupted = false;
+        while (!taken && !run.terminated) {
+            try {
+                taken = turn.tryLock(50, TimeUnit.MILLISECONDS);
+            } catch (InterruptedException e) {
+                interrupted = true;
+            }
+        }
+        if (interrupted)
+            Thread.currentThread().interrupt();
+        return taken;
+    }
+
+    private void leave(boolean hasTurn) {
+        if (hasTurn) {
+            turn.unlock();
+        } else {
+            synchronized (this) { withoutTurn--; }
+        }
+        if (consumer == null ? bound != null : bound == null)
+            settle();
+    }
+
+    /** Binds or unbinds, unless another thread has the turn: it does so itself. */
+    private void settle() {
+        if (!turn.tryLock())
+            return;
+        try {
+            bindHere();
+        } finally {
+            turn.unlock();
+        }
+    }
+
+    /** With the turn: binds the log to this thread if there is a consumer, otherwise unbinds it. */
+    private synchronized void bindHere() {
+        Thread here = Thread.currentThread();
+        boolean wanted = consumer != null && withoutTurn == 0;
+        if (wanted ? bound == here && !strayed : bound == null)
+            return;
+        bound = null;
+        int status = env.bind(wanted);
+        if (status != KVX.OK)
+            throw new KVXException(status, "the log callback can't be installed");
+        strayed = false;
+        bound = wanted ? here : null;
+    }
+
+    /** Receives a line on whatever thread logs; lets nothing escape into native code. */
+    void deliver(String line) {
+        try {
+            strayed |= Thread.currentThread() != bound;
+            synchronized (delivery) {
+                if (consumer != null && !failed)
+                    hand(line);
+            }
+        } catch (Throwable t) {
+            failed = true;
+            try {
+                spread(t);
+            } catch (Throwable exhaustion) {
+                thrown.add(t);
+            }
+        }
+    }
+
+    private void hand(String line) {
+        int outside = Inside.enterConsumer();
+        try {
+            consumer.accept(line);
+        } finally {
+            Inside.leave(outside);
+        }
+    }
+
+    /** Ends the runs that are going on, or else lets the call that logged throw. */
+    private void spread(Throwable t) {
+        boolean kept = false;
+        for (KVXModel model : running)
+            kept |= model.fail(t);
+        if (!kept)
+            thrown.add(t);
+    }
+}

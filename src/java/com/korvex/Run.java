@@ -1,0 +1,32 @@
+package com.korvex;
+
+/** A run of a model: what was settled when it began, and what goes wrong in it. */
+final class Run {
+    final Thread starter = Thread.currentThread();
+    final Thread thread; // conducts it
+    final long model;
+    final KVXCallback callback;
+    final int numVars;
+    final Thrown thrown = new Thrown();
+
+    /** Set where there was neither stack nor heap left to do more about it. */
+    volatile Throwable exhaustion;
+    volatile boolean terminated;
+
+    /** Whether it has the log's turn; of its own thread. */
+    boolean hasTurn;
+
+    /** Guarded by the model. */
+    boolean over;
+
+    Run(Thread thread, long model, KVXCallback callback, int numVars) {
+        this.thread = thread;
+        this.model = model;
+        this.callback = callback;
+        this.numVars = numVars;
+    }
+
+    boolean asynchronous() { return thread != starter; }
+
+    boolean hasFailed() { return exhaustion != null || thrown.pending(); }
+}
