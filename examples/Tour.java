@@ -1,13 +1,20 @@
+import com.korvex.Columns;
 import com.korvex.KVX;
+import com.korvex.KVXAttribute;
 import com.korvex.KVXCallbackContext;
 import com.korvex.KVXEnv;
 import com.korvex.KVXException;
 import com.korvex.KVXModel;
-import com.korvex.KorvexJni;
+import com.korvex.KVXParameter;
+import com.korvex.Rows;
+import com.korvex.SparseMatrix;
+import com.korvex.SparseVector;
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.util.ArrayList;
 import java.util.Arrays;
+import java.util.List;
 import java.util.Locale;
 import java.util.Random;
 
@@ -81,8 +88,8 @@ public final class Tour {
 
         Tour tour = new Tour(points(count, seed));
         try (KVXEnv env = KVXEnv.empty()) {
-            env.params().set("LogToConsole", 0);
-            env.params().set("TimeLimit", timeLimit);
+            env.params().set(KVXParameter.LOG_TO_CONSOLE, 0);
+            env.params().set(KVXParameter.TIME_LIMIT, timeLimit);
             env.start();
             int[] order = tour.shortest(env);
             System.out.println("Small tours forbidden: " + tour.forbidden);
@@ -120,13 +127,13 @@ public final class Tour {
 
     private int[] shortest(KVXEnv env) {
         try (KVXModel model = build(env)) {
-            model.params().set("LazyConstraints", 1);
+            model.params().set(KVXParameter.LAZY_CONSTRAINTS, 1);
             model.setCallback(this::forbidSmallTours);
             model.optimize();
-            optimal = model.getInt("Status") == KVX.STATUS_OPTIMAL;
-            if (model.getInt("SolCount") == 0)
+            optimal = model.getInt(KVXAttribute.STATUS) == KVX.STATUS_OPTIMAL;
+            if (model.getInt(KVXAttribute.SOL_COUNT) == 0)
                 return null;
-            return walk(model.getDoubles("X", 0, model.getInt("NumVars")), new boolean[size()], 0);
+            return walk(model.getDoubles(KVXAttribute.X), new boolean[size()], 0);
         }
     }
 
@@ -151,33 +158,26 @@ public final class Tour {
 
     private KVXModel build(KVXEnv env) {
         int n = size(), ways = n * (n - 1) / 2;
-        double[] obj = new double[ways], ones = new double[n * (n - 1)], twos = new double[n];
-        double[] lb = new double[ways], ub = new double[ways];
-        int[] beg = new int[n], ind = new int[n * (n - 1)];
-        char[] types = new char[ways], senses = new char[n];
+        double[] lengths = new double[ways], twos = new double[n];
+        char[] equal = new char[n];
         String[] names = new String[ways];
-        Arrays.fill(ub, 1);
-        Arrays.fill(types, KVX.BINARY);
-        Arrays.fill(ones, 1);
-        Arrays.fill(twos, 2);
-        Arrays.fill(senses, KVX.EQUAL);
-        int at = 0;
+        List<SparseVector> waysOfCities = new ArrayList<>();
         for (int i = 0; i < n; i++) {
-            beg[i] = at;
+            int[] ind = new int[n - 1];
             for (int j = 0; j < n; j++) {
                 if (j == i)
                     continue;
-                ind[at++] = way(i, j);
-                obj[way(i, j)] = distance(i, j);
+                ind[j < i ? j : j - 1] = way(i, j);
+                lengths[way(i, j)] = distance(i, j);
                 names[way(i, j)] = "way_" + Math.min(i, j) + "_" + Math.max(i, j);
             }
+            waysOfCities.add(SparseVector.ones(ind));
         }
-        KVXModel model = KVXModel.adopt(env, KorvexJni.newmodel(new int[1], env.handle(), "tour",
-                                                                ways, obj, lb, ub, types, names));
-        int status =
-            KorvexJni.addconstrs(model.handle(), n, at, beg, ind, ones, senses, null, twos, null);
-        if (status != KVX.OK)
-            throw new KVXException(status, "the ways of a city");
+        Arrays.fill(twos, 2);
+        Arrays.fill(equal, KVX.EQUAL);
+        KVXModel model =
+            new KVXModel(env, "tour", Columns.of(lengths).allOf(KVX.BINARY).names(names));
+        model.constraints().add(Rows.of(SparseMatrix.of(waysOfCities), equal, twos));
         return model;
     }
 

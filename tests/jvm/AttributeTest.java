@@ -3,7 +3,11 @@ package com.korvex;
 import static org.junit.jupiter.api.Assertions.*;
 import static org.junit.jupiter.api.DynamicTest.dynamicTest;
 
-import java.lang.reflect.Array;
+import java.lang.invoke.MethodType;
+import java.lang.reflect.*;
+import java.nio.file.*;
+import java.util.List;
+import java.util.regex.*;
 import java.util.stream.Stream;
 import org.junit.jupiter.api.*;
 
@@ -11,58 +15,59 @@ import org.junit.jupiter.api.*;
 class AttributeTest {
     /** Five equal variables. */
     private static KVXModel model(KVXEnv env) {
-        return KVXModel.adopt(env, KorvexJni.newmodel(new int[1], env.handle(), "five", 5,
-                                                      new double[5], new double[5], new double[5],
-                                                      "CCCCC".toCharArray(), new String[5]));
+        return new KVXModel(env, "five", Columns.of(new double[5]).upper(new double[5]));
     }
 
-    private static void ok(String method, Object... args) throws Exception {
-        assertEquals(0, Natives.call(method, args), method);
-    }
-
-    private static void assertHolds(Object array, Object... expected) {
-        for (int i = 0; i < expected.length; i++)
-            assertEquals(expected[i], Array.get(array, i), "element " + i);
+    /** Calls a method that there is for all types of values. */
+    private static Object call(KVXModel model, String name, Object... args) throws Exception {
+        Class<?>[] types = Stream.of(args)
+                               .map(a -> MethodType.methodType(a.getClass()).unwrap().returnType())
+                               .toArray(Class<?>[] ::new);
+        return KVXModel.class.getMethod(name, types).invoke(model, args);
     }
 
     @TestFactory
     Stream<DynamicTest> everyTypeInEveryShape() {
         // Type, attribute of variables with three values, attribute of the model with one.
         Object[][] rows = {
-            {"int", "VarBasis", new int[] {-1, -2, -3}, "ModelSense", -1},
-            {"dbl", "LB", new double[] {-1.5, -KVX.INFINITY, 0}, "ObjCon", 2.25},
-            {"char", "VarType", new char[] {'I', '\u0142', 'S'}, null, null},
-            {"str", "VarName", new String[] {"p", "q r", "\u00e4\u4e2d"}, "ModelName", "m\u00fc"},
+            {"Int", "VarBasis", new int[] {-1, -2, -3}, "ModelSense", -1},
+            {"Double", "LB", new double[] {-1.5, -KVX.INFINITY, 0}, "ObjCon", 2.25},
+            {"Char", "VarType", new char[] {'I', 'B', 'S'}, null, null},
+            {"String", "VarName", new String[] {"p", "q r", "\u00e4\u4e2d"}, "ModelName",
+             "m\u00fc"},
         };
         return Stream.of(rows).map(
             row -> dynamicTest((String)row[0], () -> {
-                String get = "get" + row[0] + "attrlist", set = "set" + row[0] + "attrlist";
-                Object values = row[2], of =
-                                            Array.newInstance(values.getClass().componentType(), 3);
+                String get = "get" + row[0], gets = get + "s";
+                Object abc = row[2], a = Array.get(abc, 0), b = Array.get(abc, 1),
+                       c = Array.get(abc, 2);
                 try (KVXEnv env = Models.quietEnv(); KVXModel model = model(env)) {
-                    long m = model.handle();
-                    Object a = Array.get(values, 0), c = Array.get(values, 2);
-                    Object b = row[0].equals("char") ? (Object)'B' : Array.get(values, 1);
-                    int[] none = null;
-                    ok(set, m, row[1], 1, 3, none, values); // 1 2 3 = a b c
-                    ok(get, m, row[1], -1, 3, new int[] {3, 1, 2}, of);
-                    assertHolds(of, c, a, b);
-                    ok(set, m, row[1], -1, 2, new int[] {4, 1}, of); // 4 1 = c a
-                    ok(get, m, row[1], 2, 3, none, of);
-                    assertHolds(of, b, c, c);
-                    ok(set, m, row[1], 2, 0, none, values); // 2 = a
-                    ok(get, m, row[1], 2, 0, none, of);
-                    assertHolds(of, a, c, c); // only element 0 of the slot is written
-                    assertEquals(KVX.ERROR_INDEX_OUT_OF_RANGE,
-                                 Natives.call(get, m, row[1], 3, 3, none, of));
-                    assertHolds(of, a, c, c);
+                    call(model, "set", row[1], 1, abc); // 1 2 3 = a b c
+                    Object cab = call(model, gets, row[1], new int[] {3, 1, 2});
+                    assertEquals(List.of(c, a, b).toString(), Models.show(cab));
+                    call(model, "set", row[1], new int[] {4, 1, 0}, cab); // 4 1 0 = c a b
+                    call(model, "set", row[1], 2, a);
+                    assertEquals(List.of(a, c).toString(),
+                                 Models.show(call(model, gets, row[1], 2, 2)));
+                    assertEquals(List.of(b, a, a, c, c).toString(),
+                                 Models.show(call(model, gets, row[1])));
+                    assertEquals(b, call(model, get, row[1], 0));
+                    assertEquals("[]", Models.show(call(model, gets, row[1], 5, 0)));
+                    assertEquals("[]", Models.show(call(model, gets, row[1], new int[0])));
+                    for (Object[] beyond :
+                         new Object[][] {{row[1], 3, 3}, {row[1], new int[] {-1}}}) {
+                        Throwable refused = assertThrows(InvocationTargetException.class,
+                                                         () -> call(model, gets, beyond))
+                                                .getCause();
+                        assertEquals(KVX.ERROR_INDEX_OUT_OF_RANGE,
+                                     ((KVXException)refused).status());
+                    }
+                    Models.fails(KVX.ERROR_UNKNOWN_ATTRIBUTE,
+                                 () -> model.set("Nothing", 0, new int[0]));
                     if (row[3] == null)
                         return;
-                    Array.set(of, 0, row[4]);
-                    ok(set, m, row[3], 7, -1, none, of);
-                    Array.set(of, 0, a);
-                    ok(get, m, row[3], 7, -1, none, of);
-                    assertHolds(of, row[4], c, c);
+                    call(model, "set", row[3], row[4]);
+                    assertEquals(row[4], call(model, get, row[3]));
                 }
             }));
     }
@@ -70,16 +75,73 @@ class AttributeTest {
     @Test
     void whatAttributesAreLike() {
         try (KVXEnv env = Models.quietEnv(); KVXModel model = model(env)) {
-            long m = model.handle();
-            String[] names = {"a", null, "c"};
-            assertEquals(KVX.ERROR_INVALID_ARGUMENT,
-                         KorvexJni.setstrattrlist(m, "VarName", 0, 3, null, names));
-            assertEquals("C0", model.getStrings("VarName", 0, 1)[0]); // all or nothing
-            int[] info = new int[3];
-            assertEquals(0, KorvexJni.getattrinfo(m, "X", info));
-            assertArrayEquals(new int[] {KVX.TYPE_DOUBLE, KVX.OF_VARIABLE, 0}, info);
-            assertEquals(0, KorvexJni.prefetchattr(m, "X"));
+            Models.fails(KVX.ERROR_INVALID_ARGUMENT,
+                         () -> model.set("VarName", 0, new String[] {"a", null, "c"}));
+            assertEquals("C0", model.getString("VarName", 0)); // all or nothing
+            model.prefetch("X");
+            Models.fails(KVX.ERROR_UNKNOWN_ATTRIBUTE, () -> model.prefetch("Y"));
+            // A whole number for a double attribute.
+            model.set("ObjCon", 3);
+            model.set("UB", 4, 1);
+            assertEquals("3.0 1.0", model.getDouble("ObjCon") + " " + model.getDouble("UB", 4));
+            // An array so long is made only if the model fills it.
+            assertThrows(IndexOutOfBoundsException.class,
+                         () -> model.getInts("VarBasis", 0, 1 << 30));
         }
+    }
+
+    /** What a class of constants says about each name, split up by a pattern. */
+    private static List<MatchResult> documented(String type, String pattern) throws Exception {
+        Path source = Path.of(System.getProperty("korvex.constants"), type + ".java");
+        Matcher m =
+            Pattern.compile("/\\*\\* \"(\\w+)\": " + pattern).matcher(Files.readString(source));
+        List<MatchResult> found = m.results().toList();
+        assertEquals(Class.forName("com.korvex." + type).getFields().length, found.size());
+        return found;
+    }
+
+    @Test
+    void documentationTellsWhatTheLibraryTells() throws Exception {
+        List<String> types = List.of("", "int", "double", "string", "char");
+        List<String> elements = List.of("model", "variable", "constraint", "sos",
+                                        "quadratic constraint", "general constraint");
+        try (KVXEnv env = Models.quietEnv(); KVXModel model = model(env)) {
+            for (MatchResult m :
+                 documented("KVXAttribute", "(\\w+) of a ([\\w ]+)(, can be set)?\\.")) {
+                if (!m.group(3).equals("batch"))
+                    assertEquals(new AttributeInfo(types.indexOf(m.group(2)),
+                                                   elements.indexOf(m.group(3)),
+                                                   m.group(4) != null),
+                                 model.attributeInfo(m.group(1)), m.group(1));
+            }
+            env.params().reset();
+            for (MatchResult m :
+                 documented("KVXParameter",
+                            "(\\w+), (?:any text|from (\\S+) to (\\S+)), (\\S+) by default")) {
+                String name = m.group(1), standard = m.group(5).replace("\"", "");
+                switch (m.group(2)) {
+                case "int":
+                    KVXParams.IntInfo info = env.params().intInfo(name);
+                    assertEquals(List.of(number(m.group(3)), number(m.group(4)), number(standard)),
+                                 List.of((double)info.minimum(), (double)info.maximum(),
+                                         (double)info.standard()),
+                                 name);
+                    break;
+                case "double":
+                    assertEquals(new KVXParams.DoubleInfo(number(standard), number(m.group(3)),
+                                                          number(m.group(4)), number(standard)),
+                                 env.params().doubleInfo(name), name);
+                    break;
+                default:
+                    assertEquals(new KVXParams.StringInfo(standard, standard),
+                                 env.params().stringInfo(name), name);
+                }
+            }
+        }
+    }
+
+    private static double number(String text) {
+        return text.equals("2^31-1") ? Integer.MAX_VALUE : Double.parseDouble(text);
     }
 
     @Test
@@ -96,16 +158,9 @@ class AttributeTest {
             assertEquals(
                 KVX.ERROR_VALUE_OUT_OF_RANGE,
                 assertThrows(KVXException.class, () -> params.set("Threads", -1)).status());
-            int[] ints = new int[4];
-            double[] doubles = new double[4];
-            String[] texts = new String[2];
-            assertEquals(0, KorvexJni.getintparaminfo(env.handle(), "Threads", ints));
-            assertArrayEquals(new int[] {3, 0, 1024, 0}, ints);
-            assertEquals(0, KorvexJni.getdblparaminfo(env.handle(), "MIPGap", doubles));
-            assertArrayEquals(new double[] {1e-4, 0, 1e100, 1e-4}, doubles);
-            assertEquals(0, KorvexJni.getstrparaminfo(env.handle(), "ResultFile", texts));
-            assertTrue(name.startsWith(texts[0]) && texts[0].length() > 500, texts[0]);
-            assertEquals("", texts[1]);
+            assertEquals(3, params.intInfo("Threads").value());
+            String cut = params.stringInfo("ResultFile").value();
+            assertTrue(name.startsWith(cut) && cut.length() > 500, cut);
             params.reset();
             assertEquals("", params.getString("ResultFile"));
         }

@@ -3,18 +3,15 @@ package com.korvex;
 import static org.junit.jupiter.api.Assertions.*;
 import static org.junit.jupiter.api.DynamicTest.dynamicTest;
 
-import java.lang.reflect.Array;
 import java.util.*;
 import java.util.stream.*;
 import org.junit.jupiter.api.*;
+import org.junit.jupiter.api.function.Executable;
 
-/** What is built through the natives is read back as it was. */
+/** What is built is read back as it was, and what makes no sense is refused before it can hurt. */
 class BuildTest {
-    private static final int UNTOUCHED = -77;
-
     private KVXEnv env;
     private KVXModel model;
-    private long handle;
 
     /**
      * Columns 0 to 3 and rows 0 to 2:
@@ -28,15 +25,15 @@ class BuildTest {
     void build() {
         env = Models.quietEnv();
         model = new KVXModel(env, "built");
-        handle = model.handle();
-        ok("addvars", handle, 4, 0, new int[4], null, null, new double[] {1, -1, 0, 2}, null,
-           new double[] {9, 9, 9, KVX.INFINITY}, "CBIC".toCharArray(),
-           new String[] {"w", "x", null, "z"});
-        ok("addconstrs", handle, 2, 3, new int[] {0, 2}, new int[] {0, 1, 2},
-           new double[] {1, 2, 3}, "<>".toCharArray(), null, new double[] {10, 1},
-           new String[] {"top", null});
-        ok("addconstrs", handle, 1, 2, new int[] {0}, new int[] {0, 3}, new double[] {4, 5},
-           new char[1], new double[] {2}, new double[] {8}, null);
+        assertEquals(0, model.variables().add(Columns.of(1, -1, 0, 2)
+                                                  .upper(9, 9, 9, KVX.INFINITY)
+                                                  .types('C', 'B', 'I', 'C')
+                                                  .names("w", "x", null, "z")));
+        SparseMatrix rows =
+            SparseMatrix.of(List.of(vector(0, 1, 1, 2), new SparseVector(ints(2), 3)));
+        assertEquals(0, model.constraints().add(
+                            Rows.of(rows, "<>".toCharArray(), 10, 1).names("top", null)));
+        assertEquals(2, model.constraints().addRange(vector(0, 4, 3, 5), 2, 8, null));
     }
 
     @AfterEach
@@ -45,249 +42,246 @@ class BuildTest {
         env.close();
     }
 
-    private void ok(String name, Object... args) {
-        assertEquals(0, Natives.call(name, args),
-                     () -> name + ": " + KorvexJni.geterrormsg(KorvexJni.getenv(handle)));
-    }
+    private static int[] ints(int... values) { return values; }
 
-    private static Object[] join(Object[]... parts) {
-        return Stream.of(parts).flatMap(Stream::of).toArray();
-    }
+    private static double[] doubles(double... values) { return values; }
 
-    /** A slot for a value, or for an array of the same length, filled with a mark. */
-    private static Object slotFor(Object value) {
-        int length = value.getClass().isArray() ? Array.getLength(value) : 1;
-        Class<?> type = value instanceof Integer || value instanceof int[]      ? int.class
-                        : value instanceof Character || value instanceof char[] ? char.class
-                                                                                : double.class;
-        Object slot = Array.newInstance(type, length);
-        for (int i = 0; i < length && type != char.class; i++)
-            Array.set(slot, i, UNTOUCHED);
-        return slot;
-    }
-
-    private static void assertHolds(Object expected, Object slot) {
-        if (!expected.getClass().isArray())
-            assertEquals(expected, Array.get(slot, 0));
-        else if (expected instanceof int[])
-            assertArrayEquals((int[])expected, (int[])slot);
-        else
-            assertArrayEquals((double[])expected, (double[])slot);
+    /** Two entries. */
+    private static SparseVector vector(int i, double x, int j, double y) {
+        return new SparseVector(ints(i, j), x, y);
     }
 
     @TestFactory
     Stream<DynamicTest> generalConstraints() {
         int[] ops = {0, 1, 2};
-        double[] ascending = {-1, 0, 2.5};
-        // What the adder takes after model and name; the reader gives it back.
-        Object[][] kinds = {
-            {"max", 3, 3, ops, 4.5},
-            {"min", 3, 2, new int[] {2, 0}, -KVX.INFINITY},
-            {"abs", 3, 2},
-            {"and", 1, 3, ops},
-            {"or", 1, 1, new int[] {1}},
-            {"norm", 3, 3, ops, KVX.INFINITY},
-            {"indicator", 1, 0, 2, new int[] {3, 0}, new double[] {1.5, -2}, '>', 7.25},
-            {"pwl", 0, 3, 3, ascending, new double[] {3, 1, 1}},
+        GeneralConstraint[] kinds = {
+            GeneralConstraint.max(3, ops, 4.5),
+            GeneralConstraint.min(3, ints(2, 0), -KVX.INFINITY),
+            GeneralConstraint.abs(2, 3),
+            GeneralConstraint.and(1, ops),
+            GeneralConstraint.or(1, 1),
+            GeneralConstraint.norm(3, ops, KVX.INFINITY),
+            new GeneralConstraint.Indicator(1, 0, vector(3, 1.5, 0, -2), '>', 7.25),
+            new GeneralConstraint.PiecewiseLinear(0, 3, new Points(doubles(-1, 0, 2.5), 3, 1, 1)),
+            new GeneralConstraint.Polynomial(0, 3, 2, 0, -1.5),
+            GeneralConstraint.exp(0, 3),
+            GeneralConstraint.exp(0, 3, 3),
+            GeneralConstraint.log(0, 3),
+            GeneralConstraint.log(0, 3, 10),
+            GeneralConstraint.pow(0, 3, 0.5),
+            GeneralConstraint.sin(0, 3),
+            GeneralConstraint.cos(2, 0),
+            GeneralConstraint.tan(0, 3),
+            GeneralConstraint.logistic(0, 3),
+            new GeneralConstraint.Tree(3, ints(KVX.NL_PLUS, KVX.NL_CONSTANT, KVX.NL_VARIABLE),
+                                       doubles(0, 2.5, 1), ints(-1, 0, 0)),
         };
-        return Stream.of(kinds).map(
-            row -> dynamicTest((String)row[0], () -> {
-                Object[] data = List.of(row).subList(1, row.length).toArray();
-                Object[] named = {handle, "name of " + row[0]};
-                ok("addgenconstr" + row[0], join(named, data));
-                Object[] slots = Stream.of(data).map(BuildTest::slotFor).toArray();
-                int index = model.getInt("NumGenConstrs") - 1;
-                ok("getgenconstr" + row[0], join(new Object[] {handle, index}, slots));
-                for (int i = 0; i < data.length; i++)
-                    assertHolds(data[i], slots[i]);
-                // Nothing asked for, another kind, no such constraint.
-                Object[] nothing = new Object[slots.length];
-                ok("getgenconstr" + row[0], join(new Object[] {handle, index}, nothing));
-                ok("addgenconstrabs", handle, null, 0, 1);
-                if (!row[0].equals("abs"))
-                    assertEquals(KVX.ERROR_INVALID_ARGUMENT,
-                                 Natives.call("getgenconstr" + row[0],
-                                              join(new Object[] {handle, index + 1}, nothing)));
-                assertEquals("name of " + row[0], model.getStrings("GenConstrName", index, 1)[0]);
-                assertEquals(List.of(kinds).indexOf(row),
-                             model.getInts("GenConstrType", index, 1)[0]);
-            }));
-    }
-
-    /** What the development solver can't solve it doesn't take, and says what it is. */
-    @Test
-    void whatIsRefusedIsNamed() {
-        int[] one = {0};
-        double[] number = {1};
-        Object[][] refused = {
-            {"addqconstr", 0, null, null, 1, one, one, number, '\u013c', 6.5, "N"},
-            {"addgenconstrnorm", "N", 3, 1, one, 2.0},
-            {"addgenconstrpoly", "N", 0, 3, 1, number, "options"},
-            {"addgenconstrexp", "N", 0, 3, ""},
-            {"addgenconstrexpa", "N", 0, 3, "o", 3.0},
-            {"addgenconstrlog", "N", 0, 3, "o"},
-            {"addgenconstrloga", "N", 0, 3, "o", 10.0},
-            {"addgenconstrpow", "N", 0, 3, "o", 0.5},
-            {"addgenconstrsin", "N", 0, 3, "o"},
-            {"addgenconstrcos", "N", 2, 0, "o"},
-            {"addgenconstrtan", "N", 0, 3, "o"},
-            {"addgenconstrlogistic", "N", 0, 3, "o"},
-            {"addgenconstrnl", "N", 3, 1, new int[] {KVX.NL_VARIABLE}, number, new int[] {-1}},
-            {"addqpterms", 1, one, one, number},
-        };
-        for (Object[] row : refused) {
-            Object[] data = Arrays.copyOfRange(row, 1, row.length);
-            assertEquals(KVX.ERROR_NOT_SUPPORTED,
-                         Natives.call((String)row[0], join(new Object[] {handle}, data)),
-                         () -> "" + row[0]);
-            String text = KorvexJni.geterrormsg(KorvexJni.getenv(handle));
-            assertTrue(text.contains(row[0].equals("addqpterms") ? "quadratic" : "N"), text);
-        }
-        assertEquals(0, model.getInt("NumGenConstrs") + model.getInt("NumQConstrs") +
-                            model.getInt("NumQNZs"));
-    }
-
-    /** Readers that fill arrays only if the caller's room suffices. */
-    @TestFactory
-    Stream<DynamicTest> capacityHandshakes() {
-        ok("addsos", handle, 2, 5, new int[] {1, 2}, new int[] {0, 2}, new int[] {0, 1, 1, 2, 3},
-           new double[] {1, 2, 1, 2, 3});
-        ok("setpwlobj", handle, 3, 3, new double[] {0, 1, 5}, new double[] {0, 2, 3});
-        Object[] none = {};
-        // Name, arguments before the slots, the count and the arrays, arguments after them.
-        Object[][][] readers = {
-            {{"getsos"},
-             none,
-             {5, new int[] {1, 2}, new int[] {0, 2, 5}, new int[] {0, 1, 1, 2, 3},
-              new double[] {1, 2, 1, 2, 3}},
-             {0, 2}},
-            {{"getsos"},
-             none,
-             {3, new int[] {2}, new int[] {0, 3}, new int[] {1, 2, 3}, new double[] {1, 2, 3}},
-             {1, 1}},
-            {{"getpwlobj"}, {3}, {3, new double[] {0, 1, 5}, new double[] {0, 2, 3}}, none},
-            {{"getconstrs"},
-             none,
-             {3, new int[] {0, 1}, new int[] {2, 0, 3}, new double[] {3, 4, 5}},
-             {1, 2}},
-            {{"getvars"},
-             none,
-             {4, new int[] {0, 2, 3}, new int[] {0, 2, 0, 1}, new double[] {1, 4, 2, 3}},
-             {0, 3}},
-        };
-        // The fixture is built anew for this factory, not for each of its tests: they only read.
-        return Stream.of(readers).map(
-            row -> dynamicTest((String)row[0][0], () -> {
-                Object[] data = row[2];
-                int count = (int)data[0];
-                for (int room : new int[] {0, count - 1, count, count + 1}) {
-                    Object[] slots = Stream.of(data).map(BuildTest::slotFor).toArray();
-                    Array.set(slots[0], 0, room);
-                    ok((String)row[0][0], join(new Object[] {handle}, row[1], slots, row[3]));
-                    assertHolds(count, slots[0]);
-                    for (int i = 1; i < data.length; i++)
-                        assertHolds(room < count ? slotFor(data[i]) : data[i], slots[i]);
-                }
-            }));
+        return IntStream.range(0, kinds.length)
+            .mapToObj(
+                kind -> dynamicTest("kind " + kind, () -> {
+                    GeneralConstraints all = model.generalConstraints();
+                    if (kind >= KVX.GENCONSTR_POLY) { // The development solver takes no others.
+                        Models.fails(KVX.ERROR_NOT_SUPPORTED, () -> all.add(kinds[kind], null));
+                        return;
+                    }
+                    int other = all.add(GeneralConstraint.abs(0, 1), null);
+                    int index = all.add(kinds[kind], "name " + kind);
+                    assertEquals(other + 1, index);
+                    assertEquals(kind, kinds[kind].kind());
+                    assertEquals(kind, model.getInt(KVXAttribute.GEN_CONSTR_TYPE, index));
+                    assertEquals("name " + kind,
+                                 model.getString(KVXAttribute.GEN_CONSTR_NAME, index));
+                    assertEquals(Models.show(kinds[kind]), Models.show(all.get(index)));
+                    Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> all.get(index + 1));
+                }));
     }
 
     @Test
-    void rowsKeepTheirKindOfBounds() {
-        assertEquals(
-            "[<, >]",
-            List.of(model.getChars("Sense", 0, 1)[0], model.getChars("Sense", 1, 1)[0]).toString());
-        assertArrayEquals(new double[] {-KVX.INFINITY, 1, 2}, model.getDoubles("RowLower", 0, 3));
-        assertArrayEquals(new double[] {10, KVX.INFINITY, 8}, model.getDoubles("RowUpper", 0, 3));
-        double[] value = new double[1];
-        ok("getcoeff", handle, 2, 3, value);
-        assertEquals(5, value[0]);
-        ok("chgcoeffs", handle, 2, new int[] {2, 0}, new int[] {3, 2}, new double[] {0, 6});
-        assertEquals(5, model.getInt("NumNZs"));
-        int[] index = {UNTOUCHED};
-        ok("getvarbyname", handle, "z", index);
-        assertEquals(3, index[0]);
-        assertEquals(KVX.ERROR_NOT_FOUND, Natives.call("getconstrbyname", handle, "z", index));
-        assertEquals(3, index[0]);
+    void setsAndPiecewiseLinearTerms() {
+        SpecialOrderedSets sos = model.sos();
+        SparseVector pair = vector(0, 1, 1, 2), three = new SparseVector(ints(1, 2, 3), 1, 2, 3);
+        assertEquals(0, sos.add(new SpecialOrderedSets.Sets(
+                            ints(1, 2), SparseMatrix.of(List.of(pair, three)))));
+        assertEquals(2, sos.add(KVX.SOS_TYPE1, pair));
+        assertEquals("[[2, 1], [[0, 3], [1, 2, 3, 0, 1], [1.0, 2.0, 3.0, 1.0, 2.0]]]",
+                     Models.show(sos.get(1, 2)));
+        assertEquals("[[], [[], [], []]]", Models.show(sos.get(3, 0)));
+        sos.delete(1, 0);
+        assertEquals("[[1], [[0], [0, 1], [1.0, 2.0]]]", Models.show(sos.get(0, sos.count())));
+        Points points = new Points(doubles(0, 1, 5), 0, 2, 3);
+        model.objective().setPiecewiseLinear(3, points);
+        assertEquals(Models.show(points), Models.show(model.objective().piecewiseLinear(3)));
+        assertEquals(0, model.objective().piecewiseLinear(2).size());
     }
 
     @Test
-    void wholeModelEqualsTheOneBuiltPieceByPiece() {
-        // The columns lie out of order, with an entry that belongs to none.
-        long loaded = KorvexJni.loadmodel(
-            env.handle(), "loaded", 4, 3, KVX.MAXIMIZE, 2.5, new double[] {1, -1, 0, 2},
-            "<>=".toCharArray(), new double[] {10, 1, 8}, new int[] {4, 3, 0, 1},
-            new int[] {2, 1, 1, 1}, new int[] {1, 2, 99, 0, 0, 2}, new double[] {3, 5, 99, 2, 1, 4},
-            new double[4], new double[] {9, 9, 9, KVX.INFINITY}, "CBIC".toCharArray(),
-            new String[] {"a", "b", "c", "d"}, new String[] {"p", "q", "r"});
-        try (KVXModel whole = KVXModel.adopt(env, loaded)) {
-            assertEquals(columns(handle), columns(loaded));
-            assertEquals("loaded MAX 2.5", whole.getString("ModelName") +
-                                               (whole.getInt("ModelSense") < 0 ? " MAX " : " ") +
-                                               whole.getDouble("ObjCon"));
-            assertArrayEquals(new String[] {"p", "q", "r"}, whole.getStrings("ConstrName", 0, 3));
-        }
-        // Lengths that would write outside of the compacted copy.
-        for (int[] len : new int[][] {{-1}, {Integer.MAX_VALUE, Integer.MAX_VALUE}}) {
-            int n = len.length;
-            double[] zeros = new double[n];
-            assertEquals(0, KorvexJni.loadmodel(env.handle(), null, n, 0, 1, 0, zeros, new char[0],
-                                                new double[0], new int[n], len, new int[1],
-                                                new double[1], zeros, zeros, new char[n],
-                                                new String[] {"a", "b"}, new String[0]));
-        }
-    }
-
-    private List<Object> columns(long of) {
-        int[] count = {99}, beg = new int[4], ind = new int[5];
-        double[] val = new double[5];
-        ok("getvars", of, count, beg, ind, val, 0, 4);
-        List<Object> all = new ArrayList<>(List.of(count[0]));
-        IntStream.of(beg).forEach(all::add);
-        IntStream.of(ind).forEach(all::add);
-        for (double v : val)
-            all.add(v);
-        return all;
+    void rowsAndColumns() {
+        Constraints rows = model.constraints();
+        assertEquals("[[0, 1], [2, 0, 3], [3.0, 4.0, 5.0]]", Models.show(rows.rows(1, 2)));
+        assertEquals("[[0, 2, 3], [0, 2, 0, 1], [1.0, 4.0, 2.0, 3.0]]",
+                     Models.show(model.variables().columns(0, 3)));
+        assertEquals("[[2], [5.0]]", Models.show(model.variables().column(3)));
+        assertArrayEquals("<>".toCharArray(), model.getChars(KVXAttribute.SENSE, 0, 2));
+        assertArrayEquals(doubles(-KVX.INFINITY, 1, 2), model.getDoubles(KVXAttribute.ROW_LOWER));
+        assertArrayEquals(doubles(10, KVX.INFINITY, 8), model.getDoubles(KVXAttribute.ROW_UPPER));
+        assertEquals(5, rows.coefficient(2, 3));
+        rows.setCoefficients(new Triplets(ints(2, 0), ints(3, 2), 0, 6));
+        assertEquals(5, model.getInt(KVXAttribute.NUM_NZS));
+        assertEquals("3 0", model.variables().indexOf("z") + " " + rows.indexOf("top"));
+        Models.fails(KVX.ERROR_NOT_FOUND, () -> rows.indexOf("z"));
+        Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> rows.rows(1, 3));
+        // A variable with coefficients in rows that there are, one without any, and a row likewise.
+        assertEquals(4, model.variables().add(Columns.of(0, 1).coefficients(SparseMatrix.of(
+                            List.of(vector(1, 2, 2, 3), new SparseVector(ints()))))));
+        assertEquals("[[0, 2], [1, 2], [2.0, 3.0]]", Models.show(model.variables().columns(4, 2)));
+        assertEquals(3, rows.add(Rows.of(null, new char[] {'='}, 0)));
+        assertEquals("[[], []]", Models.show(rows.row(3)));
+        assertEquals("[[1, 3], [3.0, 1.0]]",
+                     Models.show(new SparseVector(ints(3, 1, 2, 1), 1, 2, 0, 1).cleaned()));
+        assertEquals("[[0, 1], [2, 0], [4.0, 1.0]]",
+                     Models.show(new Triplets(ints(1, 0, 0), ints(0, 2, 2), 1, 1, 3).cleaned()));
     }
 
     @Test
     void deletionRenumbers() {
-        ok("addsos", handle, 2, 3, new int[] {1, 2}, new int[] {0, 1}, new int[] {3, 0, 2},
-           new double[] {1, 1, 2});
+        GeneralConstraints general = model.generalConstraints();
         for (String name : new String[] {"first", "second"})
-            ok("addgenconstrabs", handle, name, 3, 0);
-        for (String kind : new String[] {"sos", "genconstrs"}) {
-            ok("del" + kind, handle, 1, new int[] {0});
-            assertEquals(KVX.ERROR_INDEX_OUT_OF_RANGE,
-                         Natives.call("del" + kind, handle, 1, new int[] {1}));
-        }
-        assertEquals("second", model.getStrings("GenConstrName", 0, 1)[0]);
-        ok("delsos", handle, 1, new int[] {0});
-        ok("delqconstrs", handle, 0, null);
-        ok("delgenconstrs", handle, 1, new int[] {0});
-        ok("delvars", handle, 2, new int[] {2, 0});
-        ok("delconstrs", handle, 1, new int[] {1});
-        assertEquals("[x, z]", List.of(model.getStrings("VarName", 0, 2)).toString());
-        int[] count = {9}, beg = new int[2], ind = new int[2];
-        double[] val = new double[2];
-        ok("getconstrs", handle, count, beg, ind, val, 0, 2);
-        assertArrayEquals(new int[] {0, 1}, beg);
-        assertArrayEquals(new int[] {0, 1}, ind);
-        assertArrayEquals(new double[] {2, 5}, val);
+            general.add(GeneralConstraint.abs(0, 3), name);
+        general.delete(0);
+        Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> general.delete(1));
+        assertEquals("second", model.getString(KVXAttribute.GEN_CONSTR_NAME, 0));
+        general.delete(0);
+        model.quadraticConstraints().delete();
+        model.variables().delete(2, 0);
+        model.constraints().delete(1);
+        assertArrayEquals(new String[] {"x", "z"}, model.getStrings(KVXAttribute.VAR_NAME));
+        assertEquals("[[0, 1], [0, 1], [2.0, 5.0]]", Models.show(model.constraints().rows(0, 2)));
     }
 
     @Test
     void objectives() {
-        ok("setobjective", handle, KVX.MAXIMIZE, 2, new int[] {3, 1}, new double[] {7, 8}, 0, null,
-           null, null, -3.5);
-        assertArrayEquals(new double[] {0, 8, 0, 7}, model.getDoubles("Obj", 0, 4));
-        assertEquals("-1 -3.5", model.getInt("ModelSense") + " " + model.getDouble("ObjCon"));
-        ok("delq", handle);
+        Objective objective = model.objective();
+        objective.set(KVX.MAXIMIZE, vector(3, 7, 1, 8), -3.5);
+        assertArrayEquals(doubles(0, 8, 0, 7), model.getDoubles(KVXAttribute.OBJ));
+        assertEquals("-1 -3.5", model.getInt(KVXAttribute.MODEL_SENSE) + " " +
+                                    model.getDouble(KVXAttribute.OBJ_CON));
+        objective.deleteQuadraticTerms();
         for (int i = 0; i < 2; i++)
-            ok("setobjectiven", handle, i, 2 - i, "goal" + i, 1, new int[] {i},
-               new double[] {10 + i}, 0.5, 1.0, 0.0, 0.0);
-        assertEquals(2, model.getInt("NumObj"));
-        model.set("ObjNumber", 1);
-        assertArrayEquals(new double[] {0, 11, 0, 0}, model.getDoubles("ObjN", 0, 4));
-        assertNotEquals(0, KorvexJni.setobjectiven(handle, 5, 0, null, 0, null, null, 0, 1, 0, 0));
+            objective.setGoal(i, Goal.of(new SparseVector(ints(i), 10 + i))
+                                     .priority(2 - i)
+                                     .constant(0.5)
+                                     .tolerances(0, 0.1)
+                                     .name("goal" + i));
+        assertEquals(2, model.getInt(KVXAttribute.NUM_OBJ));
+        model.set(KVXAttribute.OBJ_NUMBER, 1);
+        assertArrayEquals(doubles(0, 11, 0, 0), model.getDoubles(KVXAttribute.OBJ_N));
+        Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE,
+                     () -> objective.setGoal(5, Goal.of(SparseVector.ones(0))));
+        model.discardGoalParams();
+        model.discardConcurrentParams();
+        Models.fails(KVX.ERROR_NOT_SUPPORTED, () -> model.concurrentParams(0).getInt("Threads"));
     }
+
+    @Test
+    void wholeModelEqualsTheOneBuiltPieceByPiece() {
+        // Entries before the first column's belong to none.
+        SparseMatrix columns =
+            new SparseMatrix(ints(1, 3, 4, 5), ints(99, 0, 2, 0, 1, 2), doubles(99, 1, 4, 2, 3, 5));
+        Columns data = Columns.of(1, -1, 0, 2)
+                           .coefficients(columns)
+                           .upper(9, 9, 9, KVX.INFINITY)
+                           .types('C', 'B', 'I', 'C');
+        Rows rows = Rows.of(null, "<>=".toCharArray(), 10, 1, 8).names("p", null, "r");
+        try (KVXModel whole = KVXModel.load(env, "loaded", KVX.MAXIMIZE, 2.5, data, rows)) {
+            assertEquals(Models.show(model.variables().columns(0, 4)),
+                         Models.show(whole.variables().columns(0, 4)));
+            assertEquals("loaded -1 2.5", whole.getString(KVXAttribute.MODEL_NAME) + " " +
+                                              whole.getInt(KVXAttribute.MODEL_SENSE) + " " +
+                                              whole.getDouble(KVXAttribute.OBJ_CON));
+            assertEquals("[C0, C1, C2, C3] [p, R1, r]",
+                         Models.show(whole.getStrings(KVXAttribute.VAR_NAME)) + " " +
+                             Models.show(whole.getStrings(KVXAttribute.CONSTR_NAME)));
+            assertArrayEquals(doubles(9, 1, 9, KVX.INFINITY), whole.getDoubles(KVXAttribute.UB));
+        }
+        try (KVXModel bare = KVXModel.load(env, null, KVX.MINIMIZE, 0, Columns.of(1, 1),
+                                           Rows.of(null, new char[0]));
+             KVXModel made = new KVXModel(env, "n", Columns.of(4, 5).allOf(KVX.BINARY))) {
+            assertArrayEquals(doubles(KVX.INFINITY, KVX.INFINITY),
+                              bare.getDoubles(KVXAttribute.UB));
+            assertArrayEquals("BB".toCharArray(), made.getChars(KVXAttribute.VAR_TYPE));
+        }
+    }
+
+    @TestFactory
+    Stream<DynamicTest> whatMakesNoSenseIsRefused() {
+        SparseMatrix kept = new SparseMatrix(ints(0, 1), ints(0, 1), doubles(1, 1));
+        kept.beg()[0] = 7;
+        Columns columns = Columns.of(1, 2);
+        Rows rows = Rows.of(null, "<".toCharArray(), 1);
+        Class<?> argument = IllegalArgumentException.class, index = IndexOutOfBoundsException.class;
+        Class<?> missing = NullPointerException.class;
+        Object[][] uses = {
+            {missing, "ind", ex(() -> new SparseVector(null, 1))},
+            {missing, "beg", ex(() -> new SparseMatrix(null, ints(), doubles()))},
+            {missing, "obj", ex(() -> Columns.of((double[])null))},
+            {missing, "senses", ex(() -> Rows.of(null, null, 1))},
+            {missing, "operands", ex(() -> GeneralConstraint.and(0, (int[])null))},
+            {missing, "ind", ex(() -> model.variables().delete((int[])null))},
+            {missing, "values", ex(() -> model.set("LB", 0, (double[])null))},
+            {missing, "columns", ex(() -> model.variables().add((Columns)null))},
+            {missing, "constraint", ex(() -> model.generalConstraints().add(null, ""))},
+            {argument, "2 elements, not 1", ex(() -> new SparseVector(ints(1), 1, 2))},
+            {argument, "1 elements, not 2", ex(() -> new Triplets(ints(1, 2), ints(1), 1, 2))},
+            {argument, "3 elements, not 2", ex(() -> columns.lower(1, 2, 3))},
+            {argument, "0 elements, not 2", ex(() -> columns.types(new char[0]))},
+            {argument, "1 elements, not 2", ex(() -> columns.names("x"))},
+            {argument, "2 elements, not 1", ex(() -> rows.names("x", "y"))},
+            {argument, "2 elements, not 1", ex(() -> Rows.of(kept, new char[1], 1))},
+            {argument, "either",
+             ex(() -> new Rows(null, new char[1], doubles(1), doubles(1), null))},
+            {argument, "beg[1] is 0", ex(() -> new SparseMatrix(ints(1, 0), ints(0), doubles(1)))},
+            {argument, "beg[0] is -1", ex(() -> new SparseMatrix(ints(-1), ints(0), doubles(1)))},
+            {argument, "beg[0] is 2", ex(() -> new SparseMatrix(ints(2), ints(0), doubles(1)))},
+            {argument, "beg[0] is 7", ex(() -> model.variables().add(columns.coefficients(kept)))},
+            {argument, "beg[0] is 7",
+             ex(() -> model.constraints().add(Rows.of(kept, new char[2], 1, 1)))},
+            {argument, "beg[0] is 7",
+             ex(() -> model.sos().add(new SpecialOrderedSets.Sets(ints(1, 1), kept)))},
+            {argument, "beg[0] is 7",
+             ex(() -> KVXModel.load(env, "", 1, 0, columns.coefficients(kept), rows))},
+            {argument, "U+0000", ex(() -> model.variables().add(0, 1, 1, 'C', "a\0b"))},
+            {argument, "U+0000", ex(() -> model.set("VarName", 0, "\0"))},
+            {argument, "U+0000", ex(() -> model.set("VarName", 0, new String[] {"a", "\0"}))},
+            {argument, "U+0000", ex(() -> new KVXModel(env, "\0"))},
+            {argument, "U+0000", ex(() -> Goal.of(SparseVector.ones(1)).name("\0"))},
+            {argument, "options",
+             ex(() -> model.generalConstraints().add(GeneralConstraint.abs(0, 1), null, "x"))},
+            {argument, "kind",
+             ex(() -> new GeneralConstraint.Function(KVX.GENCONSTR_MAX, 0, 1, 0))},
+            {argument, "no points",
+             ex(() -> model.objective().setPiecewiseLinear(0, new Points(doubles())))},
+            {argument, "member", ex(() -> model.sos().add(1, new SparseVector(ints())))},
+            {argument, "3 elements, not 4",
+             ex(() -> model.relaxFeasibility(0, false, doubles(1, 1, 1), null, null))},
+            {argument, "4 elements, not 3",
+             ex(() -> model.relaxFeasibility(0, false, null, null, doubles(1, 1, 1, 1)))},
+            {argument, "count", ex(() -> model.getInts("VarBasis", 0, -1))},
+            {argument, "single", ex(() -> model.getInts("NumVars"))},
+            {argument, "2 elements, not 1", ex(() -> model.set("LB", ints(0), doubles(1, 2)))},
+            {index, "-1", ex(() -> model.getInts("VarBasis", -1, 1))},
+            {index, "2147483647", ex(() -> model.getDoubles("LB", 1, Integer.MAX_VALUE))},
+            {index, "2", ex(() -> new SparseMatrix(ints(0, 0), ints(), doubles()).list(2))},
+        };
+        return IntStream.range(0, uses.length)
+            .mapToObj(k -> dynamicTest(k + ": " + uses[k][1], () -> {
+                          Throwable thrown = assertThrows(Throwable.class, (Executable)uses[k][2]);
+                          assertTrue(((Class<?>)uses[k][0]).isInstance(thrown), thrown::toString);
+                          assertTrue(thrown.getMessage().contains((String)uses[k][1]),
+                                     thrown::getMessage);
+                          assertEquals("4 3", model.variables().count() + " " +
+                                                  model.constraints().count());
+                      }));
+    }
+
+    private static Executable ex(Executable use) { return use; }
 }

@@ -2,10 +2,12 @@ package com.korvex;
 
 import static org.junit.jupiter.api.Assertions.*;
 
+import java.io.*;
 import java.lang.reflect.*;
 import java.nio.file.*;
 import java.util.*;
 import java.util.regex.*;
+import java.util.spi.ToolProvider;
 import java.util.stream.*;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.io.TempDir;
@@ -45,36 +47,32 @@ class LibraryTest {
                      entries);
     }
 
-    /** The parts of the solver's header, one after the other. */
-    private static String header() throws Exception {
-        StringBuilder text = new StringBuilder();
-        try (Stream<Path> parts = Files.list(Path.of(System.getProperty("korvex.header")))) {
-            for (Path part : (Iterable<Path>)parts::iterator)
-                text.append(Files.readString(part));
-        }
-        return text.toString();
-    }
-
+    /** Whom the natives of KorvexJni are for: each is behind a method of another class. */
     @Test
-    void constantsAreThoseOfTheHeader() throws Exception {
-        TreeMap<String, Double> defined = new TreeMap<>();
-        Matcher m = Pattern.compile("(?m)^#define KVX_(\\w+) +\\(?('.'|[-0-9.e]+)\\)?( .*)?$")
-                        .matcher(header());
-        while (m.find())
-            defined.put(m.group(1), m.group(2).startsWith("'") ? (double)m.group(2).charAt(1)
-                                                               : Double.parseDouble(m.group(2)));
-        defined.keySet().removeAll(Set.of("INTERFACE_JAVA", "TEXT_SIZE")); // of the bridge alone
-        TreeMap<String, Double> java = new TreeMap<>();
-        for (Field field : KVX.class.getFields()) {
-            Object value = field.get(null);
-            java.put(field.getName(), value instanceof Character ? (double)(Character)value
-                                                                 : ((Number)value).doubleValue());
+    void everyNativeHasACheckedMethod() throws Exception {
+        TreeSet<String> natives = Stream.of(KorvexJni.class.getDeclaredMethods())
+                                      .filter(m -> Modifier.isNative(m.getModifiers()))
+                                      .map(Method::getName)
+                                      .collect(Collectors.toCollection(TreeSet::new));
+        StringWriter listing = new StringWriter();
+        try (FileSystem jar = FileSystems.newFileSystem(Launch.LIB.resolve("korvex.jar"));
+             Stream<Path> classes = Files.list(jar.getPath("com/korvex"))) {
+            Path directory = Files.createTempDirectory("classes");
+            List<String> args = new ArrayList<>(List.of("-v", "-p"));
+            for (Path type : (Iterable<Path>)classes::iterator)
+                if (!type.endsWith("KorvexJni.class"))
+                    args.add(Files.copy(type, directory.resolve("" + type.getFileName())) + "");
+            ToolProvider.findFirst("javap").orElseThrow().run(
+                new PrintWriter(listing), new PrintWriter(listing), args.toArray(new String[0]));
+            for (String file : args.subList(2, args.size()))
+                Files.delete(Path.of(file));
+            Files.delete(directory);
         }
-        Set<Object> differences = new HashSet<>(defined.entrySet());
-        differences.addAll(java.entrySet());
-        differences.removeIf(
-            entry -> defined.entrySet().contains(entry) && java.entrySet().contains(entry));
-        assertEquals(Set.of(), differences);
+        Matcher use = Pattern.compile("com/korvex/KorvexJni\\.(\\w+):").matcher(listing + "");
+        while (use.find())
+            natives.remove(use.group(1));
+        // The checked classes have threads of their own for asynchronous runs.
+        assertEquals(Set.of("sync"), natives);
     }
 
     @Test

@@ -2,7 +2,9 @@ package com.korvex;
 
 import static org.junit.jupiter.api.Assertions.*;
 
-import java.util.Random;
+import java.lang.reflect.*;
+import java.util.*;
+import java.util.stream.IntStream;
 import org.junit.jupiter.api.function.Executable;
 
 /** Environments, models and checks that several tests use. */
@@ -29,24 +31,19 @@ final class Models {
     static KVXModel marketSplit(KVXEnv env, int shops, int markets, long seed) {
         Random random = new Random(seed);
         int columns = shops + 2 * markets;
-        int[] beg = new int[columns], len = new int[columns];
-        int[] ind = new int[shops * markets + 2 * markets];
-        double[] val = new double[ind.length], obj = new double[columns], rhs = new double[markets];
-        double[] ub = new double[columns];
+        List<SparseVector> entries = new ArrayList<>();
+        double[] obj = new double[columns], rhs = new double[markets], ub = new double[columns];
         char[] types = new char[columns], senses = new char[markets];
         String[] names = new String[columns], rows = new String[markets];
-        int at = 0;
         for (int j = 0; j < columns; j++) {
             boolean slack = j >= shops;
-            beg[j] = at;
-            len[j] = slack ? 1 : markets;
-            for (int k = 0; k < len[j]; k++, at++) {
-                int row = slack ? (j - shops) / 2 : k;
-                ind[at] = row;
-                val[at] = slack ? 1 - 2 * ((j - shops) % 2) : random.nextInt(100);
-                if (!slack)
-                    rhs[row] += val[at] / 2;
-            }
+            int row = (j - shops) / 2;
+            entries.add(
+                slack ? new SparseVector(new int[] {row}, 1 - 2 * ((j - shops) % 2))
+                      : new SparseVector(IntStream.range(0, markets).toArray(),
+                                         random.ints(markets, 0, 100).asDoubleStream().toArray()));
+            for (int k = 0; !slack && k < markets; k++)
+                rhs[k] += entries.get(j).val()[k] / 2;
             obj[j] = slack ? 1 : 0;
             ub[j] = slack ? KVX.INFINITY : 1;
             types[j] = slack ? KVX.CONTINUOUS : KVX.BINARY;
@@ -57,9 +54,28 @@ final class Models {
             senses[row] = KVX.EQUAL;
             rows[row] = "market" + row;
         }
-        return KVXModel.adopt(env, KorvexJni.loadmodel(env.handle(), "split", columns, markets,
-                                                       KVX.MINIMIZE, 0, obj, senses, rhs, beg, len,
-                                                       ind, val, new double[columns], ub, types,
-                                                       names, rows));
+        Columns data =
+            Columns.of(obj).coefficients(SparseMatrix.of(entries)).upper(ub).types(types);
+        return KVXModel.load(env, "split", KVX.MINIMIZE, 0, data.names(names),
+                             Rows.of(null, senses, rhs).names(rows));
+    }
+
+    /** What a record, or an array, holds, as text. */
+    static String show(Object value) {
+        List<String> parts = new ArrayList<>();
+        if (value != null && value.getClass().isArray()) {
+            for (int i = 0; i < Array.getLength(value); i++)
+                parts.add(show(Array.get(value, i)));
+            return parts.toString();
+        }
+        if (!(value instanceof Record))
+            return "" + value;
+        try {
+            for (RecordComponent part : value.getClass().getRecordComponents())
+                parts.add(show(part.getAccessor().invoke(value)));
+        } catch (ReflectiveOperationException e) {
+            throw new AssertionError(e);
+        }
+        return parts.toString();
     }
 }

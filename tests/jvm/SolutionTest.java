@@ -4,6 +4,7 @@ import static org.junit.jupiter.api.Assertions.*;
 
 import java.nio.file.*;
 import java.util.*;
+import java.util.function.Function;
 import org.junit.jupiter.api.*;
 import org.junit.jupiter.api.io.TempDir;
 
@@ -29,80 +30,74 @@ class SolutionTest {
     }
 
     /** A sparse result as a whole vector. */
-    private static double[] whole(int size, int[] count, int[] ind, double[] val) {
+    private static double[] whole(int size, SparseVector sparse) {
         double[] vector = new double[size];
-        for (int k = 0; k < count[0]; k++)
-            vector[ind[k]] = val[k];
+        for (int k = 0; k < sparse.size(); k++)
+            vector[sparse.ind()[k]] = sparse.val()[k];
         return vector;
     }
 
     @Test
     void basisTimesItsInverseIsOne() {
-        long m = model.handle();
-        int rows = model.getInt("NumConstrs"), columns = model.getInt("NumVars");
-        int[] head = new int[rows];
-        head[0] = rows;
-        assertEquals(0, KorvexJni.basishead(m, head));
+        Basis basis = model.basis();
+        int rows = model.constraints().count(), columns = model.variables().count();
+        int[] head = basis.head();
         for (int k = 0; k < rows; k++) {
             double[] one = new double[rows];
             one[k] = 1;
             int j = head[k];
-            int[] length = {rows}, ind = {j - columns, 0, 0, 0}, count = {rows},
-                  xind = new int[rows];
-            double[] val = {1, 0, 0, 0}, xval = new double[rows];
-            if (j < columns)
-                assertEquals(0, KorvexJni.getvars(m, length, new int[1], ind, val, j, 1));
-            else
-                length[0] = 1;
-            assertEquals(0, KorvexJni.fsolve(m, length[0], ind, val, count, xind, xval));
-            assertArrayEquals(one, whole(rows, count, xind, xval), 1e-9);
+            SparseVector column =
+                j < columns ? model.variables().column(j) : SparseVector.ones(j - columns);
+            assertArrayEquals(one, whole(rows, basis.solve(column)), 1e-9);
+            assertArrayEquals(one, whole(rows, basis.column(j)), 1e-9);
             // y B is the k-th unit vector, so y times the column is 1.
-            count[0] = rows;
-            assertEquals(
-                0, KorvexJni.bsolve(m, 1, new int[] {k}, new double[] {1}, count, xind, xval));
-            double[] y = whole(rows, count, xind, xval);
+            double[] y = whole(rows, basis.solveTransposed(SparseVector.ones(k)));
             double product = 0;
-            for (int i = 0; i < length[0]; i++)
-                product += y[ind[i]] * val[i];
+            for (int i = 0; i < column.size(); i++)
+                product += y[column.ind()[i]] * column.val()[i];
             assertEquals(1, product, 1e-9);
-            int[] wide = {rows + columns}, wideInd = new int[rows + columns];
-            double[] wideVal = new double[rows + columns];
-            assertEquals(0, KorvexJni.binvrowi(m, k, wide, wideInd, wideVal));
-            assertEquals(1, whole(rows + columns, wide, wideInd, wideVal)[j], 1e-9);
+            assertEquals(1, whole(rows + columns, basis.row(k))[j], 1e-9);
+        }
+        try (KVXModel unsolved = new KVXModel(env, "unsolved", Columns.of(1))) {
+            assertEquals(0, unsolved.basis().head().length);
+            unsolved.constraints().add(SparseVector.ones(0), KVX.EQUAL, 1, null);
+            Models.fails(KVX.ERROR_DATA_NOT_AVAILABLE, unsolved.basis()::head);
         }
     }
 
     @Test
     void derivedModelsAreModelsOfTheirOwn() {
-        try (KVXEnv other = Models.quietEnv()) {
-            long[] slot = {0};
-            assertEquals(0, KorvexJni.copymodel(model.handle(), other.handle(), slot));
-            try (KVXModel copy = KVXModel.adopt(other, slot[0])) {
-                model.close();
-                copy.optimize();
-                assertEquals(1073.1891891891892, copy.getDouble("ObjVal"), 1e-9);
+        try (KVXEnv other = Models.quietEnv(); KVXModel copy = model.copy(other);
+             KVXModel dual = model.dual()) {
+            model.close();
+            for (KVXModel one : List.of(copy, dual)) {
+                one.optimize();
+                assertEquals(1073.1891891891892, one.getDouble("ObjVal"), 1e-9);
             }
+            copy.reset(true);
+            copy.update();
+            assertEquals(KVX.STATUS_LOADED, copy.getInt("Status"));
         }
         try (KVXModel split = Models.marketSplit(env, 12, 2, 3)) {
+            Models.fails(KVX.ERROR_DATA_NOT_AVAILABLE, split::fixed);
             split.optimize();
-            for (String name : new String[] {"relaxmodel", "fixedmodel", "presolvemodel",
-                                             "feasibility", "linearize", "singlescenariomodel"}) {
-                long[] slot = {0};
-                assertEquals(0, Natives.call(name, split.handle(), slot), name);
-                try (KVXModel derived = KVXModel.adopt(env, slot[0])) {
+            Map<String, Function<KVXModel, KVXModel>> makers =
+                Map.of("relaxed", KVXModel::relaxed, "fixed", KVXModel::fixed, "presolved",
+                       KVXModel::presolved, "feasibility", KVXModel::feasibility, "linearized",
+                       KVXModel::linearized, "scenario", KVXModel::singleScenario);
+            makers.forEach((name, maker) -> {
+                try (KVXModel derived = maker.apply(split)) {
                     derived.optimize();
                     assertEquals(KVX.STATUS_OPTIMAL, derived.getInt("Status"), name);
-                    if (!name.equals("relaxmodel") && !name.equals("feasibility"))
+                    if (!name.equals("relaxed") && !name.equals("feasibility"))
                         assertEquals(split.getDouble("ObjVal"), derived.getDouble("ObjVal"), 1e-6,
                                      name);
                 }
-            }
+            });
             split.convertToFixed();
             assertEquals(0, split.getInt("IsMIP"));
-            double[] penalty = {-1};
-            assertEquals(0, KorvexJni.feasrelax(split.handle(), 0, 1, new double[16],
-                                                new double[16], new double[2], penalty));
-            assertEquals(0, penalty[0], 1e-9);
+            assertEquals(0, split.relaxFeasibility(0, true, new double[16], null, new double[2]),
+                         1e-9);
         }
     }
 

@@ -12,70 +12,121 @@
  * of len elements from start on; a list of len elements given by ind. "w" marks those that can be
  * set. Solution attributes give KVX_ERROR_DATA_NOT_AVAILABLE while there is no solution.
  *
- *   of the model
- *     int:    NumVars NumConstrs NumNZs NumSOS NumQConstrs NumGenConstrs NumQNZs NumIntVars
- *             NumBinVars NumObj ModelSense(w) IsMIP IsQP IsMultiObj Status SolCount
- *             ObjNumber(w) ScenarioNumber(w) NumScenarios TuneResultCount
- *     double: ObjCon(w) ObjVal ObjBound MIPGap Runtime NodeCount IterCount
- *     string: ModelName(w)
- *   of a variable
- *     double: LB(w) UB(w) Obj(w) Start(w: KVX_UNDEFINED for none) X ReducedCost ObjN(w: of
- *             objective ObjNumber)
- *     int:    VarBasis(w) IISLB IISUB
- *     char:   VarType(w)
- *     string: VarName(w)
- *   of a linear constraint
- *     double: RHS(w) RowLower(w) RowUpper(w) Dual Slack
- *     int:    ConstrBasis(w) IISConstr
- *     char:   Sense(w)
- *     string: ConstrName(w)
- *   of a general constraint
- *     int:    GenConstrType (KVX_GENCONSTR_)
- *     string: GenConstrName(w)
- *
- * Signs: ReducedCost and Dual are the change of the objective value per unit of bound or right-hand
- * side, in the model's own sense. Of several objectives, ObjVal and ObjBound belong to the highest
- * priority. Slack is right-hand side minus activity. Obj is the model's
- * own objective, ObjN the same while there aren't several; a piecewise-linear term comes on top.
- * Setting RHS leaves the other side of a range.
+ *   attribute         type      of             meaning
+ *   NumVars           int       model          number of variables
+ *   NumConstrs        int       model          number of linear constraints
+ *   NumNZs            int       model          number of nonzero coefficients in linear constraints
+ *   NumSOS            int       model          number of special ordered sets
+ *   NumQConstrs       int       model          number of quadratic constraints
+ *   NumGenConstrs     int       model          number of general constraints
+ *   NumQNZs           int       model          number of quadratic terms in the objective
+ *   NumIntVars        int       model          number of integer variables, binary ones among them
+ *   NumBinVars        int       model          number of binary variables
+ *   NumObj            int       model          number of objectives, at least 1
+ *   NumScenarios      int       model          number of scenarios, at least 1
+ *   ModelName         string w  model          name of the model; "" by default
+ *   ModelSense        int w     model          KVX_MINIMIZE, the default, or KVX_MAXIMIZE
+ *   ObjCon            double w  model          objective constant; 0 by default
+ *   ObjNumber         int w     model          the objective that "ObjN" belongs to, from 0, the
+ *                                              default, to "NumObj" - 1
+ *   ScenarioNumber    int w     model          the current scenario, from 0, the default, to
+ *                                              "NumScenarios" - 1
+ *   IsMIP             int       model          1 if there are discrete variables, SOS or general
+ *                                              constraints, else 0
+ *   IsQP              int       model          1 if the objective has quadratic terms, else 0
+ *   IsMultiObj        int       model          1 once KVXsetobjectiven made the model
+ *                                              multi-objective, else 0
+ *   Status            int       model          how the last run ended, KVX_STATUS_OPTIMAL and so
+ *                                              on; KVX_STATUS_LOADED before the first run and after
+ *                                              a change
+ *   SolCount          int       model          number of solutions found
+ *   ObjVal            double    model          objective value of the best solution; of several
+ *                                              objectives, that of the highest priority
+ *   ObjBound          double    model          best proven bound on the objective value; of several
+ *                                              objectives, that of the highest priority
+ *   MIPGap            double    model          relative gap between "ObjVal" and "ObjBound"
+ *   Runtime           double    model          seconds that the last run took, or takes so far
+ *   NodeCount         double    model          branch-and-bound nodes of the last run
+ *   IterCount         double    model          simplex iterations of the last run
+ *   TuneResultCount   int       model          number of settings that tuning found
+ *   VarName           string w  variable       name; C and a number by default
+ *   VarType           char w    variable       KVX_CONTINUOUS, the default, KVX_BINARY,
+ *                                              KVX_INTEGER, KVX_SEMICONT or KVX_SEMIINT
+ *   LB                double w  variable       lower bound, -KVX_INFINITY for none; 0 by default
+ *   UB                double w  variable       upper bound; KVX_INFINITY, for none, by default
+ *   Obj               double w  variable       coefficient in the model's own objective, 0 by
+ *                                              default; a piecewise-linear term comes on top
+ *   ObjN              double w  variable       coefficient in objective "ObjNumber"; that of "Obj"
+ *                                              while there aren't several
+ *   Start             double w  variable       value that a run starts from; KVX_UNDEFINED, for
+ *                                              none, by default
+ *   X                 double    variable       value in the best solution
+ *   ReducedCost       double    variable       change of the objective value per unit of the bound,
+ *                                              in the model's own sense
+ *   VarBasis          int w     variable       status in the simplex basis: KVX_BASIC,
+ *                                              KVX_NONBASIC_LOWER, KVX_NONBASIC_UPPER or
+ *                                              KVX_SUPERBASIC
+ *   IISLB             int       variable       1 if the lower bound belongs to the irreducible
+ *                                              infeasible subsystem, else 0
+ *   IISUB             int       variable       1 if the upper bound belongs to the irreducible
+ *                                              infeasible subsystem, else 0
+ *   ConstrName        string w  constraint     name; R and a number by default
+ *   Sense             char w    constraint     KVX_LESS_EQUAL, KVX_GREATER_EQUAL or KVX_EQUAL; of a
+ *                                              range, by its finite side
+ *   RHS               double w  constraint     right-hand side; setting it leaves the other side of
+ *                                              a range
+ *   RowLower          double w  constraint     lower bound, -KVX_INFINITY for none
+ *   RowUpper          double w  constraint     upper bound, KVX_INFINITY for none
+ *   Dual              double    constraint     change of the objective value per unit of the
+ *                                              right-hand side, in the model's own sense
+ *   Slack             double    constraint     right-hand side minus activity
+ *   ConstrBasis       int w     constraint     status of the logical variable in the simplex basis,
+ *                                              with the values of "VarBasis"
+ *   IISConstr         int       constraint     1 if it belongs to the irreducible infeasible
+ *                                              subsystem, else 0
+ *   GenConstrType     int       genconstraint  kind: KVX_GENCONSTR_MAX and so on
+ *   GenConstrName     string w  genconstraint  name; G and a number by default
  */
+/** A value that isn't known, in start values and proposed solutions. */
 #define KVX_UNDEFINED 1e101
 
-#define KVX_GENCONSTR_MAX 0
-#define KVX_GENCONSTR_MIN 1
-#define KVX_GENCONSTR_ABS 2
-#define KVX_GENCONSTR_AND 3
-#define KVX_GENCONSTR_OR 4
-#define KVX_GENCONSTR_NORM 5
-#define KVX_GENCONSTR_INDICATOR 6
-#define KVX_GENCONSTR_PWL 7
-#define KVX_GENCONSTR_POLY 8
-#define KVX_GENCONSTR_EXP 9
-#define KVX_GENCONSTR_EXPA 10
-#define KVX_GENCONSTR_LOG 11
-#define KVX_GENCONSTR_LOGA 12
-#define KVX_GENCONSTR_POW 13
-#define KVX_GENCONSTR_SIN 14
-#define KVX_GENCONSTR_COS 15
-#define KVX_GENCONSTR_TAN 16
-#define KVX_GENCONSTR_LOGISTIC 17
-#define KVX_GENCONSTR_NL 18
+/* Kind of a general constraint. */
+#define KVX_GENCONSTR_MAX 0       /**< maximum of operands */
+#define KVX_GENCONSTR_MIN 1       /**< minimum of operands */
+#define KVX_GENCONSTR_ABS 2       /**< absolute value */
+#define KVX_GENCONSTR_AND 3       /**< conjunction of binaries */
+#define KVX_GENCONSTR_OR 4        /**< disjunction of binaries */
+#define KVX_GENCONSTR_NORM 5      /**< norm of operands */
+#define KVX_GENCONSTR_INDICATOR 6 /**< a binary implies a linear constraint */
+#define KVX_GENCONSTR_PWL 7       /**< piecewise-linear function */
+#define KVX_GENCONSTR_POLY 8      /**< polynomial */
+#define KVX_GENCONSTR_EXP 9       /**< e^x */
+#define KVX_GENCONSTR_EXPA 10     /**< base^x */
+#define KVX_GENCONSTR_LOG 11      /**< natural logarithm */
+#define KVX_GENCONSTR_LOGA 12     /**< logarithm to a base */
+#define KVX_GENCONSTR_POW 13      /**< x^exponent */
+#define KVX_GENCONSTR_SIN 14      /**< sine */
+#define KVX_GENCONSTR_COS 15      /**< cosine */
+#define KVX_GENCONSTR_TAN 16      /**< tangent */
+#define KVX_GENCONSTR_LOGISTIC 17 /**< 1 / (1 + e^-x) */
+#define KVX_GENCONSTR_NL 18       /**< expression tree */
 
-#define KVX_NL_CONSTANT 0 /**< leaf: its data is the number */
-#define KVX_NL_VARIABLE 1 /**< leaf: its data is the variable's index */
-#define KVX_NL_PLUS 2     /**< sum of any number of operands */
-#define KVX_NL_MINUS 3
-#define KVX_NL_MULTIPLY 4 /**< product of any number of operands */
-#define KVX_NL_DIVIDE 5
-#define KVX_NL_NEGATE 6
-#define KVX_NL_POWER 7
-#define KVX_NL_SQRT 8
-#define KVX_NL_EXP 9
-#define KVX_NL_LOG 10 /**< natural logarithm */
-#define KVX_NL_SIN 11
-#define KVX_NL_COS 12
-#define KVX_NL_TAN 13
-#define KVX_NL_LOGISTIC 14
+/* Operation of an expression tree. */
+#define KVX_NL_CONSTANT 0  /**< leaf: its data is the number */
+#define KVX_NL_VARIABLE 1  /**< leaf: its data is the variable's index */
+#define KVX_NL_PLUS 2      /**< sum of any number of operands */
+#define KVX_NL_MINUS 3     /**< difference of two operands */
+#define KVX_NL_MULTIPLY 4  /**< product of any number of operands */
+#define KVX_NL_DIVIDE 5    /**< quotient of two operands */
+#define KVX_NL_NEGATE 6    /**< its operand, negated */
+#define KVX_NL_POWER 7     /**< first operand to the power of the second */
+#define KVX_NL_SQRT 8      /**< square root */
+#define KVX_NL_EXP 9       /**< e^x */
+#define KVX_NL_LOG 10      /**< natural logarithm */
+#define KVX_NL_SIN 11      /**< sine */
+#define KVX_NL_COS 12      /**< cosine */
+#define KVX_NL_TAN 13      /**< tangent */
+#define KVX_NL_LOGISTIC 14 /**< 1 / (1 + e^-x) */
 
 int KVXgetintattr(KVXmodel *model, const char *name, int *value);
 int KVXgetintattrelement(KVXmodel *model, const char *name, int element, int *value);

@@ -8,9 +8,16 @@
 /*
  * Batches
  *
- * Attributes of a batch, as of the last KVXupdatebatch: int "BatchStatus" (KVX_BATCH_),
- * "BatchErrorCode"; string "BatchID", "BatchErrorMessage", "SubmitTime", "EndTime" (ISO 8601, UTC;
- * "" if there is none yet). The error text of a failed call is the environment's.
+ * Attributes of a batch, as of the last KVXupdatebatch. The error text of a failed call is the
+ * environment's.
+ *
+ *   attribute          type    of     meaning
+ *   BatchID            string  batch  ID of the request
+ *   BatchStatus        int     batch  how far it is: KVX_BATCH_SUBMITTED and so on
+ *   BatchErrorCode     int     batch  why it failed: a status, or 0
+ *   BatchErrorMessage  string  batch  the error text of the failure, or ""
+ *   SubmitTime         string  batch  when it was submitted, in UTC, as ISO 8601
+ *   EndTime            string  batch  when it ended; "" if it hasn't yet
  */
 
 /** Submits a copy of the model. @param id receives the request's ID in at most KVX_TEXT_SIZE bytes,

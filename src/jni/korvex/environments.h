@@ -83,30 +83,30 @@ const char *KVXgeterrormsg(KVXenv *env);
  * Names are matched without regard to case. A model works with a copy of its environment's
  * parameters, made when the model was made: use KVXgetenv to change the model's own.
  *
- *   name            type    default  range          meaning
- *   TimeLimit       double  1e100    0..1e100       seconds for one run
- *   MIPGap          double  1e-4     0..1e100       relative gap that counts as optimal
- *   MIPGapAbs       double  1e-10    0..1e100       absolute gap that counts as optimal
- *   NodeLimit       double  1e100    0..1e100       branch-and-bound nodes for one run
- *   IterationLimit  double  1e100    0..1e100       simplex iterations for one run
- *   SolutionLimit   int     2^31-1   1..2^31-1      stop after that many solutions
- *   FeasibilityTol  double  1e-6     1e-9..1e-2     primal feasibility tolerance
- *   OptimalityTol   double  1e-6     1e-9..1e-2     dual feasibility tolerance
- *   IntegralityTol  double  1e-6     1e-9..1e-1     distance from an integer that counts as one
- *   Method          int     -1       -1..2          -1 choose, 0 primal, 1 dual, 2 barrier
- *   Presolve        int     1        0..1           0 off, 1 on
- *   Cuts            int     1        0..1           the solver's own cuts: 0 off, 1 on
- *   Heuristics      int     1        0..1           heuristics: 0 off, 1 on
- *   Threads         int     0        0..1024        branch-and-bound threads, 0 choose; the
- *                                                   development solver always uses one
- *   Seed            int     0        0..2^31-1      random seed
- *   LazyConstraints int     0        0..1           1 when a callback adds lazy constraints
- *   LogToConsole    int     1        0..1           write the log to standard output
- *   LogFile         string  ""                      append the log to this file; "" for none
- *   LogInterval     double  5        0.1..1e100     seconds between progress lines
- *   ResultFile      string  ""                      write the result of each run to this file
- *   TuneTimeLimit   double  60       0..1e100       seconds for KVXtunemodel
- *   TuneCriterion   int     0        0..0           0 shortest time, then smallest gap
+ *   parameter        type    default  range          meaning
+ *   TimeLimit        double  1e100    0..1e100       seconds for one run
+ *   MIPGap           double  1e-4     0..1e100       relative gap that counts as optimal
+ *   MIPGapAbs        double  1e-10    0..1e100       absolute gap that counts as optimal
+ *   NodeLimit        double  1e100    0..1e100       branch-and-bound nodes for one run
+ *   IterationLimit   double  1e100    0..1e100       simplex iterations for one run
+ *   SolutionLimit    int     2^31-1   1..2^31-1      stop after that many solutions
+ *   FeasibilityTol   double  1e-6     1e-9..1e-2     primal feasibility tolerance
+ *   OptimalityTol    double  1e-6     1e-9..1e-2     dual feasibility tolerance
+ *   IntegralityTol   double  1e-6     1e-9..1e-1     distance from an integer that counts as one
+ *   Method           int     -1       -1..2          -1 choose, 0 primal, 1 dual, 2 barrier
+ *   Presolve         int     1        0..1           0 off, 1 on
+ *   Cuts             int     1        0..1           the solver's own cuts: 0 off, 1 on
+ *   Heuristics       int     1        0..1           heuristics: 0 off, 1 on
+ *   Threads          int     0        0..1024        branch-and-bound threads, 0 choose; the
+ *                                                    development solver always uses one
+ *   Seed             int     0        0..2^31-1      random seed
+ *   LazyConstraints  int     0        0..1           1 when a callback adds lazy constraints
+ *   LogToConsole     int     1        0..1           write the log to standard output
+ *   LogFile          string  ""       any text       append the log to this file; "" for none
+ *   LogInterval      double  5        0.1..1e100     seconds between progress lines
+ *   ResultFile       string  ""       any text       write the result of each run to this file
+ *   TuneTimeLimit    double  60       0..1e100       seconds for KVXtunemodel
+ *   TuneCriterion    int     0        0..0           0 shortest time, then smallest gap
  */
 
 int KVXgetintparam(KVXenv *env, const char *name, int *value);

@@ -37,9 +37,10 @@ typedef int (*KVXcallback)(KVXmodel *model, void *cbdata, int where, void *userd
  */
 typedef int (*KVXlogcallback)(const char *line, void *userdata);
 
-#define KVX_VERSION_MAJOR 13
-#define KVX_VERSION_MINOR 0
-#define KVX_VERSION_TECHNICAL 3
+/* Version that this interface belongs to. */
+#define KVX_VERSION_MAJOR 13    /**< first number */
+#define KVX_VERSION_MINOR 0     /**< second number */
+#define KVX_VERSION_TECHNICAL 3 /**< third number */
 
 /** The value that KVXloadenvadv requires as its eleventh argument. */
 #define KVX_LOADENV_KEY 0x4B565831
@@ -53,70 +54,70 @@ typedef int (*KVXlogcallback)(const char *line, void *userdata);
 /** Room for any text of KVXgetstrparaminfo and for a batch ID, terminator included, in bytes. */
 #define KVX_TEXT_SIZE 512
 
-/* Statuses. 10001, 10002, 10003 and 10011 are shared with the bridge. */
-#define KVX_OK 0
-#define KVX_ERROR_OUT_OF_MEMORY 10001
-#define KVX_ERROR_NULL_ARGUMENT 10002
-#define KVX_ERROR_WRONG_INFO_TYPE 10003
-#define KVX_ERROR_INVALID_ARGUMENT 10004
-#define KVX_ERROR_UNKNOWN_ATTRIBUTE 10005
-#define KVX_ERROR_UNKNOWN_PARAMETER 10006
-#define KVX_ERROR_VALUE_OUT_OF_RANGE 10007
-#define KVX_ERROR_DATA_NOT_AVAILABLE 10008
-#define KVX_ERROR_INDEX_OUT_OF_RANGE 10009
-#define KVX_ERROR_READ_ONLY 10010
-#define KVX_ERROR_CALLBACK 10011
-#define KVX_ERROR_FILE_READ 10012
-#define KVX_ERROR_FILE_WRITE 10013
-#define KVX_ERROR_NUMERIC 10014
-/** The library can't do this; the error text says what and, where it helps, why. */
-#define KVX_ERROR_NOT_SUPPORTED 10015
-#define KVX_ERROR_VERSION 10016
-/** A run is going on (KVXsync: it is still inside a callback on the calling thread). */
-#define KVX_ERROR_IN_PROGRESS 10017
-#define KVX_ERROR_NOT_STARTED 10018
-#define KVX_ERROR_NOT_FOUND 10019
-#define KVX_ERROR_INTERNAL 10020
+/* Status. 10001, 10002, 10003 and 10011 are shared with the bridge. */
+#define KVX_OK 0                           /**< success */
+#define KVX_ERROR_OUT_OF_MEMORY 10001      /**< no memory left, or a text could not be fetched */
+#define KVX_ERROR_NULL_ARGUMENT 10002      /**< a required text is null */
+#define KVX_ERROR_WRONG_INFO_TYPE 10003    /**< the callback datum is of another type */
+#define KVX_ERROR_INVALID_ARGUMENT 10004   /**< an argument makes no sense */
+#define KVX_ERROR_UNKNOWN_ATTRIBUTE 10005  /**< no such attribute of that type */
+#define KVX_ERROR_UNKNOWN_PARAMETER 10006  /**< no such parameter of that type */
+#define KVX_ERROR_VALUE_OUT_OF_RANGE 10007 /**< a value outside its range */
+#define KVX_ERROR_DATA_NOT_AVAILABLE 10008 /**< the datum isn't there, for lack of a solution */
+#define KVX_ERROR_INDEX_OUT_OF_RANGE 10009 /**< an index outside its range */
+#define KVX_ERROR_READ_ONLY 10010          /**< the attribute can't be set */
+#define KVX_ERROR_CALLBACK 10011           /**< a callback can't be bound or reached */
+#define KVX_ERROR_FILE_READ 10012          /**< a file can't be read */
+#define KVX_ERROR_FILE_WRITE 10013         /**< a file can't be written */
+#define KVX_ERROR_NUMERIC 10014            /**< numeric trouble */
+#define KVX_ERROR_NOT_SUPPORTED 10015      /**< the library can't do this; the text says what */
+#define KVX_ERROR_VERSION 10016            /**< the library is of another major version */
+#define KVX_ERROR_IN_PROGRESS 10017 /**< a run is going on, or the call is inside its callback */
+#define KVX_ERROR_NOT_STARTED 10018 /**< the environment wasn't started */
+#define KVX_ERROR_NOT_FOUND 10019   /**< nothing of that name */
+#define KVX_ERROR_INTERNAL 10020    /**< a fault of the library itself */
 
-/* Values of the attribute "Status". */
-#define KVX_STATUS_LOADED 1
-#define KVX_STATUS_OPTIMAL 2
-#define KVX_STATUS_INFEASIBLE 3
-#define KVX_STATUS_UNBOUNDED 4
-#define KVX_STATUS_INFEASIBLE_OR_UNBOUNDED 5
-#define KVX_STATUS_TIME_LIMIT 6
-#define KVX_STATUS_NODE_LIMIT 7
-#define KVX_STATUS_ITERATION_LIMIT 8
-#define KVX_STATUS_SOLUTION_LIMIT 9
-#define KVX_STATUS_INTERRUPTED 10
-#define KVX_STATUS_NUMERIC 11
-#define KVX_STATUS_IN_PROGRESS 12
+/* Value of the attribute "Status". */
+#define KVX_STATUS_LOADED 1                  /**< not solved yet */
+#define KVX_STATUS_OPTIMAL 2                 /**< solved to optimality */
+#define KVX_STATUS_INFEASIBLE 3              /**< there is no solution */
+#define KVX_STATUS_UNBOUNDED 4               /**< the objective has no limit */
+#define KVX_STATUS_INFEASIBLE_OR_UNBOUNDED 5 /**< infeasible or unbounded */
+#define KVX_STATUS_TIME_LIMIT 6              /**< ended by the time limit */
+#define KVX_STATUS_NODE_LIMIT 7              /**< ended by the node limit */
+#define KVX_STATUS_ITERATION_LIMIT 8         /**< ended by the iteration limit */
+#define KVX_STATUS_SOLUTION_LIMIT 9          /**< ended by the solution limit */
+#define KVX_STATUS_INTERRUPTED 10            /**< ended by KVXterminate */
+#define KVX_STATUS_NUMERIC 11                /**< ended by numeric trouble */
+#define KVX_STATUS_IN_PROGRESS 12            /**< a run is going on */
 
-/* Objective senses, constraint senses, variable types, SOS types, basis statuses. */
+/* Objective sense. */
 #define KVX_MINIMIZE 1
 #define KVX_MAXIMIZE (-1)
+
+/* Constraint sense. */
 #define KVX_LESS_EQUAL '<'
 #define KVX_GREATER_EQUAL '>'
 #define KVX_EQUAL '='
-#define KVX_CONTINUOUS 'C'
-#define KVX_BINARY 'B'
-#define KVX_INTEGER 'I'
-/** 0, or between the lower and the upper bound. */
-#define KVX_SEMICONT 'S'
-/** 0, or an integer between the lower and the upper bound. */
-#define KVX_SEMIINT 'N'
-#define KVX_SOS_TYPE1 1
-#define KVX_SOS_TYPE2 2
-#define KVX_BASIC 0
-#define KVX_NONBASIC_LOWER (-1)
-#define KVX_NONBASIC_UPPER (-2)
-#define KVX_SUPERBASIC (-3)
 
-/*
- * Callback codes. A where code says why the callback was called; a what code, a datum to ask for
- * with KVXcbget. A what code belongs to the where code that is its thousands; those below 1000 can
- * be asked for anywhere.
- */
+/* Type of a variable. */
+#define KVX_CONTINUOUS 'C' /**< any number between the bounds */
+#define KVX_BINARY 'B'     /**< 0 or 1 */
+#define KVX_INTEGER 'I'    /**< an integer between the bounds */
+#define KVX_SEMICONT 'S'   /**< 0, or between the bounds */
+#define KVX_SEMIINT 'N'    /**< 0, or an integer between the bounds */
+
+/* Type of a special ordered set. */
+#define KVX_SOS_TYPE1 1 /**< at most one member differs from 0 */
+#define KVX_SOS_TYPE2 2 /**< at most two members, neighbours, differ from 0 */
+
+/* Status of a variable in a simplex basis. */
+#define KVX_BASIC 0
+#define KVX_NONBASIC_LOWER (-1) /**< at the lower bound */
+#define KVX_NONBASIC_UPPER (-2) /**< at the upper bound */
+#define KVX_SUPERBASIC (-3)     /**< nonbasic between the bounds */
+
+/* Where code. It says why a callback is called. */
 #define KVX_CB_POLLING 0  /**< now and then, when nothing else was reported for a while */
 #define KVX_CB_PRESOLVE 1 /**< during presolve */
 #define KVX_CB_SIMPLEX 2  /**< during simplex or barrier iterations */
@@ -128,6 +129,8 @@ typedef int (*KVXlogcallback)(const char *line, void *userdata);
 #define KVX_CB_MULTIOBJ 8 /**< one of several objectives was solved */
 #define KVX_CB_TUNE 9     /**< during KVXtunemodel, before each trial */
 
+/* What code. It names a datum to ask for with KVXcbget, and belongs to the where code that is its
+ * thousands; those below 1000 can be asked for anywhere. */
 #define KVX_CB_RUNTIME 1           /**< double: seconds since the run began */
 #define KVX_CB_PRE_COLDEL 1001     /**< int: columns removed so far */
 #define KVX_CB_PRE_ROWDEL 1002     /**< int: rows removed so far */
@@ -162,13 +165,13 @@ typedef int (*KVXlogcallback)(const char *line, void *userdata);
 #define KVX_CB_TUNE_TRIAL 9001       /**< int: number of the trial that begins, from 0 */
 #define KVX_CB_TUNE_TRIALS 9002      /**< int: number of trials in all */
 
-/* Type codes of KVXgetcbwhatinfo, KVXgetattrinfo. */
+/* Type of an attribute or callback datum. */
 #define KVX_TYPE_INT 1
 #define KVX_TYPE_DOUBLE 2
 #define KVX_TYPE_STRING 3
 #define KVX_TYPE_CHAR 4
 
-/* Element codes of KVXgetattrinfo. */
+/* What an attribute belongs to. */
 #define KVX_OF_MODEL 0
 #define KVX_OF_VARIABLE 1
 #define KVX_OF_CONSTRAINT 2
@@ -176,12 +179,12 @@ typedef int (*KVXlogcallback)(const char *line, void *userdata);
 #define KVX_OF_QCONSTRAINT 4
 #define KVX_OF_GENCONSTRAINT 5
 
-/* Values of the batch attribute "BatchStatus". */
-#define KVX_BATCH_SUBMITTED 1
-#define KVX_BATCH_RUNNING 2
-#define KVX_BATCH_COMPLETED 3
-#define KVX_BATCH_FAILED 4
-#define KVX_BATCH_ABORTED 5
-#define KVX_BATCH_DISCARDED 6
+/* Value of the batch attribute "BatchStatus". */
+#define KVX_BATCH_SUBMITTED 1 /**< waits to be run */
+#define KVX_BATCH_RUNNING 2   /**< is being run */
+#define KVX_BATCH_COMPLETED 3 /**< ended, with a result */
+#define KVX_BATCH_FAILED 4    /**< ended, without a result */
+#define KVX_BATCH_ABORTED 5   /**< was aborted */
+#define KVX_BATCH_DISCARDED 6 /**< was removed */
 
 #endif

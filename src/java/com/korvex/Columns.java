@@ -21,6 +21,12 @@ public record Columns(double[] obj, SparseMatrix coefficients, double[] lb, doub
     /**
      * Checks the shape.
      *
+     * @param obj objective coefficients
+     * @param coefficients a list a variable
+     * @param lb lower bounds
+     * @param ub upper bounds
+     * @param types {@link KVX#CONTINUOUS} and so on
+     * @param names names
      * @throws IllegalArgumentException if an array isn't as long as {@code obj}
      */
     public Columns {

@@ -29,6 +29,10 @@ public sealed interface GeneralConstraint {
         /**
          * Checks kind and operands.
          *
+         * @param kind the kind
+         * @param result the result's variable
+         * @param operands the operands' variables
+         * @param number the constant operand, or which norm
          * @throws IllegalArgumentException if it is no such kind
          */
         public Aggregate {
@@ -52,6 +56,10 @@ public sealed interface GeneralConstraint {
         /**
          * Checks the kind.
          *
+         * @param kind the kind
+         * @param x the argument's variable
+         * @param y the result's variable
+         * @param number base or exponent
          * @throws IllegalArgumentException if it is no such kind
          */
         public Function {
@@ -69,7 +77,13 @@ public sealed interface GeneralConstraint {
      * @param points the breakpoints
      */
     record PiecewiseLinear(int x, int y, Points points) implements GeneralConstraint {
-        /** Checks that there are points. */
+        /**
+         * Checks that there are points.
+         *
+         * @param x the argument's variable
+         * @param y the result's variable
+         * @param points the breakpoints
+         */
         public PiecewiseLinear { Objects.requireNonNull(points, "points"); }
 
         @Override
@@ -86,7 +100,13 @@ public sealed interface GeneralConstraint {
      * @param coefficients the coefficients, that of the highest power first
      */
     record Polynomial(int x, int y, double... coefficients) implements GeneralConstraint {
-        /** Checks that there are coefficients. */
+        /**
+         * Checks that there are coefficients.
+         *
+         * @param x the argument's variable
+         * @param y the result's variable
+         * @param coefficients the coefficients
+         */
         public Polynomial { Objects.requireNonNull(coefficients, "coefficients"); }
 
         @Override
@@ -106,7 +126,15 @@ public sealed interface GeneralConstraint {
      */
     record Indicator(int variable, int value, SparseVector terms, char sense, double rhs)
         implements GeneralConstraint {
-        /** Checks that there are terms. */
+        /**
+         * Checks that there are terms.
+         *
+         * @param variable a binary variable
+         * @param value 0 or 1
+         * @param terms variable indices and coefficients
+         * @param sense the sense
+         * @param rhs right-hand side
+         */
         public Indicator { Objects.requireNonNull(terms, "terms"); }
 
         @Override
@@ -129,6 +157,10 @@ public sealed interface GeneralConstraint {
         /**
          * Checks the shape.
          *
+         * @param result the result's variable
+         * @param operations {@link KVX#NL_CONSTANT} and so on
+         * @param data a number or a variable's index a node
+         * @param parents the number of its parent a node
          * @throws IllegalArgumentException if the lengths differ
          */
         public Tree {

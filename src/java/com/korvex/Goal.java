@@ -16,7 +16,17 @@ import java.util.Objects;
  */
 public record Goal(SparseVector linear, double constant, int priority, double weight, double abstol,
                    double reltol, String name) {
-    /** Checks that the terms are there and the name is a C text. */
+    /**
+     * Checks that the terms are there and the name is a C text.
+     *
+     * @param linear variable indices and coefficients
+     * @param constant its constant
+     * @param priority its priority
+     * @param weight its factor in the blend
+     * @param abstol how much later goals may worsen it
+     * @param reltol the same, relative to its value
+     * @param name its name
+     */
     public Goal {
         Objects.requireNonNull(linear, "linear");
         Check.text("name", name);

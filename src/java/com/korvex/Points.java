@@ -13,6 +13,8 @@ public record Points(double[] x, double... y) {
     /**
      * Checks the shape.
      *
+     * @param x the abscissae
+     * @param y the ordinates
      * @throws IllegalArgumentException if the lengths differ
      */
     public Points {

@@ -9,7 +9,12 @@ import java.util.Objects;
  * @param quadratic indices of two variables a term, and its coefficient
  */
 public record QuadraticExpression(SparseVector linear, Triplets quadratic) {
-    /** Checks that both parts are there; either may be empty. */
+    /**
+     * Checks that both parts are there; either may be empty.
+     *
+     * @param linear indices of variables and their coefficients
+     * @param quadratic indices of two variables a term
+     */
     public QuadraticExpression {
         Objects.requireNonNull(linear, "linear");
         Objects.requireNonNull(quadratic, "quadratic");

@@ -18,6 +18,11 @@ public record Rows(SparseMatrix coefficients, char[] senses, double[] lower, dou
     /**
      * Checks the shape.
      *
+     * @param coefficients a list a constraint
+     * @param senses {@link KVX#LESS_EQUAL} and so on
+     * @param lower lower bounds
+     * @param rhs right-hand sides
+     * @param names names
      * @throws IllegalArgumentException if an array isn't as long as {@code rhs}, or there are both
      *     senses and lower bounds, or neither
      */

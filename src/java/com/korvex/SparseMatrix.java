@@ -21,6 +21,9 @@ public record SparseMatrix(int[] beg, int[] ind, double[] val) {
     /**
      * Checks the shape.
      *
+     * @param beg the position of each list's first entry
+     * @param ind the indices
+     * @param val their values
      * @throws IllegalArgumentException if {@code ind} and {@code val} differ in length, or the
      *     begins don't fit them
      */

@@ -19,6 +19,8 @@ public record SparseVector(int[] ind, double... val) {
     /**
      * Checks the shape.
      *
+     * @param ind the indices
+     * @param val their values
      * @throws IllegalArgumentException if the lengths differ
      */
     public SparseVector {

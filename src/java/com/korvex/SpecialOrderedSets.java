@@ -16,6 +16,8 @@ public final class SpecialOrderedSets extends ModelElements {
         /**
          * Checks the shape.
          *
+         * @param types {@link KVX#SOS_TYPE1} or {@link KVX#SOS_TYPE2} a set
+         * @param members a list a set
          * @throws IllegalArgumentException if there isn't a type a set
          */
         public Sets {

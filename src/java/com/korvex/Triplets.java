@@ -21,6 +21,9 @@ public record Triplets(int[] row, int[] col, double... val) {
     /**
      * Checks the shape.
      *
+     * @param row the first indices
+     * @param col the second indices
+     * @param val the values
      * @throws IllegalArgumentException if the lengths differ
      */
     public Triplets {
