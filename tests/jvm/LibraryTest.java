@@ -32,7 +32,6 @@ class LibraryTest {
                                    .map(line -> line.replaceFirst(".* ", ""))
                                    .collect(Collectors.toCollection(TreeSet::new));
         assertEquals(declared, exported);
-        assertEquals(155, exported.size());
     }
 
     @Test

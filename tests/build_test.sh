@@ -1,0 +1,46 @@
+#!/usr/bin/env bash
+# build_test.sh SOURCE SOLVER: builds a copy of the bridge, in a directory with a difficult name and
+# without the packages of the development solver and the tests, and changes its Java sources.
+set -euo pipefail
+source=$1 solver=$2
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+checkout="$scratch/a difficult (1) name"
+mkdir "$checkout"
+cp -r "$source"/{CMakeLists.txt,CMakePresets.json,run,.clang-format,src,examples,tests,bench} "$checkout"
+cd "$checkout"
+
+# expect PATTERN WHAT: the last build's output has it.
+expect() {
+    grep -qE "$1" build.log || { cat build.log; echo "FAILED: $2"; exit 1; }
+}
+build() {
+    cmake --build --preset debug --target korvexjni korvex_jar examples >build.log 2>&1
+}
+edit() {
+    sed -i "$1" src/java/com/korvex/KorvexJni.java
+}
+
+hidden=()
+for package in PkgConfig nlohmann_json ZLIB BZip2 GTest; do
+    hidden+=("-DCMAKE_DISABLE_FIND_PACKAGE_$package=ON")
+done
+cmake --preset debug "${hidden[@]}" -DCMAKE_CXX_FLAGS_DEBUG= -DKORVEX_SOLVER_LIBRARY="$solver" >build.log 2>&1 && build ||
+    { cat build.log; echo "FAILED: the commercial library needs no other packages"; exit 1; }
+
+edit '1a // A comment.'
+build || expect '^$' "a comment builds"
+expect 'Building korvex.jar' "a comment makes a new jar"
+! grep 'Building C' build.log || { echo "FAILED: a comment compiles nothing"; exit 1; }
+
+edit 's/int getcoeff(long model, int /int getcoeff(long model, long /'
+! build || { echo "FAILED: a changed signature fails the first build"; exit 1; }
+expect 'conflicting declaration|conflicting types' "the compiler says what differs"
+
+./run format --check || [ $? = 77 ]
+
+mkdir -p build/default
+cp build/debug/CMakeCache.txt build/default
+mv "$checkout" "$scratch/moved"
+! "$scratch/moved/run" solve 2>"$scratch/message"
+grep -F "remove it, and run this again" "$scratch/message"
