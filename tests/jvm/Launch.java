@@ -8,6 +8,8 @@ import java.util.concurrent.TimeUnit;
 /** A program that ran: its exit status and what it wrote. */
 record Launch(int status, List<String> out, String err) {
     static final Path LIB = Path.of(System.getProperty("java.library.path"));
+    private static final String JAVA =
+        Path.of(System.getProperty("java.home"), "bin", "java").toString();
 
     /** What a test does to the program while it runs. */
     interface Meddling {
@@ -19,10 +21,16 @@ record Launch(int status, List<String> out, String err) {
     }
 
     static Launch of(List<String> command, Meddling meddling) throws Exception {
+        return in(Path.of("."), command, meddling);
+    }
+
+    private static Launch in(Path directory, List<String> command, Meddling meddling)
+        throws Exception {
         Path out = Files.createTempFile("launch", ".out");
         Path err = Files.createTempFile("launch", ".err");
         try {
             Process process = new ProcessBuilder(command)
+                                  .directory(directory.toFile())
                                   .redirectOutput(out.toFile())
                                   .redirectError(err.toFile())
                                   .start();
@@ -31,7 +39,8 @@ record Launch(int status, List<String> out, String err) {
                 process.destroyForcibly();
                 throw new AssertionError(command + " doesn't end");
             }
-            return new Launch(process.exitValue(), Files.readAllLines(out, StandardCharsets.UTF_8),
+            String text = new String(Files.readAllBytes(out), StandardCharsets.UTF_8);
+            return new Launch(process.exitValue(), text.lines().toList(),
                               Files.readString(err, StandardCharsets.UTF_8));
         } finally {
             Files.delete(out);
@@ -44,10 +53,21 @@ record Launch(int status, List<String> out, String err) {
         return of(javaCommand(LIB, main, args), (process, out) -> {});
     }
 
+    /** Runs a test program; fails if the virtual machine complains about calls through JNI. */
+    static Launch fresh(Path directory, List<String> options, String main, Object... args)
+        throws Exception {
+        List<String> command = new ArrayList<>(List.of(System.getProperty("korvex.checked"), JAVA));
+        command.addAll(options);
+        command.addAll(List.of("-Djava.library.path=" + LIB, "-cp",
+                               System.getProperty("korvex.classes"), main));
+        for (Object arg : args)
+            command.add(arg.toString());
+        return in(directory, command, (process, out) -> {});
+    }
+
     static List<String> javaCommand(Path library, String main, String... args) {
         List<String> command = new ArrayList<>(
-            List.of(Path.of(System.getProperty("java.home"), "bin", "java").toString(),
-                    "-Djava.library.path=" + library,
+            List.of(JAVA, "-Djava.library.path=" + library,
                     "-Dkorvex.examples=" + System.getProperty("korvex.examples"), "-cp",
                     LIB.resolve("solve.jar") + ":" + LIB.resolve("tour.jar"), main));
         command.addAll(List.of(args));

@@ -139,9 +139,11 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      */
     public static KVXModel adopt(KVXEnv env, long model) {
         if (model == 0)
-            throw new KVXException(KVX.ERROR_INVALID_ARGUMENT,
-                                   "the handle is 0; the environment's last error: " +
-                                       env.errorText());
+            env.handle.call(environment -> {
+                throw new KVXException(KVX.ERROR_INVALID_ARGUMENT,
+                                       "the handle is 0; the environment's last error: " +
+                                           KorvexJni.geterrormsg(environment));
+            });
         return new KVXModel(env, environment -> model, KVX.ERROR_INVALID_ARGUMENT);
     }
 

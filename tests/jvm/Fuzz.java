@@ -1,0 +1,377 @@
+package com.korvex;
+
+import java.io.IOException;
+import java.lang.reflect.*;
+import java.nio.*;
+import java.nio.channels.FileChannel;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.*;
+import java.util.*;
+import java.util.concurrent.*;
+import java.util.concurrent.atomic.AtomicLong;
+import java.util.function.Supplier;
+import java.util.jar.JarFile;
+import java.util.stream.*;
+
+/**
+ * Calls everything public but {@link KorvexJni} with {@link Hostile} arguments: on one thread, and
+ * on four with the same objects; also from inside callbacks and consumers. A call may return or
+ * throw what its documentation lists; a crash, a hang, any other throwable or a handle that is left
+ * over is a finding. Episodes have seeds of their own: {@code ./run fuzz 1 SEED} repeats one.
+ */
+final class Fuzz {
+    private static final int CALLS = 400, THREADS = 4, HANG_SECONDS = 60, NOTE = 4000;
+
+    private static final List<Class<?>> CLASSES = publicClasses();
+    private static final Map<Class<?>, List<Executable>> METHODS = new HashMap<>();
+    private static final Map<Class<?>, List<Executable>> MAKERS = new ConcurrentHashMap<>();
+    private static final AtomicLong calls = new AtomicLong();
+    private static MappedByteBuffer notes;
+
+    private Fuzz() {}
+
+    private static List<Class<?>> publicClasses() {
+        try (JarFile jar = new JarFile(
+                 KVX.class.getProtectionDomain().getCodeSource().getLocation().getPath())) {
+            List<Class<?>> classes = new ArrayList<>();
+            for (String name : jar.stream().map(Object::toString).sorted().toList())
+                if (name.startsWith("com/korvex/") && name.endsWith(".class"))
+                    classes.add(
+                        Class.forName(name.substring(0, name.length() - 6).replace('/', '.'), false,
+                                      Fuzz.class.getClassLoader()));
+            classes.removeIf(c -> !Modifier.isPublic(c.getModifiers()) || c == KorvexJni.class);
+            return classes;
+        } catch (IOException | ReflectiveOperationException e) {
+            throw new AssertionError(e);
+        }
+    }
+
+    /** What the compiler made of a record or an enumeration says nothing about us. */
+    private static boolean ours(Method m) {
+        Class<?> c = m.getDeclaringClass();
+        return c != Object.class && c != Throwable.class && c != Enum.class && !m.isBridge() &&
+            !(c.isRecord() && Set.of("equals", "hashCode", "toString").contains(m.getName())) &&
+            !(c.isEnum() && m.getName().startsWith("value"));
+    }
+
+    static {
+        for (Class<?> c : CLASSES) {
+            List<Executable> all = new ArrayList<>();
+            Stream.of(c.getMethods()).filter(Fuzz::ours).forEach(all::add);
+            if (!Modifier.isAbstract(c.getModifiers()))
+                all.addAll(List.of(c.getConstructors()));
+            all.removeIf(e -> e.getDeclaringClass() == KVXCallback.class);
+            all.sort(Comparator.comparing(Executable::toString));
+            if (!all.isEmpty())
+                METHODS.put(c, all);
+        }
+        CLASSES.removeIf(c -> !METHODS.containsKey(c));
+        for (int i = 0; i < 6; i++)
+            CLASSES.add(KVXModel.class);
+    }
+
+    /** Constructors and static makers of a record, or of an interface that records implement. */
+    static List<Executable> makers(Class<?> type) {
+        return MAKERS.computeIfAbsent(
+            type,
+            t
+            -> CLASSES.stream()
+                   .distinct()
+                   .filter(t::isAssignableFrom)
+                   .filter(c -> c.isRecord() || c == GeneralConstraint.class)
+                   .flatMap(c -> METHODS.get(c).stream())
+                   .filter(e
+                           -> e instanceof Constructor<?> ||
+                                  Modifier.isStatic(e.getModifiers()) &&
+                                      t.isAssignableFrom(((Method)e).getReturnType()))
+                   .toList());
+    }
+
+    private static String text(Object o) {
+        if (o == null || o instanceof Number || o instanceof Boolean)
+            return "" + o;
+        if (o instanceof Character c)
+            return "(char)" + (int)c;
+        if (o instanceof String s)
+            return s.length() > 40 ? "<" + s.length() + " characters>" : '"' + s + '"';
+        if (o.getClass().isArray()) {
+            int n = Array.getLength(o);
+            return n + IntStream.range(0, Math.min(n, 12))
+                           .mapToObj(i -> text(Array.get(o, i)))
+                           .collect(Collectors.joining(", ", "{", "}"));
+        }
+        if (o instanceof Record)
+            return o.getClass().getSimpleName() +
+                Stream.of(o.getClass().getRecordComponents())
+                    .map(c -> {
+                        try {
+                            return text(c.getAccessor().invoke(o));
+                        } catch (ReflectiveOperationException e) {
+                            throw new AssertionError(e);
+                        }
+                    })
+                    .collect(Collectors.joining(", ", "(", ")"));
+        return o.getClass().getSimpleName();
+    }
+
+    static String describe(Executable method, Object target, Object[] args) {
+        return method.getDeclaringClass().getSimpleName() + "." + method.getName() +
+            Stream.of(args).map(Fuzz::text).collect(Collectors.joining(", ", "(", ")"));
+    }
+
+    /** The objects that an episode's calls share. */
+    static final class World {
+        private final long seed;
+        private final Map<Class<?>, Object[]> known = new ConcurrentHashMap<>();
+        private final Set<AutoCloseable> open = ConcurrentHashMap.newKeySet();
+        private final Map<Thread, Long> begun = new ConcurrentHashMap<>();
+        volatile boolean overflowed;
+
+        World(long seed) { this.seed = seed; }
+
+        /** An object of that class, or null if none is known. */
+        <T> T any(Class<T> type, Random random) {
+            int slot = random.nextInt(6);
+            Object[] slots = known.get(type);
+            for (int i = 0; slots != null && i < 6; i++)
+                if (slots[(slot + i) % 6] != null)
+                    return type.cast(slots[(slot + i) % 6]);
+            return null;
+        }
+
+        /** Keeps an object in place of another; what can be closed is closed some day. */
+        void remember(Object object, Random random) {
+            int slot = random.nextInt(6);
+            if (object instanceof AutoCloseable resource)
+                open.add(resource);
+            Object[] slots = known.computeIfAbsent(object.getClass(), c -> new Object[6]);
+            if (slots[slot] instanceof AutoCloseable former && former != object)
+                close(former);
+            slots[slot] = object;
+        }
+
+        private void close(AutoCloseable resource) {
+            try {
+                resource.close();
+                open.remove(resource);
+            } catch (IllegalStateException e) {
+                // Inside callbacks and consumers; the end of the episode tries again.
+            } catch (Throwable t) {
+                judge(t, () -> "close");
+                open.remove(resource);
+            }
+        }
+
+        void judge(Throwable t, Supplier<String> call) {
+            if (t instanceof NullPointerException || t instanceof IllegalArgumentException ||
+                t instanceof IndexOutOfBoundsException || t instanceof IllegalStateException ||
+                t instanceof KVXException || t instanceof Hostile.Marker ||
+                t instanceof StackOverflowError && overflowed)
+                return;
+            t.printStackTrace();
+            finding(this, "throws " + t + ": " + call.get());
+        }
+
+        /** Ends runs that go on for longer than a moment, and finds calls that never end. */
+        private void watch() {
+            for (AutoCloseable resource : open)
+                if (resource instanceof KVXModel model && model.isRunning())
+                    model.terminate();
+            for (Map.Entry<Thread, Long> entry : begun.entrySet()) {
+                if (System.nanoTime() - entry.getValue() < HANG_SECONDS * 1_000_000_000L)
+                    continue;
+                Thread.getAllStackTraces().forEach(
+                    (thread, trace)
+                        -> System.err.println(thread + Stream.of(trace)
+                                                           .map(frame -> "\n    at " + frame)
+                                                           .collect(Collectors.joining())));
+                finding(this, "hangs: " + entry.getKey().getName());
+            }
+        }
+
+        private void end() {
+            for (int i = 0; i < 1000 && !open.isEmpty(); i++)
+                open.forEach(this::close);
+            if (Handle.alive() != 0 || !open.isEmpty())
+                finding(this, Handle.alive() + " handles and " + open.size() + " objects are left");
+        }
+    }
+
+    private static synchronized void finding(World world, String what) {
+        System.err.println("FINDING in episode " + world.seed + ": " + what);
+        Runtime.getRuntime().halt(1);
+    }
+
+    /** Makes calls on a world's objects, drawn from a seed. */
+    static final class Caller {
+        private static final ThreadLocal<Integer> DEPTH = ThreadLocal.withInitial(() -> 0);
+
+        private final World world;
+        final Hostile hostile;
+        private final int note;
+        private int meddled;
+
+        Caller(World world, long seed) { this(world, seed, THREADS); }
+
+        private Caller(World world, long seed, int note) {
+            this.world = world;
+            this.note = note;
+            hostile = new Hostile(world, seed);
+        }
+
+        private void run(int count) {
+            Thread thread = Thread.currentThread();
+            for (int i = 0; i < count; i++) {
+                world.begun.put(thread, System.nanoTime());
+                step();
+                Thread.interrupted();
+            }
+            world.begun.remove(thread);
+        }
+
+        private void step() {
+            Random random = hostile.random;
+            if (hostile.once(60))
+                build();
+            if (hostile.once(50))
+                attempt(hostile::corrupt);
+            if (hostile.once(200))
+                Thread.currentThread().interrupt();
+            Class<?> type = CLASSES.get(random.nextInt(CLASSES.size()));
+            call(type, world.any(type, random));
+        }
+
+        private interface Action {
+            void run() throws Throwable;
+        }
+
+        private void attempt(Action action) {
+            try {
+                action.run();
+            } catch (IOException e) {
+                // A file that another thread is writing.
+            } catch (Throwable t) {
+                world.judge(t, () -> "building");
+            }
+        }
+
+        private void build() {
+            attempt(() -> {
+                KVXEnv env = world.any(KVXEnv.class, hostile.random);
+                if (env == null || hostile.once(3))
+                    world.remember(env = Models.quietEnv(), hostile.random);
+                world.remember(hostile.model(env), hostile.random);
+            });
+        }
+
+        private void call(Class<?> type, Object target) {
+            List<Executable> methods = METHODS.get(type);
+            Executable method = methods.get(hostile.random.nextInt(methods.size()));
+            boolean needsTarget =
+                method instanceof Method && !Modifier.isStatic(method.getModifiers());
+            if (needsTarget && target == null)
+                return;
+            Object[] args = hostile.forCall(method);
+            note(method, target, args);
+            calls.incrementAndGet();
+            try {
+                Object result = method instanceof Constructor<?> c
+                                    ? c.newInstance(args)
+                                    : ((Method)method).invoke(target, args);
+                if (result != null && (result.getClass().getPackage() == KVX.class.getPackage() ||
+                                       result instanceof String s && s.length() < 100))
+                    world.remember(result, hostile.random);
+            } catch (InvocationTargetException e) {
+                world.judge(e.getCause(), () -> describe(method, target, args));
+            } catch (ReflectiveOperationException e) {
+                throw new AssertionError(e);
+            }
+        }
+
+        /** Leaves what is about to be called where it can be read after a crash. */
+        private void note(Executable method, Object target, Object[] args) {
+            byte[] text = ("episode " + world.seed + ", call " + calls.get() + ": " +
+                           describe(method, target, args))
+                              .getBytes(StandardCharsets.UTF_8);
+            notes.put(note * NOTE, text, 0, Math.min(text.length, NOTE - 1));
+            notes.put(note * NOTE + Math.min(text.length, NOTE - 1), (byte)0);
+        }
+
+        /** Inside a callback, with its context, or a consumer. */
+        void meddle(KVXCallbackContext context) {
+            int depth = DEPTH.get();
+            if (depth > 2 || ++meddled > 20)
+                return;
+            DEPTH.set(depth + 1);
+            try {
+                for (int i = hostile.random.nextInt(4); i > 0; i--) {
+                    if (context == null || hostile.once(3))
+                        step();
+                    else
+                        call(KVXCallbackContext.class, context);
+                }
+                if (hostile.once(30))
+                    Fuzz.<RuntimeException>escape(new Hostile.Marker());
+                if (hostile.once(200)) {
+                    world.overflowed = true;
+                    meddleForever();
+                }
+            } finally {
+                DEPTH.set(depth);
+            }
+        }
+
+        private int meddleForever() { return meddleForever() + 1; }
+    }
+
+    @SuppressWarnings("unchecked")
+    private static <T extends Throwable> void escape(Throwable t) throws T {
+        throw(T) t;
+    }
+
+    private static void episode(long seed, ScheduledExecutorService clock) throws Exception {
+        World world = new World(seed);
+        Random random = new Random(seed);
+        Future<?> watch = clock.scheduleAtFixedRate(world::watch, 50, 50, TimeUnit.MILLISECONDS);
+        if (random.nextInt(4) > 0) {
+            new Caller(world, random.nextLong(), 0).run(CALLS);
+        } else {
+            List<Thread> threads = new ArrayList<>();
+            for (int i = 0; i < THREADS; i++) {
+                Caller caller = new Caller(world, random.nextLong(), i);
+                threads.add(new Thread(() -> caller.run(CALLS)));
+                threads.get(i).start();
+            }
+            for (Thread thread : threads)
+                thread.join();
+        }
+        world.begun.put(Thread.currentThread(), System.nanoTime());
+        world.end();
+        watch.cancel(false);
+    }
+
+    /** In a virtual machine of its own: arguments are seed, seconds, calls and the notes' file. */
+    public static void main(String[] args) throws Exception {
+        Random seeds = new Random(Long.parseLong(args[0]));
+        long seconds = Long.parseLong(args[1]), least = Long.parseLong(args[2]);
+        try (FileChannel file =
+                 FileChannel.open(Path.of(args[3]), StandardOpenOption.READ,
+                                  StandardOpenOption.WRITE, StandardOpenOption.CREATE)) {
+            notes = file.map(FileChannel.MapMode.READ_WRITE, 0, (THREADS + 1) * NOTE);
+        }
+        ScheduledExecutorService clock = Executors.newSingleThreadScheduledExecutor(task -> {
+            Thread thread = new Thread(task, "watch");
+            thread.setDaemon(true);
+            return thread;
+        });
+        long end = System.nanoTime() + seconds * 1_000_000_000L;
+        long seed = Long.parseLong(args[0]);
+        do {
+            episode(seed, clock);
+            seed = seeds.nextLong();
+        } while (System.nanoTime() < end && calls.get() < least);
+        System.err.println(calls + " calls");
+        System.err.flush();
+        Runtime.getRuntime().halt(0);
+    }
+}

@@ -1,0 +1,62 @@
+package com.korvex;
+
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import java.lang.management.ManagementFactory;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.*;
+import java.util.*;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.io.TempDir;
+
+/** A few seconds of {@link Fuzz} in a virtual machine of its own; {@code ./run fuzz} does more. */
+class FuzzTest {
+    /** Returns how many calls were made. */
+    private static long fuzz(Path directory, boolean checked, long seed, long seconds, long calls)
+        throws Exception {
+        Path notes = directory.resolve("notes"), error = directory.resolve("hs_err");
+        List<String> options = List.of("-Xmx1g", "-XX:-CreateCoredumpOnCrash",
+                                       "-XX:ErrorFile=" + error, checked ? "-Xcheck:jni" : "-ea");
+        Path files = Files.createDirectories(directory.resolve("files"));
+        Launch child = Launch.fresh(files, options, "com.korvex.Fuzz", seed, seconds, calls, notes);
+        String text = String.join("\n", child.out());
+        if (child.status() != 0) {
+            // The end of what it said, what it was about to call, and where it crashed.
+            String noted = new String(Files.readAllBytes(notes), StandardCharsets.UTF_8);
+            String crash = Files.exists(error) ? Files.readString(error) : "";
+            throw new AssertionError("status " + child.status() + "\n" +
+                                     text.substring(Math.max(0, text.length() - 20_000)) +
+                                     noted.replaceAll("\0+[^\0]*", "\n") +
+                                     crash.substring(0, Math.min(5000, crash.length())));
+        }
+        return Long.parseLong(text.replaceFirst("(?s).*?(\\d+) calls$", "$1"));
+    }
+
+    @Test
+    void hostileCallsAreAnswered(@TempDir Path directory) throws Exception {
+        boolean checked =
+            ManagementFactory.getRuntimeMXBean().getInputArguments().contains("-Xcheck:jni");
+        assertTrue(fuzz(directory, checked, 1, 6, Long.MAX_VALUE) > 1000);
+    }
+
+    /** Arguments: a number of calls, or of seconds, as in 60s; and a seed. A third is checked. */
+    public static void main(String[] args) throws Exception {
+        String amount = args.length > 0 ? args[0] : "60s";
+        long seed = args.length > 1 ? Long.parseLong(args[1]) : System.nanoTime();
+        boolean timed = amount.endsWith("s");
+        long least = timed ? Long.MAX_VALUE : Long.parseLong(amount), made = 0;
+        long end =
+            timed ? System.nanoTime() +
+                        Long.parseLong(amount.substring(0, amount.length() - 1)) * 1_000_000_000L
+                  : Long.MAX_VALUE;
+        Random seeds = new Random(seed);
+        for (int part = 0; made < least && System.nanoTime() < end; part++) {
+            Path directory = Files.createTempDirectory("fuzz");
+            long seconds = Math.min(60, (end - System.nanoTime()) / 1_000_000_000L + 1);
+            made += fuzz(directory, part % 3 == 2, seed, seconds, least - made);
+            System.out.println(made + " calls without a finding; the last began with seed " + seed);
+            Launch.of("rm", "-r", directory.toString());
+            seed = seeds.nextLong();
+        }
+    }
+}

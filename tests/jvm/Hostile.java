@@ -1,0 +1,231 @@
+package com.korvex;
+
+import java.io.IOException;
+import java.lang.reflect.*;
+import java.nio.file.*;
+import java.util.*;
+import java.util.concurrent.*;
+import java.util.function.Consumer;
+import java.util.stream.*;
+
+/**
+ * Arguments as a careless or hostile caller may have them, drawn from a seed: half of them right in
+ * kind and size, so that calls get somewhere.
+ */
+final class Hostile {
+    /** What callbacks throw; nothing else throws it. */
+    @SuppressWarnings("serial")
+    static final class Marker extends Throwable {}
+
+    private static final String[] TEXTS = Stream
+                                              .concat(Stream.of(KVXAttribute.class.getFields()),
+                                                      Stream.of(KVXParameter.class.getFields()))
+                                              .map(Hostile::constant)
+                                              .toArray(String[] ::new);
+    private static final String[] NAMES = {
+        "",       "x",        "C0",     "R0",           "a b",
+        "0",      "1e400",    "%s%n",   "\n",           "a\0b",
+        "\ud800", "\udc00x",  "\u4e2d", "\ud83d\ude00", "x".repeat(300),
+        "NaN",    "Infinity", "-1",     "TimeLimit",    "d"};
+    private static final String[] ENDINGS = {".mps", ".lp",  ".sol",     ".mst",  ".bas", ".prm",
+                                             ".hnt", ".rlp", ".mps.bz2", ".json", "",     ".lp.gz"};
+    private static final int[] INTS = {
+        Integer.MAX_VALUE, Integer.MIN_VALUE, 1 << 30, -(1 << 30), 65536,
+        1_000_000,         -1_000_000,        32767};
+    private static final int[] CODES = Stream.of(KVX.class.getFields())
+                                           .filter(f -> f.getType() == int.class)
+                                           .mapToInt(f -> Hostile.<Integer>constant(f))
+                                           .toArray();
+    private static final double[] DOUBLES = {Double.NaN,
+                                             Double.POSITIVE_INFINITY,
+                                             Double.NEGATIVE_INFINITY,
+                                             Double.MAX_VALUE,
+                                             Double.MIN_VALUE,
+                                             -0.0,
+                                             1e100,
+                                             -1e100,
+                                             1e30,
+                                             1e25,
+                                             1e15,
+                                             1e20,
+                                             -1e20,
+                                             1e-9,
+                                             1e-300,
+                                             2147483648.0,
+                                             1e9};
+    private static final String CHARS = "<>=CBISN\0\uffff\ud800\u0142 1";
+
+    private final Fuzz.World world;
+    final Random random;
+    /** Most arrays of a call are as long as this. */
+    private int length;
+
+    Hostile(Fuzz.World world, long seed) {
+        this.world = world;
+        random = new Random(seed);
+    }
+
+    @SuppressWarnings("unchecked")
+    private static <T> T constant(Field field) {
+        try {
+            return (T)field.get(null);
+        } catch (IllegalAccessException e) {
+            throw new AssertionError(e);
+        }
+    }
+
+    boolean once(int in) { return random.nextInt(in) == 0; }
+
+    Object[] forCall(Executable method) {
+        length = once(3) ? random.nextInt(12) : random.nextInt(4);
+        return Stream.of(method.getParameters())
+            .map(p -> make(p.getType(), p.getParameterizedType()))
+            .toArray();
+    }
+
+    private int integer() {
+        return switch (random.nextInt(10)) {
+            case 0 -> INTS[random.nextInt(INTS.length)];
+            case 1, 2 -> CODES[random.nextInt(CODES.length)];
+            default -> random.nextInt(10) - 1;
+        };
+    }
+
+    private double number() {
+        return once(6) ? DOUBLES[random.nextInt(DOUBLES.length)] :
+                random.nextInt(21) - 10;
+            }
+
+            private String text() {
+                return switch (random.nextInt(12)) {
+                case 0 -> once(20) ? "m".repeat(1_000_000):
+                    null;
+            case 1, 2 -> NAMES[random.nextInt(NAMES.length)];
+            case 3, 4 -> "f" + random.nextInt(3) + ENDINGS[random.nextInt(ENDINGS.length)];
+            case 5 -> world.any(String.class, random);
+            default -> TEXTS[random.nextInt(TEXTS.length)];
+        };
+    }
+
+    private Object array(Class<?> type) {
+        if (once(40))
+            return null;
+        int size = once(8) ? random.nextInt(8) :
+                once(300) ? 100_000 : length;
+                Object array = Array.newInstance(type, size);
+                for (int k = 0; k < size; k++)
+                    Array.set(array, k, make(type, type));
+                return array;
+            }
+
+            private Object make(Class<?> type, Type generic) {
+                if (type == int.class)
+                    return integer();
+                if (type == double.class)
+                    return number();
+                if (type == char.class)
+                    return CHARS.charAt(random.nextInt(once(4) ? CHARS.length() : 5));
+                if (type == boolean.class)
+                    return random.nextBoolean();
+                if (type == long.class)
+                    return 0L; // a handle, and no other is one that the caller may invent
+                if (type == String.class)
+                    return text();
+                if (type.isArray())
+                    return array(type.componentType());
+                if (once(25))
+                    return null;
+                if (type == Consumer.class)
+                    return consumer();
+                if (type == KVXCallback.class)
+                    return callback();
+                if (type == List.class) {
+                    Class<?> element =
+                        (Class<?>)((ParameterizedType)generic).getActualTypeArguments()[0];
+                    return IntStream.range(0, length)
+                        .mapToObj(i -> make(element, element))
+                        .collect(Collectors.toCollection(ArrayList::new));
+                }
+                Object known = world.any(type, random);
+                List<Executable> makers = Fuzz.makers(type);
+                if (makers.isEmpty() || known != null && once(2))
+                    return known;
+                return record(makers.get(random.nextInt(makers.size())));
+            }
+
+            /** A record of the shape that its maker accepts, if a few trials find one. */
+            private Object record(Executable maker) {
+                for (int trial = 0; trial < 3; trial++) {
+                    Object[] args = Stream.of(maker.getParameters())
+                                        .map(p -> make(p.getType(), p.getParameterizedType()))
+                                        .toArray();
+                    try {
+                        return maker instanceof Constructor<?> c
+                            ? c.newInstance(args)
+                            : ((Method)maker).invoke(null, args);
+                    } catch (InvocationTargetException e) {
+                        world.judge(e.getCause(), () -> Fuzz.describe(maker, null, args));
+                    } catch (ReflectiveOperationException e) {
+                        throw new AssertionError(e);
+                    }
+                }
+                return null;
+            }
+
+            private KVXCallback callback() {
+                Fuzz.Caller caller = new Fuzz.Caller(world, random.nextLong());
+                return context -> {
+                    world.remember(context, caller.hostile.random);
+                    caller.meddle(context);
+                };
+            }
+
+            private Consumer<String> consumer() {
+                Fuzz.Caller caller = new Fuzz.Caller(world, random.nextLong());
+                return line -> caller.meddle(null);
+            }
+
+            /** A model that the solver can solve, with a bit of everything. */
+            KVXModel model(KVXEnv env) {
+                if (once(8))
+                    return Models.marketSplit(env, 30, 3, random.nextLong());
+                int n = 1 + random.nextInt(6), m = random.nextInt(5);
+                double[] obj = random.ints(n, -5, 6).asDoubleStream().toArray();
+                double[] ub = random.ints(n, 1, 10).asDoubleStream().toArray();
+                char[] types = new char[n];
+                for (int j = 0; j < n; j++)
+                    types[j] = "CCBIISN".charAt(random.nextInt(7));
+                KVXModel model = new KVXModel(env, "valid", Columns.of(obj).upper(ub).types(types));
+                for (int i = 0; i < m; i++)
+                    model.constraints().add(
+                        new SparseVector(new int[] {random.nextInt(n)}, 1 + random.nextInt(3)),
+                        "<>=".charAt(random.nextInt(3)), random.nextInt(8), null);
+                if (once(3))
+                    model.sos().add(KVX.SOS_TYPE1,
+                                    SparseVector.ones(IntStream.range(0, n).toArray()));
+                if (once(3))
+                    model.generalConstraints().add(GeneralConstraint.max(0, new int[] {n - 1}, 1),
+                                                   null);
+                if (once(4))
+                    model.objective().setGoal(0, Goal.of(SparseVector.ones(0)));
+                if (once(3))
+                    model.params().set("LazyConstraints", 1);
+                model.params().set("TimeLimit", 0.2);
+                if (once(2))
+                    model.setCallback(callback());
+                return model;
+            }
+
+            /** Changes some bytes of a file that a call has written. */
+            void corrupt() throws IOException {
+                Path file =
+                    Path.of("f" + random.nextInt(3) + ENDINGS[random.nextInt(ENDINGS.length)]);
+                if (!Files.isRegularFile(file) || Files.size(file) > 100_000 ||
+                    Files.size(file) == 0)
+                    return;
+                byte[] bytes = Files.readAllBytes(file);
+                for (int i = random.nextInt(4); i >= 0; i--)
+                    bytes[random.nextInt(bytes.length)] = (byte)random.nextInt(once(3) ? 256 : 128);
+                Files.write(file, bytes);
+            }
+            }
