@@ -51,6 +51,10 @@ class BuildTest {
         return new SparseVector(ints(i, j), x, y);
     }
 
+    private static SparseMatrix matrix(int[] beg, int[] ind, double... val) {
+        return new SparseMatrix(beg, ind, val);
+    }
+
     @TestFactory
     Stream<DynamicTest> generalConstraints() {
         int[] ops = {0, 1, 2};
@@ -91,7 +95,7 @@ class BuildTest {
                     assertEquals(kind, model.getInt(KVXAttribute.GEN_CONSTR_TYPE, index));
                     assertEquals("name " + kind,
                                  model.getString(KVXAttribute.GEN_CONSTR_NAME, index));
-                    assertEquals(Models.show(kinds[kind]), Models.show(all.get(index)));
+                    assertEquals(kinds[kind], all.get(index));
                     Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> all.get(index + 1));
                 }));
     }
@@ -103,24 +107,25 @@ class BuildTest {
         assertEquals(0, sos.add(new SpecialOrderedSets.Sets(
                             ints(1, 2), SparseMatrix.of(List.of(pair, three)))));
         assertEquals(2, sos.add(KVX.SOS_TYPE1, pair));
-        assertEquals("[[2, 1], [[0, 3], [1, 2, 3, 0, 1], [1.0, 2.0, 3.0, 1.0, 2.0]]]",
-                     Models.show(sos.get(1, 2)));
-        assertEquals("[[], [[], [], []]]", Models.show(sos.get(3, 0)));
+        assertEquals(new SpecialOrderedSets.Sets(ints(2, 1), SparseMatrix.of(List.of(three, pair))),
+                     sos.get(1, 2));
+        assertEquals(0, sos.get(3, 0).members().size());
         sos.delete(1, 0);
-        assertEquals("[[1], [[0], [0, 1], [1.0, 2.0]]]", Models.show(sos.get(0, sos.count())));
+        assertEquals("Sets[types=[1], members=SparseMatrix[beg=[0], ind=[0, 1], val=[1.0, 2.0]]]",
+                     sos.get(0, sos.count()).toString());
         Points points = new Points(doubles(0, 1, 5), 0, 2, 3);
         model.objective().setPiecewiseLinear(3, points);
-        assertEquals(Models.show(points), Models.show(model.objective().piecewiseLinear(3)));
+        assertEquals(points, model.objective().piecewiseLinear(3));
         assertEquals(0, model.objective().piecewiseLinear(2).size());
     }
 
     @Test
     void rowsAndColumns() {
         Constraints rows = model.constraints();
-        assertEquals("[[0, 1], [2, 0, 3], [3.0, 4.0, 5.0]]", Models.show(rows.rows(1, 2)));
-        assertEquals("[[0, 2, 3], [0, 2, 0, 1], [1.0, 4.0, 2.0, 3.0]]",
-                     Models.show(model.variables().columns(0, 3)));
-        assertEquals("[[2], [5.0]]", Models.show(model.variables().column(3)));
+        assertEquals(matrix(ints(0, 1), ints(2, 0, 3), 3, 4, 5), rows.rows(1, 2));
+        assertEquals(matrix(ints(0, 2, 3), ints(0, 2, 0, 1), 1, 4, 2, 3),
+                     model.variables().columns(0, 3));
+        assertEquals(new SparseVector(ints(2), 5), model.variables().column(3));
         assertArrayEquals("<>".toCharArray(), model.getChars(KVXAttribute.SENSE, 0, 2));
         assertArrayEquals(doubles(-KVX.INFINITY, 1, 2), model.getDoubles(KVXAttribute.ROW_LOWER));
         assertArrayEquals(doubles(10, KVX.INFINITY, 8), model.getDoubles(KVXAttribute.ROW_UPPER));
@@ -133,13 +138,12 @@ class BuildTest {
         // A variable with coefficients in rows that there are, one without any, and a row likewise.
         assertEquals(4, model.variables().add(Columns.of(0, 1).coefficients(SparseMatrix.of(
                             List.of(vector(1, 2, 2, 3), new SparseVector(ints()))))));
-        assertEquals("[[0, 2], [1, 2], [2.0, 3.0]]", Models.show(model.variables().columns(4, 2)));
+        assertEquals(matrix(ints(0, 2), ints(1, 2), 2, 3), model.variables().columns(4, 2));
         assertEquals(3, rows.add(Rows.of(null, new char[] {'='}, 0)));
-        assertEquals("[[], []]", Models.show(rows.row(3)));
-        assertEquals("[[1, 3], [3.0, 1.0]]",
-                     Models.show(new SparseVector(ints(3, 1, 2, 1), 1, 2, 0, 1).cleaned()));
-        assertEquals("[[0, 1], [2, 0], [4.0, 1.0]]",
-                     Models.show(new Triplets(ints(1, 0, 0), ints(0, 2, 2), 1, 1, 3).cleaned()));
+        assertEquals(0, rows.row(3).size());
+        assertEquals(vector(1, 3, 3, 1), new SparseVector(ints(3, 1, 2, 1), 1, 2, 0, 1).cleaned());
+        assertEquals(new Triplets(ints(0, 1), ints(2, 0), 4, 1),
+                     new Triplets(ints(1, 0, 0), ints(0, 2, 2), 1, 1, 3).cleaned());
     }
 
     @Test
@@ -155,7 +159,7 @@ class BuildTest {
         model.variables().delete(2, 0);
         model.constraints().delete(1);
         assertArrayEquals(new String[] {"x", "z"}, model.getStrings(KVXAttribute.VAR_NAME));
-        assertEquals("[[0, 1], [0, 1], [2.0, 5.0]]", Models.show(model.constraints().rows(0, 2)));
+        assertEquals(matrix(ints(0, 1), ints(0, 1), 2, 5), model.constraints().rows(0, 2));
     }
 
     @Test
@@ -193,14 +197,13 @@ class BuildTest {
                            .types('C', 'B', 'I', 'C');
         Rows rows = Rows.of(null, "<>=".toCharArray(), 10, 1, 8).names("p", null, "r");
         try (KVXModel whole = KVXModel.load(env, "loaded", KVX.MAXIMIZE, 2.5, data, rows)) {
-            assertEquals(Models.show(model.variables().columns(0, 4)),
-                         Models.show(whole.variables().columns(0, 4)));
+            assertEquals(model.variables().columns(0, 4), whole.variables().columns(0, 4));
             assertEquals("loaded -1 2.5", whole.getString(KVXAttribute.MODEL_NAME) + " " +
                                               whole.getInt(KVXAttribute.MODEL_SENSE) + " " +
                                               whole.getDouble(KVXAttribute.OBJ_CON));
             assertEquals("[C0, C1, C2, C3] [p, R1, r]",
-                         Models.show(whole.getStrings(KVXAttribute.VAR_NAME)) + " " +
-                             Models.show(whole.getStrings(KVXAttribute.CONSTR_NAME)));
+                         List.of(whole.getStrings(KVXAttribute.VAR_NAME)) + " " +
+                             List.of(whole.getStrings(KVXAttribute.CONSTR_NAME)));
             assertArrayEquals(doubles(9, 1, 9, KVX.INFINITY), whole.getDoubles(KVXAttribute.UB));
         }
         try (KVXModel bare = KVXModel.load(env, null, KVX.MINIMIZE, 0, Columns.of(1, 1),

@@ -5,7 +5,8 @@ import java.util.Objects;
 /**
  * A general constraint: an equation between variables that isn't linear, or one that holds under a
  * condition. The nineteen kinds have six shapes, a record each; each kind has a maker here.
- * Variables are given by their indices. Arrays are kept, not copied.
+ * Variables are given by their indices. Arrays are kept, not copied; equality is that of
+ * the contents.
  */
 public sealed interface GeneralConstraint {
     /**
@@ -40,6 +41,21 @@ public sealed interface GeneralConstraint {
             requireKind(kind, kind == KVX.GENCONSTR_MAX || kind == KVX.GENCONSTR_MIN ||
                                   kind == KVX.GENCONSTR_AND || kind == KVX.GENCONSTR_OR ||
                                   kind == KVX.GENCONSTR_NORM);
+        }
+
+        @Override
+        public boolean equals(Object other) {
+            return Contents.equal(this, other);
+        }
+
+        @Override
+        public int hashCode() {
+            return Contents.hash(this);
+        }
+
+        @Override
+        public String toString() {
+            return Contents.text(this);
         }
     }
 
@@ -113,6 +129,21 @@ public sealed interface GeneralConstraint {
         public int kind() {
             return KVX.GENCONSTR_POLY;
         }
+
+        @Override
+        public boolean equals(Object other) {
+            return Contents.equal(this, other);
+        }
+
+        @Override
+        public int hashCode() {
+            return Contents.hash(this);
+        }
+
+        @Override
+        public String toString() {
+            return Contents.text(this);
+        }
     }
 
     /**
@@ -174,6 +205,21 @@ public sealed interface GeneralConstraint {
         @Override
         public int kind() {
             return KVX.GENCONSTR_NL;
+        }
+
+        @Override
+        public boolean equals(Object other) {
+            return Contents.equal(this, other);
+        }
+
+        @Override
+        public int hashCode() {
+            return Contents.hash(this);
+        }
+
+        @Override
+        public String toString() {
+            return Contents.text(this);
         }
     }
 

@@ -4,9 +4,10 @@ import java.io.File;
 import java.util.Arrays;
 
 /**
- * The native methods behind environments, models and batches. They work on handles, the native
- * objects' addresses, and do no more than hand their arguments to the solver: {@link KVXEnv},
- * {@link KVXModel} and {@link KVXBatch} are the safe way to own such handles.
+ * The native methods behind environments, models and batches: the raw level, for authors of other
+ * interfaces. They work on handles, the native objects' addresses, and do no more than hand their
+ * arguments to the solver. {@link KVXEnv}, {@link KVXModel} with its parts, {@link KVXBatch} and
+ * {@link KVXCallbackContext} do the same with checks, and nothing can crash there.
  *
  * <p><b>Statuses.</b> A status is 0 or one of the {@code ERROR_} codes of {@link KVX}. The bridge
  * itself answers with {@link KVX#ERROR_NULL_ARGUMENT} for a text that is null but must not be, and
@@ -16,11 +17,24 @@ import java.util.Arrays;
  * <p><b>Slots.</b> What a method hands back it writes into slots, arrays of the caller's. They are
  * written when the status is 0 and stay as they were otherwise, unless the method says more.
  *
- * <p><b>Arrays.</b> Counts are arguments; arrays aren't measured. An array must be as long as the
- * count that goes with it, or an {@link ArrayIndexOutOfBoundsException} follows. It must not be
- * null unless the method says so, or the virtual machine may crash.
+ * <p><b>Arrays.</b> Counts are arguments; arrays aren't measured. An array that is read must be as
+ * long as the count that goes with it: if it is shorter, the solver has been given uninitialised
+ * memory, and done its work with it, when an {@link ArrayIndexOutOfBoundsException} is thrown. If
+ * an array that is written is too short, that exception is thrown after all work was done. Null
+ * crashes the virtual machine unless the method allows it. What the values in an array say, begins
+ * for example, goes to the solver unseen.
  *
- * <p><b>Handles</b> are used as they are: one that was freed, or is of another kind, crashes.
+ * <p><b>Counts.</b> A count must not be negative unless the method says what 0 or less does; the
+ * virtual machine and the solver judge it then. A count that isn't an array's own, such as the
+ * capacity in a slot, must be what the method asks for, or native memory is overrun.
+ *
+ * <p><b>Handles</b> are used as they are: one that was freed, or is of another kind, crashes. Those
+ * of a callback, and the record of an asynchronous start, belong to {@link KVXModel} and can't be
+ * had outside this package.
+ *
+ * <p><b>Threads.</b> Nothing is locked. What logs ({@link #message}, {@link #feasrelax}, {@link
+ * #tunemodel}, reading, writing) on a Java thread that isn't the one that bound the environment's
+ * log silences that log for good.
  */
 public final class KorvexJni {
     private KorvexJni() {}
@@ -450,7 +464,8 @@ public final class KorvexJni {
     public static native int singlescenariomodel(long model, long[] modelslot);
 
     /**
-     * Turns a model into its feasibility relaxation.
+     * Turns a model into its feasibility relaxation. The violations are new variables: before
+     * another call the weights must be as many as there are variables then.
      *
      * @param model handle of the model
      * @param penalty 0: sum of violations; 1: sum of squares; 2: number of violations
@@ -1456,7 +1471,8 @@ public final class KorvexJni {
      * @param start index of an element, or -1 for a list
      * @param count number of elements, 0 for one, -1 for the model's value
      * @param ind {@code count} indices of elements if {@code start} is -1, unread otherwise
-     * @param values the values, from element 0 on; each may be null, which takes a name away
+     * @param values the values, from element 0 on; each may be null, which the solver refuses for
+     *     the name of an element
      * @return the status
      */
     public static native int setstrattrlist(long model, String attrname, int start, int count,
@@ -1765,8 +1781,9 @@ public final class KorvexJni {
      * logical counting from the number of variables on.
      *
      * @param model handle of the model
-     * @param headslot element 0 holds the number of constraints; the header is written from element
-     *     0 on
+     * @param headslot element 0 holds the number of constraints, for which there must be room: with
+     *     less, native memory is overrun. The header is written from element 0 on, so that the
+     *     number must be set anew before every call
      * @return the status
      */
     public static native int basishead(long model, int[] headslot);

@@ -111,7 +111,7 @@ abstract class ModelCalls {
         return new AttributeInfo(info[0], info[1], info[2] != 0);
     }
 
-    /** Where the attribute is a double, Java wouldn't widen by itself: there is a method for ints. */
+    /** An int for an int attribute, or for a double one: Java prefers the setter of ints. */
     void setNumber(String attribute, int start, int count, int value) {
         int[] slot = {value};
         double[] wide = {value};

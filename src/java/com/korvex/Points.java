@@ -4,7 +4,7 @@ import java.util.Objects;
 
 /**
  * The breakpoints of a piecewise-linear function, by abscissae that don't decrease. The arrays are
- * kept, not copied.
+ * kept, not copied; equality is that of the contents.
  *
  * @param x the abscissae
  * @param y the ordinates, as many
@@ -29,4 +29,19 @@ public record Points(double[] x, double... y) {
      * @return the length of both arrays
      */
     public int size() { return x.length; }
+
+    @Override
+    public boolean equals(Object other) {
+        return Contents.equal(this, other);
+    }
+
+    @Override
+    public int hashCode() {
+        return Contents.hash(this);
+    }
+
+    @Override
+    public String toString() {
+        return Contents.text(this);
+    }
 }

@@ -9,6 +9,8 @@ import java.util.Objects;
  * {@code beg[k]} up to {@code beg[k+1]}, the last one up to their end. As columns the indices are
  * those of constraints; as rows and sets, of variables.
  *
+ * <p>Equality is that of the contents.
+ *
  * <p>The arrays are kept, not copied: what is done to them later changes this matrix. The begins
  * are therefore checked whenever the matrix is used: begins that descend, are negative or lie
  * beyond the entries give an {@link IllegalArgumentException} then.
@@ -105,5 +107,20 @@ public record SparseMatrix(int[] beg, int[] ind, double[] val) {
                                                    last + " to " + entries);
             last = beg[k];
         }
+    }
+
+    @Override
+    public boolean equals(Object other) {
+        return Contents.equal(this, other);
+    }
+
+    @Override
+    public int hashCode() {
+        return Contents.hash(this);
+    }
+
+    @Override
+    public String toString() {
+        return Contents.text(this);
     }
 }

@@ -7,7 +7,8 @@ import java.util.Objects;
  * A sparse list of numbers: {@code val[k]} belongs to index {@code ind[k]}. What the indices count,
  * and whether one may occur twice, depends on the use; linear terms of equal index are summed.
  *
- * <p>The arrays are kept, not copied: what is done to them later changes this vector.
+ * <p>The arrays are kept, not copied: what is done to them later changes this vector. Equality is
+ * that of the contents.
  *
  * @param ind the indices
  * @param val their values, as many
@@ -66,5 +67,20 @@ public record SparseVector(int[] ind, double... val) {
     /** The first entries of two arrays that may be longer. */
     static SparseVector first(int length, int[] ind, double[] val) {
         return new SparseVector(Arrays.copyOf(ind, length), Arrays.copyOf(val, length));
+    }
+
+    @Override
+    public boolean equals(Object other) {
+        return Contents.equal(this, other);
+    }
+
+    @Override
+    public int hashCode() {
+        return Contents.hash(this);
+    }
+
+    @Override
+    public String toString() {
+        return Contents.text(this);
     }
 }

@@ -25,6 +25,21 @@ public final class SpecialOrderedSets extends ModelElements {
             Objects.requireNonNull(members, "members");
             Check.length("types", types.length, members.size(), "sets");
         }
+
+        @Override
+        public boolean equals(Object other) {
+            return Contents.equal(this, other);
+        }
+
+        @Override
+        public int hashCode() {
+            return Contents.hash(this);
+        }
+
+        @Override
+        public String toString() {
+            return Contents.text(this);
+        }
     }
 
     /**

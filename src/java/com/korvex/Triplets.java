@@ -8,7 +8,8 @@ import java.util.Objects;
  * variables; as quadratic terms both count variables, and the term is {@code val[k] * x[row[k]] *
  * x[col[k]]}.
  *
- * <p>The arrays are kept, not copied: what is done to them later changes these triplets.
+ * <p>The arrays are kept, not copied: what is done to them later changes these triplets. Equality
+ * is that of the contents.
  *
  * @param row the first indices
  * @param col the second indices, as many
@@ -55,5 +56,20 @@ public record Triplets(int[] row, int[] col, double... val) {
             throw new KVXException(status, "no memory to clean triplets");
         return new Triplets(Arrays.copyOf(rows, length[0]), Arrays.copyOf(columns, length[0]),
                             Arrays.copyOf(values, length[0]));
+    }
+
+    @Override
+    public boolean equals(Object other) {
+        return Contents.equal(this, other);
+    }
+
+    @Override
+    public int hashCode() {
+        return Contents.hash(this);
+    }
+
+    @Override
+    public String toString() {
+        return Contents.text(this);
     }
 }
