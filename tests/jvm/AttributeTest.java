@@ -8,7 +8,7 @@ import java.lang.reflect.*;
 import java.nio.file.*;
 import java.util.List;
 import java.util.regex.*;
-import java.util.stream.Stream;
+import java.util.stream.*;
 import org.junit.jupiter.api.*;
 
 /** Attributes of all types in all shapes, and parameters of all types. */
@@ -155,14 +155,27 @@ class AttributeTest {
             params.parse("threads", "3");
             assertEquals(name, params.getString("resultfile"));
             assertEquals("12.5 3", params.getDouble("TimeLimit") + " " + params.getInt("Threads"));
-            assertEquals(
-                KVX.ERROR_VALUE_OUT_OF_RANGE,
-                assertThrows(KVXException.class, () -> params.set("Threads", -1)).status());
+            KVXException refused =
+                assertThrows(KVXException.class, () -> params.set("Threads", -1));
+            assertEquals(KVX.ERROR_VALUE_OUT_OF_RANGE, refused.status());
+            assertTrue(refused.getMessage().contains("Threads"), refused::getMessage);
             assertEquals(3, params.intInfo("Threads").value());
             String cut = params.stringInfo("ResultFile").value();
             assertTrue(name.startsWith(cut) && cut.length() > 500, cut);
             params.reset();
             assertEquals("", params.getString("ResultFile"));
         }
+    }
+
+    @Test
+    void versionAndFileNames() {
+        assertEquals(
+            new KVXEnv.Version(KVX.VERSION_MAJOR, KVX.VERSION_MINOR, KVX.VERSION_TECHNICAL),
+            KVXEnv.version());
+        String[] names = {"a.mps", "a.LP.gz", "a.sol", "a.mst.bz2", "a.bas", "a.prm", "a.json"};
+        assertEquals("MPS LP SOLUTION START BASIS PARAMETERS ",
+                     Stream.of(names)
+                         .map(name -> FileFormat.of(name).map(f -> f + " ").orElse(""))
+                         .collect(Collectors.joining()));
     }
 }

@@ -181,6 +181,14 @@ class BuildTest {
         assertArrayEquals(doubles(0, 11, 0, 0), model.getDoubles(KVXAttribute.OBJ_N));
         Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE,
                      () -> objective.setGoal(5, Goal.of(SparseVector.ones(0))));
+        // First w alone, then z, for which w may give way by a quarter: 2 = 4 w + 5 z.
+        model.set(KVXAttribute.MODEL_SENSE, KVX.MINIMIZE);
+        objective.setGoal(0, Goal.of(SparseVector.ones(3)).priority(1));
+        objective.setGoal(
+            1, Goal.of(SparseVector.ones(0)).priority(2).constant(7).tolerances(0.25, 0));
+        model.optimize();
+        assertArrayEquals(doubles(0.25, 0.2), model.getDoubles(KVXAttribute.X, ints(0, 3)), 1e-6);
+        assertEquals(7.25, model.getDouble(KVXAttribute.OBJ_VAL), 1e-6);
         model.discardGoalParams();
         model.discardConcurrentParams();
         Models.fails(KVX.ERROR_NOT_SUPPORTED, () -> model.concurrentParams(0).getInt("Threads"));
@@ -252,6 +260,10 @@ class BuildTest {
              ex(() -> model.sos().add(new SpecialOrderedSets.Sets(ints(1, 1), kept)))},
             {argument, "beg[0] is 7",
              ex(() -> KVXModel.load(env, "", 1, 0, columns.coefficients(kept), rows))},
+            {argument, "no constraints",
+             ex(() -> new KVXModel(env, "", columns.coefficients(kept)))},
+            {argument, "rows with",
+             ex(() -> KVXModel.load(env, "", 1, 0, columns, Rows.ranges(null, doubles(1), 2)))},
             {argument, "U+0000", ex(() -> model.variables().add(0, 1, 1, 'C', "a\0b"))},
             {argument, "U+0000", ex(() -> model.set("VarName", 0, "\0"))},
             {argument, "U+0000", ex(() -> model.set("VarName", 0, new String[] {"a", "\0"}))},
@@ -261,6 +273,8 @@ class BuildTest {
              ex(() -> model.generalConstraints().add(GeneralConstraint.abs(0, 1), null, "x"))},
             {argument, "kind",
              ex(() -> new GeneralConstraint.Function(KVX.GENCONSTR_MAX, 0, 1, 0))},
+            {argument, "kind",
+             ex(() -> new GeneralConstraint.Aggregate(KVX.GENCONSTR_ABS, 0, ints(1), 0))},
             {argument, "no points",
              ex(() -> model.objective().setPiecewiseLinear(0, new Points(doubles())))},
             {argument, "member", ex(() -> model.sos().add(1, new SparseVector(ints())))},

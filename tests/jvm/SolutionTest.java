@@ -58,46 +58,67 @@ class SolutionTest {
             assertEquals(1, product, 1e-9);
             assertEquals(1, whole(rows + columns, basis.row(k))[j], 1e-9);
         }
-        try (KVXModel unsolved = new KVXModel(env, "unsolved", Columns.of(1))) {
-            assertEquals(0, unsolved.basis().head().length);
-            unsolved.constraints().add(SparseVector.ones(0), KVX.EQUAL, 1, null);
-            Models.fails(KVX.ERROR_DATA_NOT_AVAILABLE, unsolved.basis()::head);
+        try (KVXModel wide = new KVXModel(env, "wide", Columns.of(1, 2, 3))) {
+            assertEquals(0, wide.basis().head().length);
+            wide.constraints().add(SparseVector.ones(0, 1, 2), KVX.EQUAL, 1, null);
+            Models.fails(KVX.ERROR_DATA_NOT_AVAILABLE, wide.basis()::head);
+            wide.optimize();
+            assertEquals(4, wide.basis().row(0).size()); // more than there are rows
         }
     }
 
     @Test
     void derivedModelsAreModelsOfTheirOwn() {
-        try (KVXEnv other = Models.quietEnv(); KVXModel copy = model.copy(other);
-             KVXModel dual = model.dual()) {
+        try (KVXEnv other = Models.quietEnv()) {
+            other.params().set("Seed", 7);
+            KVXModel copy = model.copy(other), dual = model.dual();
             model.close();
+            assertEquals(7, copy.params().getInt("Seed"));
             for (KVXModel one : List.of(copy, dual)) {
                 one.optimize();
                 assertEquals(1073.1891891891892, one.getDouble("ObjVal"), 1e-9);
             }
+            copy.set("Start", 0, 1);
+            copy.reset(false);
+            assertEquals(1, copy.getDouble("Start", 0));
             copy.reset(true);
+            assertEquals(KVX.UNDEFINED, copy.getDouble("Start", 0));
             copy.update();
             assertEquals(KVX.STATUS_LOADED, copy.getInt("Status"));
+            copy.close();
+            dual.close();
         }
+    }
+
+    @Test
+    void modelsOfASolvedOne() {
         try (KVXModel split = Models.marketSplit(env, 12, 2, 3)) {
             Models.fails(KVX.ERROR_DATA_NOT_AVAILABLE, split::fixed);
             split.optimize();
             Map<String, Function<KVXModel, KVXModel>> makers =
                 Map.of("relaxed", KVXModel::relaxed, "fixed", KVXModel::fixed, "presolved",
-                       KVXModel::presolved, "feasibility", KVXModel::feasibility, "linearized",
-                       KVXModel::linearized, "scenario", KVXModel::singleScenario);
+                       KVXModel::presolved, "linearized", KVXModel::linearized, "scenario",
+                       KVXModel::singleScenario);
             makers.forEach((name, maker) -> {
                 try (KVXModel derived = maker.apply(split)) {
                     derived.optimize();
                     assertEquals(KVX.STATUS_OPTIMAL, derived.getInt("Status"), name);
-                    if (!name.equals("relaxed") && !name.equals("feasibility"))
+                    if (!name.equals("relaxed"))
                         assertEquals(split.getDouble("ObjVal"), derived.getDouble("ObjVal"), 1e-6,
                                      name);
                 }
             });
             split.convertToFixed();
             assertEquals(0, split.getInt("IsMIP"));
-            assertEquals(0, split.relaxFeasibility(0, true, new double[16], null, new double[2]),
-                         1e-9);
+        }
+        // x and y up to 1, but x + y at least 5: one upper bound gives way.
+        try (KVXModel tight = new KVXModel(env, "tight", Columns.of(1, 1).upper(1, 1))) {
+            tight.constraints().add(SparseVector.ones(0, 1), KVX.GREATER_EQUAL, 5, null);
+            try (KVXModel feasibility = tight.feasibility()) {
+                feasibility.optimize();
+                assertEquals(3, feasibility.getDouble("ObjVal"), 1e-9);
+            }
+            assertEquals(6, tight.relaxFeasibility(0, true, null, new double[] {2, 9}, null), 1e-9);
         }
     }
 
