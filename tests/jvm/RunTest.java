@@ -28,7 +28,7 @@ class RunTest {
         env.close();
     }
 
-    private static void run(KVXModel model, boolean async) {
+    static void run(KVXModel model, boolean async) {
         if (async) {
             model.optimizeAsync();
             model.sync();

@@ -65,6 +65,17 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
         handle.call(nativeCall);
     }
 
+    @Override
+    void atLength(LongToIntFunction nativeCalls) {
+        run((model, useCallback, error) -> explained(model, nativeCalls, error));
+    }
+
+    private static int explained(long model, LongToIntFunction nativeCalls, String[] error) {
+        int status = nativeCalls.applyAsInt(model);
+        error[0] = errorText(model);
+        return status;
+    }
+
     private void free(long model) {
         KorvexJni.freemodel(model);
         env.handle.unpin();
@@ -234,13 +245,9 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      * @throws KVXException if the solver fails
      */
     public void tune() {
-        run((model, useCallback, error) -> {
-            if (useCallback != 0)
-                return jnitune(model, useCallback, error, 0);
-            int status = KorvexJni.tunemodel(model);
-            error[0] = errorText(model);
-            return status;
-        });
+        run((model, useCallback, error)
+                -> useCallback != 0 ? jnitune(model, useCallback, error, 0)
+                                    : explained(model, KorvexJni::tunemodel, error));
     }
 
     /**

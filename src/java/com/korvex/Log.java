@@ -79,7 +79,8 @@ final class Log {
 
     /**
      * Waits for the turn and binds the log to this thread. Returns false, without the turn, if
-     * there is nothing to bind, and for a run that was terminated meanwhile.
+     * there is nothing to bind; also if a run was terminated that has waited in vain for a second:
+     * to end is more important than to log.
      */
     private boolean enter(Run run) {
         synchronized (this) {
@@ -107,10 +108,11 @@ final class Log {
             turn.lock();
             return true;
         }
-        boolean taken = false, interrupted = false;
-        while (!taken && !run.terminated) {
+        boolean taken = false, interrupted = false, hopeless = false;
+        while (!taken && !hopeless) {
             try {
-                taken = turn.tryLock(50, TimeUnit.MILLISECONDS);
+                taken = turn.tryLock(1, TimeUnit.SECONDS);
+                hopeless = run.terminated;
             } catch (InterruptedException e) {
                 interrupted = true;
             }

@@ -18,6 +18,11 @@ abstract class ModelCalls {
     /** Makes a native call on the model that returns a status. */
     abstract void call(LongToIntFunction nativeCall);
 
+    /**
+     * Makes native calls that take as long as a run, and log: other threads don't wait for them.
+     */
+    abstract void atLength(LongToIntFunction nativeCalls);
+
     /** Makes several native calls on the model, between which no other thread uses it. */
     <T> T together(LongFunction<T> calls) {
         List<T> result = new ArrayList<>(1);

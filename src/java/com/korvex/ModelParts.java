@@ -106,19 +106,18 @@ abstract class ModelParts extends ModelAttributes {
     public double relaxFeasibility(int penalty, boolean minrelax, double[] lbpen, double[] ubpen,
                                    double[] conpen) {
         double[] slot = new double[1];
-        env().logging(() -> call(model -> {
-                          check(model, KorvexJni.updatemodel(model));
-                          int variables = count(model, "NumVars");
-                          if (lbpen != null)
-                              Check.length("lbpen", lbpen.length, variables, "variables");
-                          if (ubpen != null)
-                              Check.length("ubpen", ubpen.length, variables, "variables");
-                          if (conpen != null)
-                              Check.length("conpen", conpen.length, count(model, "NumConstrs"),
-                                           "constraints");
-                          return KorvexJni.feasrelax(model, penalty, minrelax ? 1 : 0, lbpen, ubpen,
-                                                     conpen, slot);
-                      }));
+        atLength(model -> {
+            check(model, KorvexJni.updatemodel(model));
+            int variables = count(model, "NumVars");
+            if (lbpen != null)
+                Check.length("lbpen", lbpen.length, variables, "variables");
+            if (ubpen != null)
+                Check.length("ubpen", ubpen.length, variables, "variables");
+            if (conpen != null)
+                Check.length("conpen", conpen.length, count(model, "NumConstrs"), "constraints");
+            return KorvexJni.feasrelax(model, penalty, minrelax ? 1 : 0, lbpen, ubpen, conpen,
+                                       slot);
+        });
         return slot[0];
     }
 
