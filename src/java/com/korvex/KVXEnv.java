@@ -24,6 +24,8 @@ public final class KVXEnv implements AutoCloseable {
     final Handle handle;
     final Log log = new Log(this);
 
+    private volatile boolean started;
+
     /** Set by the bridge before it calls {@link #jniPrintLog}. */
     private String logmsg;
 
@@ -44,6 +46,7 @@ public final class KVXEnv implements AutoCloseable {
         this(slot
              -> KorvexJni.loadenv(slot, logFile, KVX.VERSION_MAJOR, KVX.VERSION_MINOR,
                                   KVX.VERSION_TECHNICAL, 0));
+        started = true;
     }
 
     private interface Maker {
@@ -85,7 +88,13 @@ public final class KVXEnv implements AutoCloseable {
      *
      * @throws KVXException if it was started before
      */
-    public void start() { handle.call(KorvexJni::startenv); }
+    public void start() {
+        logging(() -> handle.call(KorvexJni::startenv));
+        started = true;
+    }
+
+    /** Natives that make a model tell no status; this one can be known here. */
+    int statusOf(int failure) { return started ? failure : KVX.ERROR_NOT_STARTED; }
 
     /**
      * The version of the solver's library.

@@ -48,7 +48,8 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
             env.logging(() -> env.handle.call(environment -> {
                 model[0] = maker.applyAsLong(environment);
                 if (model[0] == 0)
-                    throw new KVXException(failure, KorvexJni.geterrormsg(environment));
+                    throw new KVXException(env.statusOf(failure),
+                                           KorvexJni.geterrormsg(environment));
                 return KVX.OK;
             }));
             handle = new Handle("the model", model[0], KVXModel::errorText, this::free);

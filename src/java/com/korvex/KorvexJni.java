@@ -28,13 +28,19 @@ import java.util.Arrays;
  * virtual machine and the solver judge it then. A count that isn't an array's own, such as the
  * capacity in a slot, must be what the method asks for, or native memory is overrun.
  *
- * <p><b>Handles</b> are used as they are: one that was freed, or is of another kind, crashes. Those
- * of a callback, and the record of an asynchronous start, belong to {@link KVXModel} and can't be
- * had outside this package.
+ * <p><b>Handles</b> are used as they are: one that was freed, or is of another kind, crashes. That
+ * of a callback is {@link KVXCallbackContext#handle}; the record of a native asynchronous start
+ * can't be had outside this package.
  *
- * <p><b>Threads.</b> Nothing is locked. What logs ({@link #message}, {@link #feasrelax}, {@link
- * #tunemodel}, reading, writing) on a Java thread that isn't the one that bound the environment's
- * log silences that log for good.
+ * <p><b>Threads.</b> Nothing is locked: an object may be used by one thread at a time, beside it by
+ * the callbacks of its run; {@link #terminate} and {@link #message} may be called at any moment.
+ *
+ * <p><b>The log</b> that {@link KVXEnv#setLog} has bound serves one Java thread: the one that has
+ * set it or, later, has last logged through the checked classes. A line from another Java thread is
+ * the last one until those bind the log again. Lines come from {@link #message}, {@link
+ * #feasrelax},
+ * {@link #tunemodel}, and with some libraries from whatever makes, reads or writes a model,
+ * parameters or a batch.
  */
 public final class KorvexJni {
     private KorvexJni() {}
@@ -156,7 +162,8 @@ public final class KorvexJni {
     public static native void version(int[] out);
 
     /**
-     * Writes a text to an environment's log.
+     * Writes a text to an environment's log. On another Java thread than the one that the log is
+     * bound to, the line is the last that arrives there, see above.
      *
      * @param env handle of the environment
      * @param msg the text; null does nothing
@@ -310,7 +317,7 @@ public final class KorvexJni {
      *     isn't written
      * @param env handle of the environment
      * @param name its name, or null
-     * @param numvars number of variables
+     * @param numvars number of variables; the solver refuses a negative one
      * @param obj {@code numvars} objective coefficients; unread if {@code numvars} is 0 or less
      * @param lb {@code numvars} lower bounds; unread likewise
      * @param ub {@code numvars} upper bounds; unread likewise
@@ -542,7 +549,8 @@ public final class KorvexJni {
      * to {@code beg[k+1]}, the last one up to {@code numnz}.
      *
      * @param model handle of the model
-     * @param numvars number of variables; with 0 nothing happens
+     * @param numvars number of variables; with 0 nothing happens, a negative one isn't looked at
+     *     before the arrays
      * @param numnz number of coefficients over all of them
      * @param beg {@code numvars} positions
      * @param ind {@code numnz} constraint indices; unread if that is 0 or less
@@ -1572,14 +1580,15 @@ public final class KorvexJni {
      * {@link KVX#ERROR_IN_PROGRESS}.
      *
      * @param model handle of the model
-     * @param record handle of the record that the start handed out, or 0
+     * @param record handle of the record that the start handed out, or 0: the checked classes make
+     *     none, since their asynchronous runs have Java threads
      * @param errorslot element 0 receives the model's error text when the result isn't 0
      * @return the status
      */
     public static native int sync(long model, long record, String[] errorslot);
 
     /**
-     * Tunes a model, without a callback.
+     * Tunes a model, without a callback. It runs the solver, which logs.
      *
      * @param model handle of the model
      * @return the status
@@ -1600,8 +1609,8 @@ public final class KorvexJni {
     /**
      * Reads an int datum.
      *
-     * @param cbdata handle of the present callback
-     * @param where why the callback was called, from {@link KVXModel}
+     * @param cbdata {@link KVXCallbackContext#handle} of the present callback
+     * @param where {@link KVXCallbackContext#where} of the present callback
      * @param what what code of an int
      * @param resultslot element 0 receives it
      * @return {@link KVX#ERROR_WRONG_INFO_TYPE} if the datum is of another type, or the status
@@ -1612,8 +1621,8 @@ public final class KorvexJni {
      * Reads a double datum, or one of the vectors {@link KVX#CB_MIPSOL_SOL},
      * {@link KVX#CB_MIPNODE_REL} and {@link KVX#CB_MULTIOBJ_SOL}.
      *
-     * @param cbdata handle of the present callback
-     * @param where why the callback was called, from {@link KVXModel}
+     * @param cbdata {@link KVXCallbackContext#handle} of the present callback
+     * @param where {@link KVXCallbackContext#where} of the present callback
      * @param what what code of a double or a vector
      * @param resultslot element 0 receives it; for a vector, the whole array, which must have an
      *     element a variable
@@ -1624,8 +1633,8 @@ public final class KorvexJni {
     /**
      * Reads a text datum.
      *
-     * @param cbdata handle of the present callback
-     * @param where why the callback was called, from {@link KVXModel}
+     * @param cbdata {@link KVXCallbackContext#handle} of the present callback
+     * @param where {@link KVXCallbackContext#where} of the present callback
      * @param what {@link KVX#CB_MSG_STRING}
      * @return the text, or null
      */
@@ -1634,7 +1643,7 @@ public final class KorvexJni {
     /**
      * Adds a cut or a lazy constraint.
      *
-     * @param cbdata handle of the present callback
+     * @param cbdata {@link KVXCallbackContext#handle} of the present callback
      * @param length number of terms
      * @param ind {@code length} variable indices; not null
      * @param val {@code length} coefficients; not null
@@ -1649,7 +1658,7 @@ public final class KorvexJni {
     /**
      * Proposes a solution.
      *
-     * @param cbdata handle of the present callback
+     * @param cbdata {@link KVXCallbackContext#handle} of the present callback
      * @param solution a value a variable, {@link KVX#UNDEFINED} where none is known
      * @param objectiveslot element 0 receives its objective value
      * @return the status
@@ -1659,7 +1668,7 @@ public final class KorvexJni {
     /**
      * Changes an int parameter of the run.
      *
-     * @param cbdata handle of the present callback
+     * @param cbdata {@link KVXCallbackContext#handle} of the present callback
      * @param paramname name of the parameter
      * @param newvalue its new value
      * @return the status
@@ -1669,7 +1678,7 @@ public final class KorvexJni {
     /**
      * Changes a double parameter of the run.
      *
-     * @param cbdata handle of the present callback
+     * @param cbdata {@link KVXCallbackContext#handle} of the present callback
      * @param paramname name of the parameter
      * @param newvalue its new value
      * @return the status
@@ -1679,7 +1688,7 @@ public final class KorvexJni {
     /**
      * Changes a text parameter of the run.
      *
-     * @param cbdata handle of the present callback
+     * @param cbdata {@link KVXCallbackContext#handle} of the present callback
      * @param paramname name of the parameter
      * @param newvalue its new value, not null
      * @return the status
@@ -1689,7 +1698,7 @@ public final class KorvexJni {
     /**
      * Ends the present phase of the run and goes on.
      *
-     * @param cbdata handle of the present callback
+     * @param cbdata {@link KVXCallbackContext#handle} of the present callback
      * @return the status
      */
     public static native int proceed(long cbdata);
@@ -1698,7 +1707,7 @@ public final class KorvexJni {
      * Ends the optimisation of one of several objectives and goes on with the next.
      *
      * @param model handle of the model
-     * @param cbdata handle of the present callback
+     * @param cbdata {@link KVXCallbackContext#handle} of the present callback
      * @param objnumber number of the objective
      * @return the status
      */
