@@ -1,15 +1,21 @@
 import com.korvex.KVX;
 import com.korvex.KVXCallback;
 import com.korvex.KVXCallbackContext;
+import java.util.List;
+import java.util.Objects;
 
 /**
  * Shows the progress that callbacks report: as one line that is written again and again on a
  * terminal, elsewhere as a line every few seconds.
  */
 final class Progress implements KVXCallback {
-    private static final boolean TERMINAL = System.console() != null;
+    private static final boolean TERMINAL =
+        System.console() != null &&
+        !List.of("", "dumb").contains(Objects.requireNonNullElse(System.getenv("TERM"), ""));
     private static final double INTERVAL = TERMINAL ? 0.1 : 3; // seconds
     private static final String CLEAR_LINE = "\r\033[K";
+    // Between these a line that is too long for the terminal is cut off, not continued below.
+    private static final String CUT_OFF = "\033[?7l", CONTINUE = "\033[?7h";
 
     private final Thread starter = Thread.currentThread();
     private int calls, foreignCalls;
@@ -58,7 +64,7 @@ final class Progress implements KVXCallback {
                                           nodes, shown(best), shown(bound), gap())
                           : String.format("%8.1fs  %s, %.0f iterations", now, phase, iterations);
         if (TERMINAL)
-            System.out.print(CLEAR_LINE + text);
+            System.out.print(CLEAR_LINE + CUT_OFF + text + CONTINUE);
         else
             System.out.println(text);
         System.out.flush();

@@ -1,3 +1,4 @@
+import com.korvex.FileFormat;
 import com.korvex.KVX;
 import com.korvex.KVXEnv;
 import com.korvex.KVXException;
@@ -29,7 +30,8 @@ public final class Solve {
         "  --json FILE       write the solution as JSON",
         "  --write FILE      write the solution (.sol), start (.mst), basis (.bas) or model",
         "  --iis             name the constraints and bounds that make a model infeasible",
-        "  --help            show this",
+        "  -h, --help        show this",
+        "  --                end of the options: a model's name may begin with '-' after it",
         "",
         "Exit status: 0 optimal, 1 failure, 2 bad usage or unreadable model, 3 infeasible or",
         "unbounded, 4 ended by a limit or an interruption (Ctrl-C).");
@@ -39,6 +41,8 @@ public final class Solve {
     private static final List<String> WORDS = List.of(
         "error", "optimal", "infeasible", "unbounded", "infeasible_or_unbounded", "time_limit",
         "node_limit", "iteration_limit", "solution_limit", "interrupted", "numeric");
+
+    private static final String MODELS = ".mps or .lp, plain or with .gz or .bz2";
 
     private static final class UsageException extends Exception {
         private static final long serialVersionUID = 1;
@@ -64,30 +68,54 @@ public final class Solve {
      */
     public static void main(String[] args) {
         Locale.setDefault(Locale.ROOT);
-        if (List.of(args).contains("--help")) {
-            System.out.println(USAGE);
-            return;
-        }
         Solve solve = new Solve();
         try {
-            solve.parse(args);
-            solve.run();
+            if (solve.parse(args)) {
+                solve.checkFiles();
+                solve.run();
+            } else {
+                System.out.println(USAGE);
+                solve.exitStatus = 0;
+            }
         } catch (UsageException e) {
             System.err.println("solve: " + e.getMessage());
             solve.exitStatus = 2;
         } catch (KVXException | IOException | UnsatisfiedLinkError e) {
             System.err.println("solve: " + e.getMessage());
         } finally {
+            solve.endOutput();
             solve.reported.countDown();
         }
         System.exit(solve.exitStatus);
     }
 
-    private void parse(String[] args) throws UsageException {
-        boolean modelGiven = false;
+    /** What couldn't be written, to a full disk for instance, is a failure, too. */
+    private void endOutput() {
+        if (System.out.checkError()) {
+            System.err.println("solve: the output can't be written");
+            exitStatus = 1;
+        }
+    }
+
+    /** Returns false if help is wanted. */
+    private boolean parse(String[] args) throws UsageException {
+        boolean modelGiven = false, optionsOver = false;
         for (int i = 0; i < args.length; i++) {
             String option = args[i];
+            if (optionsOver || !option.startsWith("-")) {
+                if (modelGiven)
+                    throw new UsageException("more than one model: " + option);
+                modelGiven = true;
+                modelFile = option;
+                continue;
+            }
             switch (option) {
+            case "-h":
+            case "--help":
+                return false;
+            case "--":
+                optionsOver = true;
+                continue;
             case "--async":
                 async = true;
                 continue;
@@ -101,13 +129,6 @@ public final class Solve {
                 iis = true;
                 continue;
             default:
-            }
-            if (!option.startsWith("-")) {
-                if (modelGiven)
-                    throw new UsageException("more than one model: " + option);
-                modelGiven = true;
-                modelFile = option;
-                continue;
             }
             if (!List.of("--set", "--time-limit", "--threads", "--json", "--write")
                      .contains(option))
@@ -136,6 +157,26 @@ public final class Solve {
                 resultFile = value;
             }
         }
+        return true;
+    }
+
+    /** What would fail only after a long run is found now. */
+    private void checkFiles() throws UsageException {
+        if (!FileFormat.of(modelFile).map(FileFormat::isModel).orElse(false))
+            throw new UsageException(modelFile + ": the name of a model must end in " + MODELS);
+        if (resultFile != null && FileFormat.of(resultFile).isEmpty() &&
+            !resultFile.toLowerCase(Locale.ROOT).matches(".*\\.json(\\.gz|\\.bz2)?"))
+            throw new UsageException(resultFile + ": the name of a result must end in .sol, .mst, "
+                                     + ".bas, .prm, .json, " + MODELS);
+        for (String file : new String[] {jsonFile, resultFile})
+            if (file != null && !isWritable(Path.of(file)))
+                throw new UsageException(file + ": can't be written");
+    }
+
+    private static boolean isWritable(Path file) {
+        Path directory = file.toAbsolutePath().getParent();
+        return Files.exists(file) ? Files.isWritable(file) && !Files.isDirectory(file)
+                                  : directory != null && Files.isWritable(directory);
     }
 
     private void run() throws UsageException, IOException {
@@ -205,10 +246,6 @@ public final class Solve {
 
     private void report(KVXModel model) throws IOException {
         int status = model.getInt("Status");
-        if (jsonFile != null)
-            Files.writeString(Path.of(jsonFile), model.jsonSolution() + "\n");
-        if (resultFile != null)
-            model.write(resultFile);
         if (!quiet)
             System.out.println(progress.origin());
         System.out.println("Status: " + WORDS.get(status - KVX.STATUS_LOADED));
@@ -216,10 +253,22 @@ public final class Solve {
         System.out.println("Bound: " + number(() -> model.getDouble("ObjBound")));
         System.out.println("Gap: " + number(() -> model.getDouble("MIPGap")));
         System.out.printf("Time: %.2f s%n", model.getDouble("Runtime"));
+        if (jsonFile != null)
+            writeJson(model);
+        if (resultFile != null)
+            model.write(resultFile);
         exitStatus = exitStatus(status);
         if (iis &&
             (status == KVX.STATUS_INFEASIBLE || status == KVX.STATUS_INFEASIBLE_OR_UNBOUNDED))
             reportConflict(model);
+    }
+
+    private void writeJson(KVXModel model) throws IOException {
+        try {
+            Files.writeString(Path.of(jsonFile), model.jsonSolution() + "\n");
+        } catch (IOException e) { // A full disk has no name.
+            throw new IOException(jsonFile + ": " + e.getMessage(), e);
+        }
     }
 
     private static void reportConflict(KVXModel model) {
