@@ -1,100 +1,183 @@
-import com.korvex.KVX;
+import com.korvex.Columns;
 import com.korvex.KVXEnv;
 import com.korvex.KVXModel;
 import com.korvex.KorvexJni;
+import com.korvex.SparseMatrix;
+import java.util.ArrayList;
 import java.util.Arrays;
-import java.util.concurrent.atomic.AtomicLong;
-import java.util.function.IntFunction;
+import java.util.Collections;
+import java.util.LinkedHashMap;
+import java.util.List;
+import java.util.Map;
 import java.util.function.IntSupplier;
 
 /**
- * Measures what crossing the bridge costs: bare calls, texts, arrays in and out, names, upcalls.
- * Each row is the median of several rounds after a warm-up; the solver's own work is part of it.
+ * Times calls through the bridge against the floor, the limit and the peers named as arguments, all
+ * on a solver that does nothing. Prints "workload items variant nanoseconds" lines: the least of
+ * many rounds.
  */
 public final class Bench {
-    private static final int ROUNDS = 15;
-    private static final int ELEMENTS = 1_000_000;
-    private static final int NAMES = 100_000;
+    /** Another way from Java to native code: calls by name, none where it doesn't offer any. */
+    interface Peer {
+        Map<String, IntSupplier> addvars(Data data);
+        Map<String, IntSupplier> attribute();
+    }
+
+    /** Variables with five nonzeros each; names may be null. */
+    record Data(int vars, int nonzeros, int[] beg, int[] ind, double[] val, double[] obj,
+                double[] lb, double[] ub, char[] types, String[] names) {
+        static Data of(int nonzeros, boolean named) {
+            int vars = nonzeros / 5;
+            Data d = new Data(vars, nonzeros, new int[vars], new int[nonzeros],
+                              new double[nonzeros], new double[vars], new double[vars],
+                              new double[vars], new char[vars], named ? new String[vars] : null);
+            Arrays.setAll(d.beg, k -> 5 * k);
+            Arrays.fill(d.types, 'C');
+            if (named)
+                Arrays.setAll(d.names, k -> "x" + k);
+            return d;
+        }
+    }
+
+    private static final String NAME = "NumVars";
+    // Nanoseconds: a round of a variant takes at least the first, all of its rounds the second; the
+    // third makes the compiler finish before the first of them.
+    private static final long ROUND = 1_000_000, VARIANT = 250_000_000, WARM_UP = 1_000_000_000;
+    // What to measure, as patterns.
+    private static final String WORKLOADS = System.getProperty("bench.workloads", ".*");
+    private static final String VARIANTS = System.getProperty("bench.variants", ".*");
 
     private Bench() {}
 
-    /** Prints the median time of a call, of which a round makes some, and the bytes it moves. */
-    private static void measure(String what, int calls, long bytes, IntSupplier call) {
-        long[] times = new long[ROUNDS];
-        for (int round = -5; round < ROUNDS; round++) {
-            long begin = System.nanoTime();
-            for (int k = 0; k < calls; k++)
-                if (call.getAsInt() != KVX.OK)
-                    throw new IllegalStateException(what + " failed");
-            if (round >= 0)
-                times[round] = (System.nanoTime() - begin) / calls;
-        }
-        Arrays.sort(times);
-        long median = times[ROUNDS / 2];
-        String rate = bytes == 0 ? "" : String.format("%8.2f GB/s", (double)bytes / median);
-        System.out.printf("%-45s %12d ns %s%n", what, median, rate);
+    private static long time(IntSupplier call, int times) {
+        int status = 0;
+        long begin = System.nanoTime();
+        for (int k = 0; k < times; k++)
+            status |= call.getAsInt();
+        long taken = System.nanoTime() - begin;
+        if (status != 0)
+            throw new IllegalStateException("status " + status);
+        return taken;
     }
 
-    private static KVXModel newModel(KVXEnv env, int count, IntFunction<String> name) {
-        double[] zeros = new double[count];
-        char[] types = new char[count];
-        String[] names = new String[count];
-        Arrays.fill(types, 'C');
-        Arrays.setAll(names, name);
-        return KVXModel.adopt(env, KorvexJni.newmodel(new int[1], env.handle(), "bench", count,
-                                                      zeros, zeros, zeros, types, names));
+    private static int rounds(IntSupplier call, int items) {
+        for (long end = System.nanoTime() + WARM_UP; items <= 10 && System.nanoTime() < end;)
+            time(call, 100);
+        int times = 1;
+        while (times < 1 << 20 && time(call, times) < ROUND)
+            times *= 2;
+        return times;
     }
 
-    public static void main(String[] args) {
-        try (KVXEnv env = new KVXEnv()) {
-            env.params().set("LogToConsole", 0);
-            try (KVXModel model = newModel(env, ELEMENTS, k -> null);
-                 KVXModel named = newModel(env, NAMES, k -> "x" + k)) {
-                calls(env.handle(), model.handle());
-                numbers(model.handle());
-                names(named.handle());
+    static void measure(String workload, int items, Map<String, IntSupplier> calls) {
+        calls.keySet().removeIf(name -> !name.matches(VARIANTS));
+        if (!(workload + " " + items).matches(WORKLOADS))
+            return;
+        System.err.printf("\r%-20s %9d", workload, items);
+        Map<String, Double> least = new LinkedHashMap<>();
+        Map<String, Integer> times = new LinkedHashMap<>();
+        calls.forEach((name, call) -> times.put(name, rounds(call, items)));
+        // In changing order, since a call leaves the heap to the next as it was left by its frees.
+        List<String> order = new ArrayList<>(calls.keySet());
+        long end = System.nanoTime() + VARIANT * order.size();
+        for (int round = 0; round < 5 || System.nanoTime() < end; round++) {
+            Collections.shuffle(order);
+            for (String name : order) {
+                int count = times.get(name);
+                least.merge(name, (double)time(calls.get(name), count) / count, Math::min);
             }
-            AtomicLong lines = new AtomicLong();
-            env.setLog(line -> lines.incrementAndGet());
-            long handle = env.handle();
-            measure("a log line, to the solver and back into Java", 10_000, 0,
-                    () -> KorvexJni.message(handle, "a line of the log\n"));
         }
+        least.forEach(
+            (name, ns) -> System.out.printf("%s %d %s %.1f%n", workload, items, name, ns));
     }
 
-    private static void calls(long env, long model) {
+    private static Map<String, IntSupplier> calls(IntSupplier floor, IntSupplier bridge) {
+        Map<String, IntSupplier> calls = new LinkedHashMap<>();
+        calls.put("floor", floor);
+        calls.put("control", floor);
+        calls.put("bridge", bridge);
+        return calls;
+    }
+
+    private static void smallCalls(KVXModel model, Peer[] peers) {
         int[] slot = new int[1];
-        measure("a bare call", 1_000_000, 0, () -> KorvexJni.getenv(model) == 0 ? 1 : 0);
-        measure("a call with a text (int parameter)", 200_000, 0,
-                () -> KorvexJni.getintparam(env, "Threads", slot));
-        measure("a call with a text (int attribute)", 200_000, 0,
-                () -> KorvexJni.getintattrlist(model, "NumVars", 0, -1, null, slot));
+        Map<String, IntSupplier> attribute =
+            calls(()
+                      -> Floor.getintattr(1, NAME, slot),
+                  () -> KorvexJni.getintattrlist(1, NAME, 0, -1, null, slot));
+        attribute.put("checked", () -> model.getInt(NAME));
+        for (Peer peer : peers)
+            attribute.putAll(peer.attribute());
+        measure("attribute", 1, attribute);
+        measure(
+            "parameter", 1,
+            calls(() -> Floor.setintparam(1, NAME, 1), () -> KorvexJni.setintparam(1, NAME, 1)));
+        Floor object = new Floor();
+        String[] error = new String[1];
+        measure(
+            "upcalls", 1000,
+            calls(() -> object.optimize(1000), () -> object.optimizeThroughBridge(1000, error)));
     }
 
-    private static void numbers(long model) {
-        double[] doubles = new double[ELEMENTS];
-        char[] chars = new char[ELEMENTS];
-        int[] indices = new int[ELEMENTS];
-        Arrays.setAll(indices, k -> k);
-        Arrays.fill(chars, 'C');
-        measure("a million doubles out", 20, 8L * ELEMENTS,
-                () -> KorvexJni.getdblattrlist(model, "LB", 0, ELEMENTS, null, doubles));
-        measure("a million doubles in", 20, 8L * ELEMENTS,
-                () -> KorvexJni.setdblattrlist(model, "LB", 0, ELEMENTS, null, doubles));
-        measure("a million doubles out, by index", 20, 12L * ELEMENTS,
-                () -> KorvexJni.getdblattrlist(model, "LB", -1, ELEMENTS, indices, doubles));
-        measure("a million chars out", 20, 2L * ELEMENTS,
-                () -> KorvexJni.getcharattrlist(model, "VarType", 0, ELEMENTS, null, chars));
-        measure("a million chars in", 20, 2L * ELEMENTS,
-                () -> KorvexJni.setcharattrlist(model, "VarType", 0, ELEMENTS, null, chars));
+    private static void attributes(int count) {
+        char[] chars = new char[count];
+        String[] texts = new String[count];
+        measure("getchars", count,
+                calls(()
+                          -> Floor.getchars(1, NAME, 0, count, chars),
+                      () -> KorvexJni.getcharattrlist(1, NAME, 0, count, null, chars)));
+        measure("setchars", count,
+                calls(()
+                          -> Floor.setchars(1, NAME, 0, count, chars),
+                      () -> KorvexJni.setcharattrlist(1, NAME, 0, count, null, chars)));
+        measure("getstrings", count,
+                calls(()
+                          -> Floor.getstrings(1, NAME, 0, count, texts),
+                      () -> KorvexJni.getstrattrlist(1, NAME, 0, count, null, texts)));
     }
 
-    private static void names(long model) {
-        String[] names = new String[NAMES];
-        Arrays.setAll(names, k -> "name" + k);
-        measure("a hundred thousand names in", 5, 0,
-                () -> KorvexJni.setstrattrlist(model, "VarName", 0, NAMES, null, names));
-        measure("a hundred thousand names out", 5, 0,
-                () -> KorvexJni.getstrattrlist(model, "VarName", 0, NAMES, null, names));
+    private static void addvars(KVXModel model, Data d, Peer[] peers) {
+        Map<String, IntSupplier> calls =
+            calls(()
+                      -> Floor.addvars(1, d.vars, d.nonzeros, d.beg, d.ind, d.val, d.obj, d.lb,
+                                       d.ub, d.types, d.names),
+                  ()
+                      -> KorvexJni.addvars(1, d.vars, d.nonzeros, d.beg, d.ind, d.val, d.obj, d.lb,
+                                           d.ub, d.types, d.names));
+        if (d.names == null)
+            calls.put("limit", () -> Floor.limit(d.vars, d.nonzeros));
+        for (Peer peer : peers)
+            calls.putAll(peer.addvars(d));
+        calls.put(
+            "checked",
+            ()
+                -> model.variables().add(new Columns(d.obj, new SparseMatrix(d.beg, d.ind, d.val),
+                                                     d.lb, d.ub, d.types, d.names)));
+        measure(d.names == null ? "addvars" : "addvars+names", d.nonzeros, calls);
+    }
+
+    private static void getvars(Data d) {
+        int[] room = {d.nonzeros};
+        measure("getvars", d.nonzeros,
+                calls(()
+                          -> Floor.getvars(d.nonzeros, room, d.beg, d.ind, d.val, 0, d.vars),
+                      () -> KorvexJni.getvars(d.nonzeros, room, d.beg, d.ind, d.val, 0, d.vars)));
+    }
+
+    public static void main(String[] args) throws ReflectiveOperationException {
+        System.loadLibrary("floor");
+        Peer[] peers = new Peer[args.length];
+        for (int k = 0; k < args.length; k++)
+            peers[k] = (Peer)Class.forName(args[k]).getDeclaredConstructor().newInstance();
+        try (KVXEnv env = new KVXEnv(); KVXModel model = KVXModel.adopt(env, 1)) {
+            smallCalls(model, peers);
+            for (int nonzeros = 10; nonzeros <= 10_000_000; nonzeros *= 10) {
+                addvars(model, Data.of(nonzeros, false), peers);
+                addvars(model, Data.of(nonzeros, true), peers);
+                getvars(Data.of(nonzeros, false));
+            }
+            attributes(100);
+            attributes(1_000_000);
+        }
     }
 }

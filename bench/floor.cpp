@@ -1,5 +1,5 @@
 // The floor of the benchmark: what JNI itself costs. Each function makes the calls and copies of
-// the bridge's function of that name, in its order, as one would write them by hand for it alone.
+// the bridge's function of that kind, as one would write them by hand for it alone.
 #include "Floor.h"
 #include "com_korvex_KVXModel.h"
 #include "korvex.h"
@@ -27,28 +27,6 @@ Element *allocate(jint count) {
 void narrow(const jchar *from, char *to, jint count) {
     for (jint k = 0; k < count; ++k)
         to[k] = static_cast<char>(from[k]);
-}
-
-// The elements of `names` up to the one that can't be fetched; true if there is none such.
-bool fetch(JNIEnv *jni, jobjectArray names, jint count, jobject *references, const char **texts,
-           jint &fetched) {
-    for (; fetched < count; ++fetched) {
-        const jobject name = jni->GetObjectArrayElement(names, fetched);
-        references[fetched] = name;
-        texts[fetched] =
-            name ? jni->GetStringUTFChars(static_cast<jstring>(name), nullptr) : nullptr;
-        if (name && !texts[fetched])
-            return false;
-    }
-    return true;
-}
-
-void release(JNIEnv *jni, const jobject *references, const char *const *texts, jint fetched) {
-    for (jint k = 0; k < fetched; ++k) {
-        if (references[k])
-            jni->ReleaseStringUTFChars(static_cast<jstring>(references[k]), texts[k]);
-        jni->DeleteLocalRef(references[k]);
-    }
 }
 
 } // namespace
@@ -86,38 +64,31 @@ FLOOR(addvars)
 (JNIEnv *jni, jclass, jlong model, jint numvars, jint numnz, jintArray beg, jintArray ind,
  jdoubleArray val, jdoubleArray obj, jdoubleArray lb, jdoubleArray ub, jcharArray types,
  jobjectArray names) {
-    jint *indices = allocate<jint>(numnz), *begins = nullptr;
-    jdouble *values = allocate<jdouble>(numnz), *objective = nullptr, *lower = nullptr;
-    jdouble *upper = nullptr;
+    jint *begins = nullptr, *indices = nullptr, fetched = 0, status = outOfMemory;
+    jdouble *values = nullptr, *objective = nullptr, *lower = nullptr, *upper = nullptr;
     jchar *javaTypes = nullptr;
     char *nativeTypes = nullptr;
     jobject *references = nullptr;
     const char **texts = nullptr;
-    jint fetched = 0, status = outOfMemory;
-    if (!indices || !values)
+    if (!(indices = allocate<jint>(numnz)) || !(values = allocate<jdouble>(numnz)) ||
+        !(objective = allocate<jdouble>(numvars)) || !(begins = allocate<jint>(numvars)) ||
+        !(lower = allocate<jdouble>(numvars)) || !(upper = allocate<jdouble>(numvars)) ||
+        !(javaTypes = allocate<jchar>(numvars)) || !(nativeTypes = allocate<char>(numvars)))
         goto done;
-    if (!(objective = allocate<jdouble>(numvars)))
+    if (names &&
+        (!(references = allocate<jobject>(numvars)) || !(texts = allocate<const char *>(numvars))))
         goto done;
     jni->GetDoubleArrayRegion(obj, 0, numvars, objective);
-    if (!(begins = allocate<jint>(numvars)))
-        goto done;
     jni->GetIntArrayRegion(beg, 0, numvars, begins);
-    if (!(lower = allocate<jdouble>(numvars)))
-        goto done;
     jni->GetDoubleArrayRegion(lb, 0, numvars, lower);
-    if (!(upper = allocate<jdouble>(numvars)))
-        goto done;
     jni->GetDoubleArrayRegion(ub, 0, numvars, upper);
-    javaTypes = allocate<jchar>(numvars);
-    nativeTypes = allocate<char>(numvars);
-    if (!javaTypes || !nativeTypes)
-        goto done;
     jni->GetCharArrayRegion(types, 0, numvars, javaTypes);
     narrow(javaTypes, nativeTypes, numvars);
-    if (names) {
-        references = allocate<jobject>(numvars);
-        texts = allocate<const char *>(numvars);
-        if (!references || !texts || !fetch(jni, names, numvars, references, texts, fetched))
+    for (; names && fetched < numvars; ++fetched) {
+        const jobject name = references[fetched] = jni->GetObjectArrayElement(names, fetched);
+        texts[fetched] =
+            name ? jni->GetStringUTFChars(static_cast<jstring>(name), nullptr) : nullptr;
+        if (name && !texts[fetched])
             goto done;
     }
     jni->GetIntArrayRegion(ind, 0, numnz, indices);
@@ -125,17 +96,15 @@ FLOOR(addvars)
     status = KVXaddvars(asModel(model), numvars, numnz, begins, indices, values, objective, lower,
                         upper, nativeTypes, texts);
 done:
-    release(jni, references, texts, fetched);
-    free(objective);
-    free(begins);
-    free(indices);
-    free(values);
-    free(lower);
-    free(upper);
-    free(javaTypes);
-    free(nativeTypes);
-    free(references);
-    free(texts);
+    for (jint k = 0; k < fetched; ++k) {
+        if (references[k])
+            jni->ReleaseStringUTFChars(static_cast<jstring>(references[k]), texts[k]);
+        jni->DeleteLocalRef(references[k]);
+    }
+    void *const scratch[] = {objective, begins,    indices,     values,     lower,
+                             upper,     javaTypes, nativeTypes, references, texts};
+    for (void *buffer : scratch)
+        free(buffer);
     return status;
 }
 
@@ -174,11 +143,10 @@ FLOOR(getchars)
     jint status = outOfMemory;
     if (java)
         status = KVXgetcharattrarray(asModel(model), text, start, count, native);
-    if (status == 0) {
-        for (jint k = 0; k < count; ++k)
-            java[k] = static_cast<jchar>(static_cast<signed char>(native[k]));
+    for (jint k = 0; status == 0 && k < count; ++k)
+        java[k] = static_cast<jchar>(static_cast<signed char>(native[k]));
+    if (status == 0)
         jni->SetCharArrayRegion(values, 0, count, java);
-    }
     if (text)
         jni->ReleaseStringUTFChars(name, text);
     free(native);
@@ -266,16 +234,13 @@ FLOOR(optimizeThroughBridge)(JNIEnv *jni, jobject self, jlong model, jobjectArra
 }
 
 FLOOR(limit)(JNIEnv *, jclass, jint numvars, jint numnz) {
-    // What addvars allocates without names, in its order, and where from.
     static const char *source = static_cast<char *>(calloc(size_t{1} << 27, 1));
-    const size_t vars = static_cast<size_t>(numvars), nonzeros = static_cast<size_t>(numnz);
+    const auto vars = static_cast<size_t>(numvars), nonzeros = static_cast<size_t>(numnz);
     const size_t sizes[] = {4 * nonzeros, 8 * nonzeros, 8 * vars, 4 * vars,
                             8 * vars,     8 * vars,     2 * vars, vars};
     void *buffers[8];
-    for (int k = 0; k < 8; ++k) {
-        buffers[k] = malloc(sizes[k]);
-        memcpy(buffers[k], source, sizes[k]);
-    }
+    for (int k = 0; k < 8; ++k)
+        memcpy(buffers[k] = malloc(sizes[k]), source, sizes[k]);
     for (void *buffer : buffers)
         free(buffer);
     return 0;
