@@ -20,7 +20,8 @@
  *    it is added or becomes binary, its bounds are cut off there.
  *  - Names have neither control characters nor, in the development solver, characters beyond
  *    U+FFFF. An element without one gets one when it is made: a letter (C for variables, R for
- *    constraints, G for general constraints) and the number of those that were made before it.
+ *    constraints, Q for quadratic and G for general constraints) and the number of those that were
+ *    made before it.
  *  - A null handle is refused with KVX_ERROR_INVALID_ARGUMENT.
  *  - An object may be used by one thread at a time, and beside it by the callbacks of its run;
  *    KVXterminate and KVXmsg may be called from any thread at any moment. Different environments,

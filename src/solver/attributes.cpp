@@ -11,6 +11,7 @@ namespace {
 
 using M = KVXmodel;
 using General = GeneralConstraint;
+using Quadratic = QuadraticConstraint;
 
 // A setter checks the value and, in a second round with commit set, stores it: so a list of values
 // is stored only when all of them are good.
@@ -41,7 +42,9 @@ T &field(M &m, size_t i, T Owner::*member) {
     else if constexpr (std::is_same_v<Owner, Solution>)
         return m.solution.*member;
     else
-        return std::get<std::vector<Owner> &>(std::tie(m.vars, m.constrs, m.genconstrs))[i].*member;
+        return std::get<std::vector<Owner> &>(
+                   std::tie(m.vars, m.constrs, m.qconstrs, m.genconstrs))[i].*
+               member;
 }
 
 // Coefficients of the selected objective: a single one is in the variables.
@@ -74,6 +77,7 @@ void set(M &m, size_t i, T value, bool commit) {
 struct Good {
     static double number(M &, double v) { return readFinite(v, "the value"); }
     static int sense(M &, int v) { return readObjSense(v); }
+    static char sign(M &, char v) { return sidesOf(v, 0, 0).kind; }
     static int zero(M &, int v) { return intSize(readIndex(v, 1, "scenario")); }
     static int objective(M &m, int v) {
         return intSize(readIndex(v, std::max<size_t>(1, m.objectives.size()), "objective"));
@@ -169,22 +173,22 @@ double runtime(M &m, size_t) {
 }
 
 constexpr int model = KVX_OF_MODEL, var = KVX_OF_VARIABLE, row = KVX_OF_CONSTRAINT;
-constexpr int general = KVX_OF_GENCONSTRAINT;
+constexpr int quadratic = KVX_OF_QCONSTRAINT, general = KVX_OF_GENCONSTRAINT;
 constexpr Attribute table[] = {
     {"NumVars", model, Int{[](M &m, size_t) { return intSize(m.vars.size()); }}},
     {"NumConstrs", model, Int{[](M &m, size_t) { return intSize(m.constrs.size()); }}},
     {"NumNZs", model, Int{nonzeros}},
     {"NumSOS", model, Int{[](M &m, size_t) { return intSize(m.sos.size()); }}},
-    {"NumQConstrs", model, Int{[](M &, size_t) { return 0; }}},
+    {"NumQConstrs", model, Int{[](M &m, size_t) { return intSize(m.qconstrs.size()); }}},
     {"NumGenConstrs", model, Int{[](M &m, size_t) { return intSize(m.genconstrs.size()); }}},
-    {"NumQNZs", model, Int{[](M &, size_t) { return 0; }}},
+    {"NumQNZs", model, Int{[](M &m, size_t) { return intSize(m.products.size()); }}},
     {"NumIntVars", model, Int{count<Is::integer>}},
     {"NumBinVars", model, Int{count<Is::binary>}},
     {"NumObj", model, Int{[](M &m, size_t) { return std::max(1, intSize(m.objectives.size())); }}},
     {"NumScenarios", model, Int{[](M &, size_t) { return 1; }}},
     {"TuneResultCount", model, Int{[](M &m, size_t) { return intSize(m.tuneResults.size()); }}},
     {"IsMIP", model, Int{isMip}},
-    {"IsQP", model, Int{[](M &, size_t) { return 0; }}},
+    {"IsQP", model, Int{[](M &m, size_t) { return m.products.empty() ? 0 : 1; }}},
     {"IsMultiObj", model, Int{[](M &m, size_t) { return m.objectives.empty() ? 0 : 1; }}},
     {"ModelSense", model, Int{get<&M::objsense>, set<&M::objsense, Good::sense>}},
     {"ObjNumber", model, Int{get<&M::objNumber>, set<&M::objNumber, Good::objective>}, neutral},
@@ -222,8 +226,13 @@ constexpr Attribute table[] = {
      startBasis},
     {"IISConstr", row, Int{get<&Constraint::iis>}, iis},
     {"ConstrName", row, Text{get<&Constraint::name>, set<&Constraint::name, Good::name>}, neutral},
+    {"QConstrRHS", quadratic, Dbl{get<&Quadratic::rhs>, set<&Quadratic::rhs, Good::number>}},
+    {"QConstrSense", quadratic, Char{get<&Quadratic::sense>, set<&Quadratic::sense, Good::sign>}},
+    {"QConstrName", quadratic, Text{get<&Quadratic::name>, set<&Quadratic::name, Good::name>},
+     neutral},
     {"GenConstrType", general, Int{get<&General::kind>}},
     {"GenConstrName", general, Text{get<&General::name>, set<&General::name, Good::name>}, neutral},
+    {"GenConstrOptions", general, Text{get<&General::options>, set<&General::options, Good::text>}},
 };
 
 const Attribute &find(const char *name) {
@@ -252,7 +261,8 @@ auto prepare(const M &m, const char *name, const Elements &elements, const T *va
              attribute.name);
     auto [shape, count, start, list] = elements;
     readArray(count, values, "values");
-    const size_t limits[] = {1, m.vars.size(), m.constrs.size(), 0, 0, m.genconstrs.size()};
+    const size_t limits[] = {1, m.vars.size(),     m.constrs.size(),
+                             0, m.qconstrs.size(), m.genconstrs.size()};
     const size_t limit = limits[attribute.element];
     if (shape == listed)
         readArray(count, list, "indices");

@@ -103,6 +103,7 @@ int KVXoptimizebatch(KVXmodel *model, char *id) {
         auto request = std::make_shared<Request>();
         request->id = "KVX-" + std::to_string(getpid()) + "-" + std::to_string(++count);
         request->model = makeInnerModel(model->env, *model);
+        request->model->objectiveEnvs = model->objectiveEnvs;
         start(*request);
         requests()[request->id] = request;
         std::strcpy(id, request->id.c_str());

@@ -50,12 +50,6 @@ void addRows(KVXmodel &model, int count, int numnz, const int *beg, const int *i
     touch(model);
 }
 
-void refuseQuadratic(int numqnz, const std::string &what) {
-    if (readCount(numqnz, "quadratic terms") > 0)
-        fail(KVX_ERROR_NOT_SUPPORTED, "%s has quadratic terms, which can't be solved",
-             what.c_str());
-}
-
 // The new index of every item after a deletion, -1 for a deleted one.
 std::vector<int> renumbering(size_t size, int num, const int *ind, const char *what) {
     readArray(num, ind, what);
@@ -76,6 +70,19 @@ void renumber(std::vector<Entry> &entries, const std::vector<int> &numbers) {
     entries.erase(std::remove_if(entries.begin(), entries.end(), isGone), entries.end());
 }
 
+void renumber(Products &products, const std::vector<int> &numbers) {
+    Products kept;
+    while (!products.empty()) {
+        auto product = products.extract(products.begin());
+        auto &[row, col] = product.key();
+        row = numbers[at(row)];
+        col = numbers[at(col)];
+        if (row >= 0 && col >= 0)
+            kept.insert(kept.end(), std::move(product));
+    }
+    products.swap(kept);
+}
+
 template <class Item>
 void keep(std::vector<Item> &items, const std::vector<int> &numbers) {
     for (size_t i = 0; i < items.size(); i++)
@@ -94,14 +101,18 @@ int deleteItems(KVXmodel *model, std::vector<Item> ModelData::*items, int num, c
     });
 }
 
-// The variables without which a general constraint means nothing.
-std::vector<int *> variablesOf(GeneralConstraint &constr) {
-    std::vector<int *> vars = {&constr.first};
-    if (constr.kind == KVX_GENCONSTR_ABS || constr.kind == KVX_GENCONSTR_PWL)
-        vars.push_back(&constr.second);
+// Renumbers the variables without which a general constraint means nothing: each by use(variable).
+template <class Use>
+void renumberNeeded(GeneralConstraint &constr, Use use) {
+    constr.first = use(constr.first);
+    bool isFunction = constr.kind >= KVX_GENCONSTR_PWL && constr.kind != KVX_GENCONSTR_NL;
+    if (constr.kind == KVX_GENCONSTR_ABS || isFunction)
+        constr.second = use(constr.second);
     for (int &var : constr.vars)
-        vars.push_back(&var);
-    return vars;
+        var = use(var);
+    for (size_t k = 0; k < constr.opcodes.size(); k++)
+        if (constr.opcodes[k] == KVX_NL_VARIABLE)
+            constr.x[k] = use(static_cast<int>(constr.x[k]));
 }
 
 } // namespace
@@ -163,19 +174,6 @@ int KVXaddrangeconstrs(KVXmodel *model, int numconstrs, int numnz, const int *be
     });
 }
 
-int KVXaddqpterms(KVXmodel *model, int numqnz, const int *, const int *, const double *) {
-    return guarded(model, [&] { refuseQuadratic(numqnz, "the objective"); });
-}
-
-int KVXdelq(KVXmodel *model) {
-    return guarded(model, [] {});
-}
-
-int KVXaddqconstr(KVXmodel *model, int, const int *, const double *, int, const int *, const int *,
-                  const double *, char, double, const char *name) {
-    return guarded(model, [&] { refuseQuadratic(1, "the constraint " + readName(name)); });
-}
-
 int KVXaddsos(KVXmodel *model, int numsos, int nummembers, const int *types, const int *beg,
               const int *ind, const double *weight) {
     return guarded(model, [&] {
@@ -206,10 +204,12 @@ int KVXdelvars(KVXmodel *model, int num, const int *ind) {
     return guarded(model, [&] {
         std::vector<int> numbers = renumbering(model->vars.size(), num, ind, "variable");
         for (GeneralConstraint &constr : model->genconstrs)
-            for (int *var : variablesOf(constr))
-                if (numbers[at(*var)] < 0)
+            renumberNeeded(constr, [&](int var) {
+                if (numbers[at(var)] < 0)
                     fail(KVX_ERROR_INVALID_ARGUMENT, "general constraint %s needs variable %s",
-                         constr.name.c_str(), model->vars[at(*var)].name.c_str());
+                         constr.name.c_str(), model->vars[at(var)].name.c_str());
+                return var;
+            });
         keep(model->vars, numbers);
         for (Constraint &constr : model->constrs)
             renumber(constr.row, numbers);
@@ -217,8 +217,12 @@ int KVXdelvars(KVXmodel *model, int num, const int *ind) {
             renumber(set.members, numbers);
         for (GeneralConstraint &constr : model->genconstrs) {
             renumber(constr.linear, numbers);
-            for (int *var : variablesOf(constr))
-                *var = numbers[at(*var)];
+            renumberNeeded(constr, [&](int var) { return numbers[at(var)]; });
+        }
+        renumber(model->products, numbers);
+        for (QuadraticConstraint &constr : model->qconstrs) {
+            renumber(constr.linear, numbers);
+            renumber(constr.products, numbers);
         }
         for (Objective &objective : model->objectives)
             keep(objective.coefs, numbers);
@@ -235,7 +239,7 @@ int KVXdelsos(KVXmodel *model, int num, const int *ind) {
 }
 
 int KVXdelqconstrs(KVXmodel *model, int num, const int *ind) {
-    return guarded(model, [&] { renumbering(0, num, ind, "quadratic constraint"); });
+    return deleteItems(model, &ModelData::qconstrs, num, ind, "quadratic constraint");
 }
 
 int KVXdelgenconstrs(KVXmodel *model, int num, const int *ind) {
@@ -261,15 +265,17 @@ int KVXchgcoeffs(KVXmodel *model, int numchgs, const int *cind, const int *vind,
 }
 
 int KVXsetobjective(KVXmodel *model, int objsense, int numlnz, const int *lind, const double *lval,
-                    int numqnz, const int *, const int *, const double *, double objcon) {
+                    int numqnz, const int *qrow, const int *qcol, const double *qval,
+                    double objcon) {
     return guarded(model, [&] {
         int sense = objsense ? readObjSense(objsense) : model->objsense;
         auto terms = readList(std::max(numlnz, 0), lind, lval, model->vars.size(), "variable");
-        refuseQuadratic(std::max(numqnz, 0), "the objective");
+        auto products = readProducts(std::max(numqnz, 0), qrow, qcol, qval, model->vars.size());
         readFinite(objcon, "the objective constant");
         clearObjective(*model);
         model->objsense = sense;
         model->objcon = objcon;
+        model->products.swap(products);
         for (auto [var, value] : terms)
             model->vars[at(var)].obj = value;
         touch(*model);

@@ -21,9 +21,12 @@ int derive(KVXmodel *model, KVXmodel **newP, Make make) {
 }
 
 void refuseUnlessLinear(const ModelData &model, const char *types, const char *what) {
-    if (!model.sos.empty() || !model.genconstrs.empty() || !model.objectives.empty())
+    if (!model.sos.empty() || !model.genconstrs.empty() || !model.objectives.empty() ||
+        !model.qconstrs.empty() || !model.products.empty())
         fail(KVX_ERROR_NOT_SUPPORTED,
-             "%s: the model has SOS, general constraints or several objectives", what);
+             "%s: the model has SOS, general or quadratic constraints, several or quadratic "
+             "objectives",
+             what);
     for (const Variable &var : model.vars)
         if (!var.pwlX.empty() || !std::strchr(types, var.type))
             fail(KVX_ERROR_NOT_SUPPORTED,

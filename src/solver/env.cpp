@@ -1,5 +1,5 @@
 // Environments: making, starting, freeing, and those that belong to a model.
-#include "guard.h"
+#include "input.h"
 #include "log.h"
 #include "params.h"
 
@@ -30,11 +30,6 @@ int newEnv(KVXenv **envP, int interfacenum, int major, int minor, int technical,
                  KVX_VERSION_TECHNICAL);
         configure(**envP);
     });
-}
-
-KVXenv *refuseEnv(KVXmodel *model, const char *why) {
-    guardedRead(model, [&] { fail(KVX_ERROR_NOT_SUPPORTED, "%s", why); });
-    return nullptr;
 }
 
 } // namespace
@@ -70,16 +65,29 @@ KVXenv *KVXgetenv(KVXmodel *model) {
 }
 
 KVXenv *KVXgetconcurrentenv(KVXmodel *model, int) {
-    return refuseEnv(model, "a model isn't solved with several settings at once");
+    guardedRead(model, [&] {
+        fail(KVX_ERROR_NOT_SUPPORTED, "a model isn't solved with several settings at once");
+    });
+    return nullptr;
 }
 
 void KVXdiscardconcurrentenvs(KVXmodel *) {}
 
-KVXenv *KVXgetmultiobjenv(KVXmodel *model, int) {
-    return refuseEnv(model, "all objectives are optimized with the model's own parameters");
+KVXenv *KVXgetmultiobjenv(KVXmodel *model, int index) {
+    KVXenv *result = nullptr;
+    guarded(model, [&] {
+        readIndex(index, std::max<size_t>(1, model->objectives.size()), "objective");
+        auto found = model->objectiveEnvs.find(index);
+        if (found == model->objectiveEnvs.end())
+            found = model->objectiveEnvs.emplace(index, model->env).first;
+        result = &found->second;
+    });
+    return result;
 }
 
-void KVXdiscardmultiobjenvs(KVXmodel *) {}
+void KVXdiscardmultiobjenvs(KVXmodel *model) {
+    guarded(model, [&] { model->objectiveEnvs.clear(); });
+}
 
 void KVXfreeenv(KVXenv *env) {
     if (!env || env->owner)

@@ -107,12 +107,14 @@ void readBasis(KVXmodel &model, Source &source) {
 }
 
 void refuseSpecial(const ModelData &model) {
-    bool isSpecial = !model.sos.empty() || !model.genconstrs.empty() || !model.objectives.empty();
+    bool isSpecial = !model.sos.empty() || !model.genconstrs.empty() || !model.objectives.empty() ||
+                     !model.qconstrs.empty() || !model.products.empty();
     for (const Variable &var : model.vars)
         isSpecial = isSpecial || !var.pwlX.empty();
     if (isSpecial)
-        fail(KVX_ERROR_NOT_SUPPORTED, "model files hold no sets, no general constraints and only "
-                                      "one objective, without piecewise-linear terms");
+        fail(KVX_ERROR_NOT_SUPPORTED,
+             "model files hold no sets, no general or quadratic constraints "
+             "and only one objective, with linear terms");
 }
 
 std::string contents(const KVXmodel &model, const char *filename) {

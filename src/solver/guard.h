@@ -73,7 +73,11 @@ int guarded(KVXmodel *model, Body &&body) noexcept {
 }
 template <class Body>
 int guarded(KVXenv *env, Body &&body) noexcept {
-    return env && env->owner ? guarded(env->owner, body) : guardedRead(env, body);
+    return guardedRead(env, [&] {
+        if (env->owner)
+            refuseDuringRun(*env->owner);
+        body();
+    });
 }
 
 // Numbers to and from text in the same way whatever the locale: a Java virtual machine sets one.

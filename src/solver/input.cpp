@@ -124,6 +124,21 @@ std::vector<std::vector<Entry>> readLists(int count, int total, const int *beg, 
     return lists;
 }
 
+Products readProducts(int count, const int *row, const int *col, const double *val, size_t limit) {
+    readArray(count, row, "first indices");
+    readArray(count, col, "second indices");
+    readArray(count, val, "coefficients");
+    Products products;
+    for (int k = 0; k < count; k++) {
+        readIndex(row[k], limit, "variable");
+        readIndex(col[k], limit, "variable");
+        products[std::minmax(row[k], col[k])] += readFinite(val[k], "a coefficient");
+    }
+    for (auto product = products.begin(); product != products.end();)
+        product = product->second == 0 ? products.erase(product) : std::next(product);
+    return products;
+}
+
 void readPoints(int count, const double *x, const double *y) {
     readArray(count, x, "x");
     readArray(count, y, "y");

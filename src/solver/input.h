@@ -57,6 +57,9 @@ std::vector<int> readBegins(int count, int total, const int *beg);
 std::vector<std::vector<Entry>> readLists(int count, int total, const int *beg, const int *ind,
                                           const double *val, size_t limit, const char *what);
 
+// Terms with a product of two variables, those with the same two summed; drops zeros.
+Products readProducts(int count, const int *row, const int *col, const double *val, size_t limit);
+
 // Breakpoints, by non-decreasing x.
 void readPoints(int count, const double *x, const double *y);
 

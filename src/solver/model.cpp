@@ -39,6 +39,10 @@ int addConstraint(ModelData &model, Constraint constr) {
     return add(model.constrs, std::move(constr), 'R', model.constrsMade);
 }
 
+int addQuadraticConstraint(ModelData &model, QuadraticConstraint constr) {
+    return add(model.qconstrs, std::move(constr), 'Q', model.qconstrsMade);
+}
+
 int addGeneralConstraint(ModelData &model, GeneralConstraint constr) {
     return add(model.genconstrs, std::move(constr), 'G', model.genconstrsMade);
 }
@@ -69,6 +73,7 @@ CoinPackedMatrix matrixOf(const ModelData &model) {
 
 void clearObjective(ModelData &model) {
     model.objcon = 0;
+    model.products.clear();
     model.objectives.clear();
     model.objNumber = 0;
     for (Variable &var : model.vars) {

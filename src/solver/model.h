@@ -53,15 +53,28 @@ struct Sos {
     std::vector<Entry> members; // variable and weight
 };
 
-// Every kind that can be solved in one record; which fields mean something is the kind's affair.
-struct GeneralConstraint {
-    int kind; // KVX_GENCONSTR_
+// Coefficients of products of two variables, by their indices, the lower one first; none is 0.
+using Products = std::map<std::pair<int, int>, double>;
+
+struct QuadraticConstraint {
     std::string name;
-    int first = 0, second = 0; // resvar or x; argvar or y; binvar and binval
-    std::vector<int> vars;     // operands
-    std::vector<Entry> linear; // of an indicator
-    std::vector<double> x, y;  // breakpoints
-    double number = 0;         // constant, which norm, right-hand side
+    std::vector<Entry> linear;
+    Products products;
+    double rhs;
+    char sense;
+};
+
+// Every kind in one record; which fields mean something is the kind's affair.
+struct GeneralConstraint {
+    int kind;             // KVX_GENCONSTR_
+    const char *kindName; // for texts
+    std::string name, options;
+    int first = 0, second = 0;         // resvar or x; argvar or y; binvar and binval
+    std::vector<int> vars;             // operands
+    std::vector<Entry> linear;         // of an indicator
+    std::vector<double> x, y;          // breakpoints; coefficients or data of nodes in x
+    std::vector<int> opcodes, parents; // of nodes
+    double number = 0;                 // constant, which norm, right-hand side, base, exponent
     char sense = 0;
 };
 
@@ -89,11 +102,14 @@ struct ModelData {
     std::vector<Variable> vars;
     std::vector<Constraint> constrs;
     std::vector<Sos> sos;
+    Products products; // of the objective
+    std::vector<QuadraticConstraint> qconstrs;
     std::vector<GeneralConstraint> genconstrs;
     std::vector<Objective> objectives; // empty: one objective, in the variables
     int objNumber = 0, scenarioNumber = 0;
     bool hasBasis = false; // the basis fields hold a basis to start from
-    int varsMade = 0, constrsMade = 0, genconstrsMade = 0; // for names, deleted ones included
+    // For names, deleted ones included.
+    int varsMade = 0, constrsMade = 0, qconstrsMade = 0, genconstrsMade = 0;
 };
 
 // The text of the last failure, for each thread by itself: while a run goes on, its callback and
@@ -132,6 +148,7 @@ struct KVXmodel : korvex::ModelData {
     bool hasIis = false;                       // the iis fields hold the result of KVXcomputeIIS
     std::vector<std::vector<int>> tuneResults; // best first; see tune.cpp
     int latestTuneResult = 0;
+    std::map<int, KVXenv> objectiveEnvs; // by the objective's number
 
     KVXcallback callback = nullptr;
     void *callbackData = nullptr;
@@ -157,15 +174,19 @@ void touch(KVXmodel &model);
 // Add an element and return its index. Without a name it gets one, a letter and a number.
 int addVariable(ModelData &model, Variable var);
 int addConstraint(ModelData &model, Constraint constr);
+int addQuadraticConstraint(ModelData &model, QuadraticConstraint constr);
 int addGeneralConstraint(ModelData &model, GeneralConstraint constr);
 
 // The sense of a row with those sides.
 char senseOf(double lower, double upper);
 
+// Adds products to others; nothing can fail.
+void addProducts(Products &products, Products more) noexcept;
+
 // The coefficients by columns.
 CoinPackedMatrix matrixOf(const ModelData &model);
 
-// The linear objective, and all other objectives, out of the way.
+// The objective, and all other objectives, out of the way.
 void clearObjective(ModelData &model);
 
 // Indices are ints in the interface and sizes inside.

@@ -1,11 +1,31 @@
 // Several objectives: by decreasing priority, each level being the blend of those of one priority.
 // Each level's value becomes a row for the next ones, relaxed by what its objectives tolerate.
 #include "optimize.h"
+#include "params.h"
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 
 namespace korvex {
+
+// Gives the run the parameters of the first of those objectives that has an environment of its own;
+// the run's log and limits go on. Whether there is one.
+static bool takeParameters(Run &run, const std::vector<int> &members) {
+    const auto &envs = run.model.objectiveEnvs;
+    auto hasEnv = [&](int k) { return envs.count(k) > 0; };
+    auto member = std::find_if(members.begin(), members.end(), hasEnv);
+    if (member == members.end())
+        return false;
+    KVXenv env = envs.at(*member);
+    setParam(env, "LogToConsole", intParam(run.settings, "LogToConsole"));
+    setParam(env, "LogInterval", dblParam(run.settings, "LogInterval"));
+    for (const char *limit : {"TimeLimit", "NodeLimit", "IterationLimit"})
+        setParam(env, limit, std::min(dblParam(env, limit), dblParam(run.settings, limit)));
+    run.settings.parameters = env.parameters;
+    run.readLimits();
+    return true;
+}
 
 Outcome solveObjectives(Run &run, Problem problem) {
     std::map<int, std::vector<int>, std::greater<int>> levels;
@@ -32,7 +52,12 @@ Outcome solveObjectives(Run &run, Problem problem) {
         run.bound = -run.sense * KVX_INFINITY;
         if (!run.best.empty())
             run.bestObjective = problem.objective(run.best);
+        const std::vector<ParameterValue> parameters = run.settings.parameters;
+        const bool hasOwn = takeParameters(run, members);
         int status = solveProblem(run, problem).status;
+        if (hasOwn)
+            run.settings.parameters = parameters;
+        run.readLimits();
         bool isEnded = run.stopped() == Run::next;
         if (solved == 0) {
             first = problem;

@@ -236,12 +236,13 @@ Outcome solveProblem(Run &run, const Problem &problem) {
 
 void optimize(Run &run) {
     KVXmodel &model = run.model;
-    Solution &solution = model.solution = {};
     run.say("Optimizing a model with %zu rows and %zu columns", model.constrs.size(),
             model.vars.size());
     if (int threads = intParam(model.env, "Threads"); threads > 1)
         run.say("The parameter Threads is %d, but one thread does the run", threads);
-    const Problem problem(reformulated(model));
+    refuseQuadratic(model);
+    const Problem problem(reformulated(model)); // what is refused leaves the former solution
+    Solution &solution = model.solution = {};
     store(run,
           model.objectives.empty() ? solveProblem(run, problem) : solveObjectives(run, problem));
     run.say("%s: %.0f iterations, %.0f nodes, %s seconds", statusTexts[solution.status],

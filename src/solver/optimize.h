@@ -18,6 +18,9 @@ class Silence : public CoinMessageHandler {
     CoinMessageHandler *clone() const override { return new Silence(*this); }
 };
 
+// Refuses what isn't linear, nor can be made so; the text names it.
+void refuseQuadratic(const ModelData &model);
+
 // An equivalent model without general constraints, piecewise-linear objective terms and
 // semi-continuous variables, in whose SOS no member is negative. The first variables, constraints
 // and SOS are those of the model.

@@ -209,6 +209,9 @@ struct Reformulation {
 
     void general(const GeneralConstraint &constr) {
         const int result = constr.first, kind = constr.kind;
+        if (kind > KVX_GENCONSTR_PWL || (kind == KVX_GENCONSTR_NORM && constr.number == 2))
+            fail(KVX_ERROR_NOT_SUPPORTED, "general constraint %s: the kind %s can't be solved",
+                 constr.name.c_str(), kind == KVX_GENCONSTR_NORM ? "norm 2" : constr.kindName);
         std::vector<Expression> operands;
         Expression total = {{result, -1}};
         for (int operand : constr.vars) {

@@ -112,15 +112,6 @@ int KVXgetvarbyname(KVXmodel *model, const char *name, int *indexP) {
     return findName(model, &ModelData::vars, name, indexP);
 }
 
-int KVXgetq(KVXmodel *model, int *numqnzP, int *, int *, double *) {
-    return guardedRead(model, [&] { store(numqnzP, 0); });
-}
-
-int KVXgetqconstr(KVXmodel *model, int qconstr, int *, int *, double *, int *, int *, int *,
-                  double *) {
-    return guardedRead(model, [&] { readIndex(qconstr, 0, "quadratic constraint"); });
-}
-
 int KVXgetpwlobj(KVXmodel *model, int var, int *nptsP, double *x, double *y) {
     return guardedRead(model, [&] {
         const Variable &variable = model->vars[readIndex(var, model->vars.size(), "variable")];

@@ -26,6 +26,7 @@ void tune(Run &run) {
         run.report(KVX_CB_TUNE, {{KVX_CB_TUNE_TRIAL, 1.0 * intSize(k)},
                                  {KVX_CB_TUNE_TRIALS, 1.0 + intSize(settings.size())}});
         auto inner = makeInnerModel(run.settings, model);
+        inner->objectiveEnvs = model.objectiveEnvs;
         std::vector<int> values;
         for (size_t i = 0; i < std::size(names); i++) {
             values.push_back(k == 0 ? intParam(model.env, names[i]) : settings[k - 1][i]);

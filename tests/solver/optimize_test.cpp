@@ -113,4 +113,30 @@ TEST(Optimize, ObjectivesFollowOneAnother) {
     }
 }
 
+// The second objective's own environment ends the run before it, at the solution of the first.
+TEST(Optimize, ObjectivesHaveParametersOfTheirOwn) {
+    Env env;
+    Model model = Data{{0, 0}, {}, {3, 3}, "II", {{{2, 3}, -inf, 7}}, KVX_MAXIMIZE}.build(env);
+    KVXmodel *m = model.get();
+    const int all[] = {0, 1};
+    const double objectives[][2] = {{1, 0}, {0, 1}};
+    for (int k = 0; k < 2; k++)
+        MUST(model, KVXsetobjectiven(m, k, 1 - k, nullptr, 2, all, objectives[k], 0, 1, 0, 0));
+    EXPECT_EQ(nullptr, KVXgetmultiobjenv(m, 2));
+    EXPECT_STREQ("objective 2: there are 2", KVXgetmerrormsg(m));
+    KVXenv *second = KVXgetmultiobjenv(m, 1);
+    ASSERT_NE(nullptr, second);
+    EXPECT_EQ(second, KVXgetmultiobjenv(m, 1));
+    EXPECT_EQ(KVX_ERROR_UNKNOWN_PARAMETER, KVXsetintparam(second, "Foo", 1));
+    EXPECT_STREQ("unknown parameter \"Foo\"", KVXgeterrormsg(second));
+    EXPECT_EQ(KVX_OK, KVXsetdblparam(second, "TimeLimit", 0));
+    EXPECT_EQ(KVX_STATUS_TIME_LIMIT, solved(model).first);
+    EXPECT_EQ(3, dblAttr(model, "ObjVal"));
+    KVXdiscardmultiobjenvs(m);
+    EXPECT_EQ(KVX_STATUS_OPTIMAL, solved(model).first);
+    const double point[] = {0, 0}, steps[] = {0, 1};
+    MUST(model, KVXsetpwlobj(m, 0, 2, point, steps));
+    EXPECT_EQ(KVX_ERROR_NOT_SUPPORTED, KVXoptimize(m));
+}
+
 } // namespace

@@ -158,6 +158,50 @@ static std::ostream &operator<<(std::ostream &out, const std::vector<T> &values)
     return out << '\n';
 }
 
+std::string describedGeneral(KVXmodel *model, int g) {
+    int first = -1, second = -1, num = 0, ind[10], parents[10];
+    double number = -1, x[10], y[10];
+    char sense = ' ';
+    enum { vars = 1, xs = 2, ys = 4, tree = 8 };
+    auto anyOf = [&](auto... gets) { return (!gets(model, g, &first, &second) || ...); };
+    auto anyOfNumber = [&](auto... gets) {
+        return (!gets(model, g, &first, &second, &number) || ...);
+    };
+    auto anyOfList = [&](auto... gets) {
+        return (!gets(model, g, &first, &num, ind, &number) || ...);
+    };
+    const int arrays =
+        anyOf(KVXgetgenconstrAbs, KVXgetgenconstrExp, KVXgetgenconstrLog, KVXgetgenconstrSin,
+              KVXgetgenconstrCos, KVXgetgenconstrTan, KVXgetgenconstrLogistic) ||
+                anyOfNumber(KVXgetgenconstrExpA, KVXgetgenconstrLogA, KVXgetgenconstrPow)
+            ? 0
+        : anyOfList(KVXgetgenconstrMax, KVXgetgenconstrMin, KVXgetgenconstrNorm) ||
+                !KVXgetgenconstrAnd(model, g, &first, &num, ind) ||
+                !KVXgetgenconstrOr(model, g, &first, &num, ind)
+            ? vars
+        : !KVXgetgenconstrIndicator(model, g, &first, &second, &num, ind, x, &sense, &number)
+            ? vars + xs
+        : !KVXgetgenconstrPWL(model, g, &first, &second, &num, x, y)  ? xs + ys
+        : !KVXgetgenconstrPoly(model, g, &first, &second, &num, x)    ? xs
+        : !KVXgetgenconstrNL(model, g, &first, &num, ind, x, parents) ? vars + xs + tree
+                                                                      : -1;
+    EXPECT_GE(arrays, 0);
+    std::ostringstream out;
+    out << first << ' ' << second << ' ' << number << sense;
+    for (int k = 0; k < num; k++) {
+        out << ';';
+        if (arrays & vars)
+            out << ' ' << ind[k];
+        if (arrays & xs)
+            out << ' ' << x[k];
+        if (arrays & ys)
+            out << ' ' << y[k];
+        if (arrays & tree)
+            out << ' ' << parents[k];
+    }
+    return out.str();
+}
+
 std::string described(KVXmodel *model) {
     std::ostringstream out;
     auto count = [&](const char *name) {
@@ -166,10 +210,11 @@ std::string described(KVXmodel *model) {
         out << name << ' ' << value << '\n';
         return value;
     };
-    for (const char *name : {"ModelSense", "NumIntVars", "NumBinVars", "NumObj"})
+    for (const char *name : {"ModelSense", "NumIntVars", "NumBinVars", "NumObj", "IsQP"})
         count(name);
     const int vars = count("NumVars"), constrs = count("NumConstrs"), sos = count("NumSOS"),
-              genconstrs = count("NumGenConstrs");
+              genconstrs = count("NumGenConstrs"), qconstrs = count("NumQConstrs"),
+              products = count("NumQNZs");
     auto attrs = [&](auto get, auto sample, int size, std::vector<const char *> names) {
         for (const char *name : names) {
             std::vector<decltype(sample)> values(static_cast<size_t>(size));
@@ -185,7 +230,10 @@ std::string described(KVXmodel *model) {
     attrs(KVXgetcharattrarray, ' ', constrs, {"Sense"});
     attrs(KVXgetstrattrarray, text, constrs, {"ConstrName"});
     attrs(KVXgetintattrarray, 0, genconstrs, {"GenConstrType"});
-    attrs(KVXgetstrattrarray, text, genconstrs, {"GenConstrName"});
+    attrs(KVXgetstrattrarray, text, genconstrs, {"GenConstrName", "GenConstrOptions"});
+    attrs(KVXgetdblattrarray, 0.0, qconstrs, {"QConstrRHS"});
+    attrs(KVXgetcharattrarray, ' ', qconstrs, {"QConstrSense"});
+    attrs(KVXgetstrattrarray, text, qconstrs, {"QConstrName"});
 
     std::vector<int> begin(200), ind(500), types(static_cast<size_t>(sos));
     Vector val(500), y(500);
@@ -204,17 +252,14 @@ std::string described(KVXmodel *model) {
     out << "types" << types;
     for (int j = 0; j < vars; j++)
         list(0, KVXgetpwlobj(model, j, &num, v, y.data()));
-    for (int g = 0; g < genconstrs; g++) {
-        int first = 0, second = num = 0;
-        double number = 0;
-        char sense = ' ';
-        const bool isRead =
-            !KVXgetgenconstrIndicator(model, g, &first, &second, &num, i, v, &sense, &number) ||
-            !KVXgetgenconstrMax(model, g, &first, &num, i, &number) ||
-            !KVXgetgenconstrAbs(model, g, &first, &second) ||
-            !KVXgetgenconstrPWL(model, g, &first, &second, &num, v, y.data());
-        out << first << ' ' << second << ' ' << sense << number;
-        list(0, isRead ? KVX_OK : KVX_ERROR_NOT_FOUND);
+    for (int g = 0; g < genconstrs; g++)
+        out << describedGeneral(model, g) << '\n';
+    EXPECT_EQ(KVX_OK, KVXgetq(model, &num, b, i, v));
+    list(num, num == products ? KVX_OK : KVX_ERROR_INTERNAL);
+    for (int q = 0; q < qconstrs; q++) {
+        int numLinear = 0;
+        list(0, KVXgetqconstr(model, q, &num, i, v, &numLinear, nullptr, nullptr, nullptr));
+        list(num, KVXgetqconstr(model, q, nullptr, nullptr, nullptr, &num, b, i, v));
     }
     return out.str();
 }

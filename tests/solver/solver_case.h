@@ -98,6 +98,9 @@ std::string temporary(const std::string &name);
 std::string contents(const std::string &path);
 void store(const std::string &path, const std::string &text);
 
+// A general constraint as text: its variables, number and sense, and its arrays.
+std::string describedGeneral(KVXmodel *model, int constr);
+
 // The data of a model, all that can be read through the interface, as text.
 std::string described(KVXmodel *model);
 

@@ -84,8 +84,12 @@
  *                                              with the values of "VarBasis"
  *   IISConstr         int       constraint     1 if it belongs to the irreducible infeasible
  *                                              subsystem, else 0
+ *   QConstrName       string w  qconstraint    name; Q and a number by default
+ *   QConstrSense      char w    qconstraint    KVX_LESS_EQUAL, KVX_GREATER_EQUAL or KVX_EQUAL
+ *   QConstrRHS        double w  qconstraint    right-hand side, finite
  *   GenConstrType     int       genconstraint  kind: KVX_GENCONSTR_MAX and so on
  *   GenConstrName     string w  genconstraint  name; G and a number by default
+ *   GenConstrOptions  string w  genconstraint  how a function is approximated; "" by default
  */
 /** A value that isn't known, in start values and proposed solutions. */
 #define KVX_UNDEFINED 1e101

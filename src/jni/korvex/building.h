@@ -39,20 +39,23 @@ int KVXaddrangeconstrs(KVXmodel *model, int numconstrs, int numnz, const int *be
                        const double *val, const double *lower, const double *upper,
                        const char *const *names);
 
-/** Adds terms qval[k] * x[qrow[k]] * x[qcol[k]] to the objective. Like all that is quadratic, they
- * are refused by the development solver. */
+/** Adds terms qval[k] * x[qrow[k]] * x[qcol[k]] to the objective. Terms with the same two
+ * variables, in either order, are one, whose coefficients are summed; it is gone when that makes 0.
+ * (The development solver takes and keeps all that is quadratic, but can't solve it.) */
 int KVXaddqpterms(KVXmodel *model, int numqnz, const int *qrow, const int *qcol,
                   const double *qval);
 /** Removes the objective's quadratic terms. */
 int KVXdelq(KVXmodel *model);
-/** The objective's quadratic terms. @param numqnzP receives their number; buffers of that many
- * entries (attribute "NumQNZs"), each may be null */
+/** The objective's quadratic terms, by increasing indices, qrow[k] <= qcol[k]. @param numqnzP
+ * receives their number; buffers of that many entries (attribute "NumQNZs"), each may be null */
 int KVXgetq(KVXmodel *model, int *numqnzP, int *qrow, int *qcol, double *qval);
-/** Adds a quadratic constraint; the development solver refuses it. @param name its name, or null */
+/** Adds a quadratic constraint; its terms are summed like those of the objective. @param sense,rhs
+ * sense and finite right-hand side @param name its name, or null */
 int KVXaddqconstr(KVXmodel *model, int numlnz, const int *lind, const double *lval, int numqnz,
                   const int *qrow, const int *qcol, const double *qval, char sense, double rhs,
                   const char *name);
-/** Reads a quadratic constraint back: always both counts, and every buffer that isn't null. */
+/** Reads a quadratic constraint back: always both counts, and every buffer that isn't null. Terms
+ * come in the order of KVXgetq. */
 int KVXgetqconstr(KVXmodel *model, int qconstr, int *numlnzP, int *lind, double *lval, int *numqnzP,
                   int *qrow, int *qcol, double *qval);
 
@@ -69,8 +72,8 @@ int KVXgetsos(KVXmodel *model, int *nummembersP, int *types, int *beg, int *ind,
               int start, int count);
 
 /* Deleters: num indices in any order; the remaining items are renumbered. A deleted variable
- * disappears from SOS, quadratic terms and the linear part of an indicator; one that a general
- * constraint depends on otherwise is refused. */
+ * disappears from linear constraints, SOS, objectives, and the linear part of an indicator, and so
+ * do quadratic terms with it; one that a general constraint depends on otherwise is refused. */
 int KVXdelvars(KVXmodel *model, int num, const int *ind);
 int KVXdelconstrs(KVXmodel *model, int num, const int *ind);
 int KVXdelsos(KVXmodel *model, int num, const int *ind);

@@ -53,8 +53,10 @@ void KVXdiscardconcurrentenvs(KVXmodel *model);
 
 /**
  * The environment of the model's objective number index: parameters that apply while that objective
- * is optimised. Belongs to the model. Null when there is none, with the reason in KVXgetmerrormsg;
- * the development solver has none: all objectives are optimised with the model's own parameters.
+ * is optimised, and the run's log and its limits of time, nodes and iterations with them; of
+ * several objectives of one priority, those of the first that has an environment. The first call
+ * makes it, a copy of the model's. Belongs to the model, not to its copies. Null when there is no
+ * such objective, with the reason in KVXgetmerrormsg.
  */
 KVXenv *KVXgetmultiobjenv(KVXmodel *model, int index);
 

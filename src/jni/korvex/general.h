@@ -7,7 +7,9 @@
 
 /*
  * General constraints. name and options may be null. In functions y = f(x), the first variable is
- * x and the second is y.
+ * x and the second is y; options says how the function is to be approximated. The development
+ * solver takes and keeps all kinds; it can't solve norm 2, polynomials and the functions that
+ * follow them.
  */
 
 /** resvar = max(vars..., constant). */
@@ -22,9 +24,8 @@ int KVXaddgenconstrAbs(KVXmodel *model, const char *name, int resvar, int argvar
 int KVXaddgenconstrAnd(KVXmodel *model, const char *name, int resvar, int nvars, const int *vars);
 /** resvar = 1 if any of the binary vars is 1, else 0. */
 int KVXaddgenconstrOr(KVXmodel *model, const char *name, int resvar, int nvars, const int *vars);
-/** resvar = norm of vars. @param which 0, 1, 2 (refused by the development solver) or KVX_INFINITY.
- * For 0 a continuous operand counts from ten times the parameter "FeasibilityTol" on; what is less
- * must be 0. */
+/** resvar = norm of vars. @param which 0, 1, 2 or KVX_INFINITY. For 0 a continuous operand counts
+ * from ten times the parameter "FeasibilityTol" on; what is less must be 0. */
 int KVXaddgenconstrNorm(KVXmodel *model, const char *name, int resvar, int nvars, const int *vars,
                         double which);
 /** If binvar = binval then the linear constraint holds. */
@@ -34,19 +35,17 @@ int KVXaddgenconstrIndicator(KVXmodel *model, const char *name, int binvar, int 
  * the first and the last segment go on, at a jump y is anywhere between both values. */
 int KVXaddgenconstrPWL(KVXmodel *model, const char *name, int xvar, int yvar, int npts,
                        const double *xpts, const double *ypts);
-/* The development solver refuses the kinds that follow. */
-
-/** y = coefs[0] x^(ncoef-1) + ... + coefs[ncoef-1]. */
+/** y = coefs[0] x^(ncoef-1) + ... + coefs[ncoef-1]. @param ncoef at least 1 */
 int KVXaddgenconstrPoly(KVXmodel *model, const char *name, int xvar, int yvar, int ncoef,
                         const double *coefs, const char *options);
 /** y = e^x. */
 int KVXaddgenconstrExp(KVXmodel *model, const char *name, int xvar, int yvar, const char *options);
-/** y = base^x. */
+/** y = base^x. @param base above 0 */
 int KVXaddgenconstrExpA(KVXmodel *model, const char *name, int xvar, int yvar, const char *options,
                         double base);
 /** y = ln x. */
 int KVXaddgenconstrLog(KVXmodel *model, const char *name, int xvar, int yvar, const char *options);
-/** y = log x to the given base. */
+/** y = log x to the given base. @param base above 0, not 1 */
 int KVXaddgenconstrLogA(KVXmodel *model, const char *name, int xvar, int yvar, const char *options,
                         double base);
 /** y = x^exponent. */
@@ -63,7 +62,8 @@ int KVXaddgenconstrLogistic(KVXmodel *model, const char *name, int xvar, int yva
                             const char *options);
 /** resvar = an expression tree of nlcount nodes: operation code (KVX_NL_), constant or variable
  * index (as a double), and parent node of each. The first node is the root, with parent -1; every
- * other comes after its parent, operands in their order. */
+ * other comes after its parent, operands in their order. Data of operators mean nothing, but are
+ * finite and kept. */
 int KVXaddgenconstrNL(KVXmodel *model, const char *name, int resvar, int nlcount,
                       const int *opcodes, const double *data, const int *parents);
 

@@ -55,8 +55,8 @@ int KVXfreemodel(KVXmodel *model);
 
 /** A copy that belongs to another environment. @param env must not be null */
 int KVXcopymodeltoenv(KVXmodel *model, KVXenv *env, KVXmodel **newP);
-/** The model without integrality, SOS and general constraints; semi-continuous variables may be
- * anywhere between 0 and their bounds. */
+/** The model without integrality, SOS and general constraints, whatever their kind; semi-continuous
+ * variables may be anywhere between 0 and their bounds. */
 int KVXrelaxmodel(KVXmodel *model, KVXmodel **newP);
 /** The model in which all variables that aren't continuous are fixed at the best solution, which
  * stays optimal. (The development solver takes models with linear constraints and one linear
@@ -107,8 +107,8 @@ int KVXreadmodel(KVXenv *env, const char *filename, KVXmodel **modelP);
 /** Reads an attribute file into a model. */
 int KVXread(KVXmodel *model, const char *filename);
 /** Writes a model or attribute file. Names that the format can't hold are refused; by the
- * development solver, models with SOS, general constraints, several or piecewise-linear objectives
- * in model files, too. */
+ * development solver, models with SOS, general or quadratic constraints, several, quadratic or
+ * piecewise-linear objectives in model files, too. */
 int KVXwrite(KVXmodel *model, const char *filename);
 /** 0: not the name of a model file; 1: MPS; 2: LP. */
 int KVXismodelfile(const char *filename);
