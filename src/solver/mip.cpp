@@ -1,21 +1,14 @@
 // Mixed-integer models: starts, the search by Cbc, and what the callback has a say in.
+#include "cbcprogram.h"
 #include "guard.h"
 #include "optimize.h"
 #include "params.h"
 
 #include <CbcEventHandler.hpp>
-#include <CbcHeuristicFPump.hpp>
-#include <CbcHeuristicRINS.hpp>
-#include <CbcModel.hpp>
+#include <CbcHeuristic.hpp>
 #include <CbcSOS.hpp>
 #include <CbcTree.hpp>
-#include <CglFlowCover.hpp>
-#include <CglGomory.hpp>
-#include <CglKnapsackCover.hpp>
-#include <CglMixedIntegerRounding2.hpp>
-#include <CglPreProcess.hpp>
-#include <CglProbing.hpp>
-#include <CglZeroHalf.hpp>
+#include <CglCutGenerator.hpp>
 #include <OsiClpSolverInterface.hpp>
 
 #include <algorithm>
@@ -39,16 +32,20 @@ struct Mip {
     void dropFreeRows();
     int solveOnce();
     void markIntegers(OsiSolverInterface &solver) const;
-    void configure(CbcModel &cbc) const;
-    std::unique_ptr<OsiSolverInterface> preprocessed(OsiSolverInterface &solver) const;
-    int search(OsiSolverInterface &solver);
+    void configure(CbcModel &cbc);
+    CbcProgram program(bool preprocess) const;
+    int search(OsiSolverInterface &solver, bool preprocess);
+    int verdict(const CbcModel &cbc);
     bool round(std::vector<double> &x) const;
     bool complete(std::vector<double> &x, double &objective);
     bool solveRest(std::vector<double> &x);
     void candidate(const CbcModel &cbc);
+    void announce(const CbcModel &cbc);
 
     Run &run;
     Problem problem;
+    std::vector<double> remembered; // integers of the best solution of the reduced model
+    bool isReduced = false; // The model that is searched has other columns than the problem.
 };
 
 // Lets the run follow the tree and ends the search when the run has to end. Heuristics search
@@ -59,7 +56,7 @@ struct TreeWatch : CbcEventHandler {
     CbcAction event(CbcEvent event) override {
         if (model_ == whole)
             mip.follow(*model_, event);
-        return mip.run.poll() ? stop : noAction;
+        return mip.run.poll() && !mip.run.isWindingUp ? stop : noAction;
     }
     CbcEventHandler *clone() const override { return new TreeWatch(*this); }
 
@@ -172,15 +169,23 @@ bool Mip::solveRest(std::vector<double> &x) {
     OsiClpSolverInterface solver(&lp);
     markIntegers(solver);
     CbcModel cbc(solver);
-    configure(cbc);
-    TreeWatch tree(*this, nullptr);
-    cbc.passInEventHandler(&tree);
-    cbc.setMaximumNodes(completionNodes);
-    cbc.branchAndBound();
-    if (!cbc.bestSolution())
-        return false;
-    x.assign(cbc.bestSolution(), cbc.bestSolution() + x.size());
-    return round(x);
+    cbc.passInMessageHandler(&problem.silence);
+    bool isFound = false;
+    CbcProgram completion = program(false);
+    completion.begin = [this](CbcModel &searched) {
+        configure(searched);
+        TreeWatch tree(*this, nullptr);
+        searched.passInEventHandler(&tree);
+        searched.setMaximumNodes(completionNodes);
+    };
+    completion.end = [&](CbcModel &searched) {
+        if (const double *found = searched.bestSolution()) {
+            x.assign(found, found + x.size());
+            isFound = round(x);
+        }
+    };
+    completion.conduct(cbc);
+    return isFound;
 }
 
 // Looks at Cbc's best solution. Its integers are so only within a tolerance; when it isn't a
@@ -203,6 +208,21 @@ void Mip::candidate(const CbcModel &cbc) {
     double objective;
     if (complete(x, objective))
         run.offer(x, objective);
+}
+
+// Takes notice of a solution of the reduced model, which is known in full after the search.
+void Mip::announce(const CbcModel &cbc) {
+    const double value = run.sense * cbc.getObjValue();
+    if (!cbc.bestSolution() || !run.better(value, run.bestObjective))
+        return;
+    run.bestObjective = value;
+    remembered.assign(problem.cost.size(), KVX_UNDEFINED);
+    for (int k = 0; cbc.originalColumns() && k < cbc.getNumCols(); k++)
+        if (const size_t j = at(cbc.originalColumns()[k]);
+            j < remembered.size() && problem.integer[j])
+            remembered[j] = cbc.bestSolution()[k];
+    if (++run.solutions >= run.solutionLimit)
+        run.stop(KVX_STATUS_SOLUTION_LIMIT);
 }
 
 void Mip::node(const double *relaxation, OsiCuts &cuts) {
@@ -232,7 +252,7 @@ void Mip::follow(CbcModel &cbc, CbcEventHandler::CbcEvent event) {
     run.nodes = run.earlierNodes + cbc.getNodeCount();
     run.iterations = run.earlierIterations + cbc.getIterationCount();
     if (event == CbcEventHandler::solution || event == CbcEventHandler::heuristicSolution)
-        candidate(cbc);
+        isReduced ? announce(cbc) : candidate(cbc);
     if (event != CbcEventHandler::node && event != CbcEventHandler::treeStatus)
         return;
     double bound = problem.sense * cbc.getBestPossibleObjValue();
@@ -256,16 +276,18 @@ void Mip::markIntegers(OsiSolverInterface &solver) const {
             solver.setInteger(intSize(j));
 }
 
-void Mip::configure(CbcModel &cbc) const {
-    cbc.passInMessageHandler(&problem.silence);
-    cbc.setLogLevel(0);
+// What is the same for every search.
+void Mip::configure(CbcModel &cbc) {
     cbc.setIntegerTolerance(dblParam(run.settings, "IntegralityTol"));
-    cbc.setRandomSeed(intParam(run.settings, "Seed"));
+    cbc.setAllowableGap(run.absoluteGap);
+    cbc.setAllowableFractionGap(run.gap);
+    if (problem.sets.empty())
+        return;
     // Cbc's dynamic pseudo-costs take every branching object for that of an integer, and its strong
     // branching aborts for want of fractional ones.
-    cbc.setNumberBeforeTrust(problem.sets.empty() ? 10 : 0);
-    if (!problem.sets.empty())
-        cbc.setNumberStrong(0);
+    cbc.setNumberBeforeTrust(0);
+    cbc.setNumberStrong(0);
+    cbc.findIntegers(true);
     for (const Sos &set : problem.sets) {
         std::vector<int> columns;
         for (Entry member : set.members)
@@ -274,65 +296,72 @@ void Mip::configure(CbcModel &cbc) const {
         OsiObject *added = &object; // Cbc copies it.
         cbc.addObjects(1, &added);
     }
-    if (intParam(run.settings, "Cuts")) {
-        constexpr int whileUseful = -98;
-        CglProbing probing;
-        CglGomory gomory;
-        CglKnapsackCover knapsack;
-        CglMixedIntegerRounding2 rounding;
-        CglFlowCover flow;
-        CglZeroHalf zeroHalf;
-        for (CglCutGenerator *generator : std::initializer_list<CglCutGenerator *>{
-                 &probing, &gomory, &knapsack, &rounding, &flow, &zeroHalf})
-            cbc.addCutGenerator(generator, whileUseful);
-    }
-    if (intParam(run.settings, "Heuristics")) {
-        CbcRounding rounding(cbc);
-        CbcHeuristicFPump pump(cbc);
-        CbcHeuristicRINS neighbourhood(cbc);
-        for (CbcHeuristic *heuristic :
-             std::initializer_list<CbcHeuristic *>{&rounding, &pump, &neighbourhood})
-            cbc.addHeuristic(heuristic);
-    }
 }
 
-// The tightened model with the same columns, so that a point of Cbc's is a point of the problem and
-// the other way round; null when there is none, for whatever reason. It may lack solutions that
-// aren't better than others, so it is of no use when there are conditions that it doesn't know.
-std::unique_ptr<OsiSolverInterface> Mip::preprocessed(OsiSolverInterface &solver) const {
-    if (!intParam(run.settings, "Presolve") || intParam(run.settings, "LazyConstraints") ||
-        !problem.sets.empty())
-        return nullptr;
-    int columns = solver.getNumCols();
-    CglProbing probing;
-    CglPreProcess process;
-    process.passInMessageHandler(&problem.silence);
-    process.passInProhibited(std::string(at(columns), 1).c_str(), columns);
-    process.addCutGenerator(&probing);
-    const OsiSolverInterface *processed = process.preProcessNonDefault(solver, 0, 10);
-    if (!processed || run.stopped() || processed->getNumCols() != columns)
-        return nullptr;
-    for (int j = 0; j < columns; j++)
-        // It makes columns integer that needn't be, and then cuts off solutions by their bounds.
-        if (process.originalColumns()[j] != j || processed->isInteger(j) != solver.isInteger(j))
-            return nullptr;
-    return std::unique_ptr<OsiSolverInterface>(processed->clone());
+CbcProgram Mip::program(bool preprocess) const {
+    CbcProgram result;
+    auto option = [&](const char *name, bool isOn) {
+        if (!isOn)
+            result.options.insert(result.options.end(), {name, "off"});
+    };
+    option("-preprocess", preprocess);
+    option("-cuts", intParam(run.settings, "Cuts"));
+    option("-heuristics", intParam(run.settings, "Heuristics"));
+    return result;
 }
 
-int Mip::search(OsiSolverInterface &solver) {
+// With preprocessing Cbc searches a model of other columns, whose solutions are known in the end
+// only: neither callbacks nor sets can do with that.
+int Mip::search(OsiSolverInterface &solver, bool preprocess) {
     CbcModel cbc(solver);
-    configure(cbc);
-    Incumbent incumbent(cbc, run);
-    cbc.addHeuristic(&incumbent);
-    NodeWatch nodes(*this);
-    if (run.model.callback)
-        cbc.addCutGenerator(&nodes, 1);
-    TreeWatch tree(*this, &cbc);
-    cbc.passInEventHandler(&tree);
-    cbc.branchAndBound();
-    candidate(cbc);
+    cbc.passInMessageHandler(&problem.silence);
+    isReduced = preprocess;
+    remembered.clear();
+    if (preprocess && !run.best.empty())
+        cbc.setBestSolution(run.best.data(), intSize(run.best.size()),
+                            run.sense * run.bestObjective);
+    const int solutions = run.solutions;
+    const double bestObjective = run.bestObjective;
+    int status = KVX_STATUS_NUMERIC;
+    CbcProgram whole = program(preprocess);
+    whole.begin = [&](CbcModel &searched) {
+        configure(searched);
+        searched.setRandomSeed(intParam(run.settings, "Seed"));
+        if (!preprocess) {
+            Incumbent incumbent(searched, run);
+            searched.addHeuristic(&incumbent);
+            NodeWatch nodes(*this);
+            if (run.model.callback)
+                searched.addCutGenerator(&nodes, 1);
+        }
+        TreeWatch tree(*this, &searched);
+        searched.passInEventHandler(&tree);
+    };
+    whole.end = [&](CbcModel &searched) {
+        if (preprocess) {
+            run.bestObjective = bestObjective;
+            run.solutions = solutions;
+        }
+        if (searched.getMinimizationObjValue() < 1e50) // The solution is in the original columns.
+            candidate(searched);
+        // Cbc loses what its heuristics have found when it is stopped soon after.
+        if (double objective;
+            run.best.empty() && !remembered.empty() && complete(remembered, objective))
+            run.offer(remembered, objective);
+        status = verdict(searched);
+    };
+    whole.afterSearch = [this] { run.isWindingUp = true; };
+    // Preprocessing says so when it ends early, too.
+    if (whole.conduct(cbc) == CbcProgram::infeasible && !preprocess)
+        status = run.best.empty() ? KVX_STATUS_INFEASIBLE : KVX_STATUS_NUMERIC;
+    isReduced = run.isWindingUp = false;
     run.earlierNodes = run.nodes;
     run.earlierIterations = run.iterations;
+    return run.stopped() ? run.stopped() : status;
+}
+
+// What Cbc's result means for the problem.
+int Mip::verdict(const CbcModel &cbc) {
     if (run.stopped())
         return run.stopped();
     if (run.best.empty() && cbc.status() == 0 && !cbc.bestSolution())
@@ -367,14 +396,16 @@ int Mip::solveOnce() {
         return relaxation.status;
     if (run.better(run.bound, relaxation.objective))
         run.bound = relaxation.objective;
-    OsiClpSolverInterface solver(&lp);
+    ClpSimplex fresh;
+    problem.load(fresh);
+    OsiClpSolverInterface solver(&fresh);
     markIntegers(solver);
     SimplexWatch watch(run, false);
-    lp.passInEventHandler(&watch);
-    // Now and then preprocessing drops a row that is needed to know a column's value.
-    std::unique_ptr<OsiSolverInterface> processed = preprocessed(solver);
-    int status = processed ? search(*processed) : KVX_STATUS_NUMERIC;
-    return status == KVX_STATUS_NUMERIC ? search(solver) : status;
+    fresh.passInEventHandler(&watch);
+    const bool preprocess = intParam(run.settings, "Presolve") && problem.sets.empty() &&
+                            !intParam(run.settings, "LazyConstraints") && !run.hasWatcher();
+    int status = preprocess ? search(solver, true) : KVX_STATUS_NUMERIC;
+    return status == KVX_STATUS_NUMERIC ? search(solver, false) : status;
 }
 
 Outcome Mip::solve() {

@@ -44,6 +44,11 @@ void end(KVXmodel &model) {
         throw Failure{run->result, run->error};
 }
 
+// The callback of models that are solved inside a run.
+int pollOuter(KVXmodel *inner, void *, int, void *outer) {
+    return static_cast<Run *>(outer)->poll() ? KVXterminate(inner) : KVX_OK;
+}
+
 } // namespace
 
 std::string shown(double value) {
@@ -85,6 +90,10 @@ void Run::stop(int status) {
 
 void Run::goOn() {
     stopStatus = callbackStatus ? KVX_STATUS_INTERRUPTED : 0;
+}
+
+bool Run::hasWatcher() const {
+    return model.callback && model.callback != pollOuter;
 }
 
 bool Run::poll() {
@@ -233,9 +242,7 @@ int solveInside(Run &run, KVXmodel &model, double seconds) {
     seconds = std::min(seconds, run.timeLimit - run.elapsed());
     setParam(model.env, "TimeLimit", std::max(seconds, 0.0));
     model.callbackData = &run;
-    model.callback = [](KVXmodel *inner, void *, int, void *outer) {
-        return static_cast<Run *>(outer)->poll() ? KVXterminate(inner) : KVX_OK;
-    };
+    model.callback = pollOuter;
     if (int status = perform(&model, optimize))
         throw Failure{status, model.env.error.get()};
     run.poll();

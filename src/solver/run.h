@@ -61,6 +61,10 @@ class Run {
     // Whether the first objective value is better than the second.
     bool better(double a, double b) const { return sense > 0 ? a < b : a > b; }
 
+    // Whether somebody follows the run who may ask for its points: the model's callback, unless it
+    // is that of solveInside.
+    bool hasWatcher() const;
+
     void readLimits(); // from the settings
     double elapsed() const;
     double tolerance() const; // of a solution's violations
@@ -68,6 +72,7 @@ class Run {
     KVXmodel &model;
     KVXenv settings; // the model's parameters; a callback changes them for this run only
     Occasion occasion;
+    bool isWindingUp = false;     // What is being solved must be solved to its end.
     bool hasPhases = false;       // stop(next) ends one of them
     std::vector<int> present;     // numbers of the objectives that are being optimised, of several
     std::vector<Constraint> cuts; // added by the callback at the present node

@@ -11,7 +11,7 @@ namespace korvex {
 
 int SimplexWatch::event(Event event) {
     if (!itself || !model_) // The barrier method has no simplex model.
-        return run.poll() ? 0 : -1;
+        return run.poll() && !run.isWindingUp ? 0 : -1;
     if (event == presolveSize) {
         int columns = intSize(run.model.vars.size()), rows = intSize(run.model.constrs.size());
         run.report(KVX_CB_PRESOLVE,

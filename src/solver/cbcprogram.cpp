@@ -1,0 +1,65 @@
+#include "cbcprogram.h"
+
+#include <CbcSolver.hpp>
+
+#include <mutex>
+
+namespace korvex {
+namespace {
+
+// The program reads its command line by way of variables that all threads share, so one at a time
+// does that. It is left after the search, before it reads on; only when it sees early that there
+// are no solutions it reads on, to no effect.
+std::mutex commandLine;
+
+struct Conduct {
+    CbcProgram &program;
+    std::unique_lock<std::mutex> lock{commandLine};
+    bool isDone = false;
+
+    // Returns whether the program ends.
+    static int stage(CbcModel *model, int number) {
+        enum { isRelaxed = 1, isPreprocessed, beforeSearch, afterSearch, isPostprocessed };
+        Conduct &conduct = *static_cast<Conduct *>(model->getApplicationData());
+        switch (number) {
+        case isRelaxed:
+            if (!conduct.lock.owns_lock()) // The command has been read a second time.
+                return 1;
+            conduct.lock.unlock();
+            return 0;
+        case isPreprocessed:
+            return model->status() == 0; // There is nothing to search.
+        case beforeSearch:
+            conduct.program.begin(*model);
+            return 0;
+        case afterSearch:
+            conduct.program.afterSearch();
+            return 0;
+        case isPostprocessed:
+            conduct.program.end(*model);
+            conduct.isDone = true;
+        }
+        return 1;
+    }
+};
+
+} // namespace
+
+CbcProgram::Result CbcProgram::conduct(CbcModel &model) {
+    Conduct conduct{*this};
+    CbcSolverUsefulData data;
+    data.useSignalHandler_ = false;
+    data.noPrinting_ = true;
+    model.setApplicationData(&conduct);
+    CbcMain0(model, data);
+    std::vector<const char *> arguments = options;
+    arguments.insert(arguments.begin(), "cbc");
+    arguments.insert(arguments.end(), {"-solve", "-quit"});
+    CbcMain1(static_cast<int>(arguments.size()), arguments.data(), model, Conduct::stage, data);
+    constexpr int seenInfeasible = 1;
+    return conduct.isDone                                                     ? searched
+           : model.status() == 0 && model.secondaryStatus() == seenInfeasible ? infeasible
+                                                                              : failed;
+}
+
+} // namespace korvex

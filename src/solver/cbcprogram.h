@@ -1,0 +1,28 @@
+// Cbc as its own program conducts it: with its preprocessing, cut generators and heuristics.
+#ifndef KORVEX_SOLVER_CBCPROGRAM_H
+#define KORVEX_SOLVER_CBCPROGRAM_H
+
+#include <CbcModel.hpp>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace korvex {
+
+struct CbcProgram {
+    std::vector<const char *> options; // of its command line
+
+    // Called before the search, with the model that is searched, and in the end, with the same
+    // model in terms of the original columns; between them, when the search is over.
+    std::function<void(CbcModel &)> begin, end;
+    std::function<void()> afterSearch = [] {};
+
+    enum Result { searched, infeasible, failed };
+    // infeasible: the program saw before the search that there are no solutions.
+    Result conduct(CbcModel &model);
+};
+
+} // namespace korvex
+
+#endif
