@@ -62,7 +62,7 @@ struct Relaxation {
         var.type = var.isInteger() ? KVX_INTEGER : var.type;
         Constraint constr;
         constr.name = (isLower ? "lb_" : "ub_") + var.name;
-        constr.row = {{intSize(j), 1}};
+        constr.row.push_back({intSize(j), 1});
         (isLower ? constr.lower : constr.upper) = bound;
         bound = isLower ? -KVX_INFINITY : KVX_INFINITY;
         relaxConstraint(at(addConstraint(data, constr)), weight);

@@ -8,8 +8,7 @@ import java.util.concurrent.TimeUnit;
 /** A program that ran: its exit status and what it wrote. */
 record Launch(int status, List<String> out, String err) {
     static final Path LIB = Path.of(System.getProperty("java.library.path"));
-    private static final String JAVA =
-        Path.of(System.getProperty("java.home"), "bin", "java").toString();
+    static final String JAVA = Path.of(System.getProperty("java.home"), "bin", "java").toString();
 
     /** What a test does to the program while it runs. */
     interface Meddling {
@@ -58,8 +57,8 @@ record Launch(int status, List<String> out, String err) {
         throws Exception {
         List<String> command = new ArrayList<>(List.of(System.getProperty("korvex.checked"), JAVA));
         command.addAll(options);
-        command.addAll(List.of("-Djava.library.path=" + LIB, "-cp",
-                               System.getProperty("korvex.classes"), main));
+        command.addAll(List.of("--enable-native-access=ALL-UNNAMED", "-Djava.library.path=" + LIB,
+                               "-cp", System.getProperty("korvex.classes"), main));
         for (Object arg : args)
             command.add(arg.toString());
         return in(directory, command, (process, out) -> {});
@@ -67,7 +66,7 @@ record Launch(int status, List<String> out, String err) {
 
     static List<String> javaCommand(Path library, String main, String... args) {
         List<String> command = new ArrayList<>(
-            List.of(JAVA, "-Djava.library.path=" + library,
+            List.of(JAVA, "--enable-native-access=ALL-UNNAMED", "-Djava.library.path=" + library,
                     "-Dkorvex.examples=" + System.getProperty("korvex.examples"), "-cp",
                     LIB.resolve("solve.jar") + ":" + LIB.resolve("tour.jar"), main));
         command.addAll(List.of(args));

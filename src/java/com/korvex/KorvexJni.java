@@ -1,8 +1,5 @@
 package com.korvex;
 
-import java.io.File;
-import java.util.Arrays;
-
 /**
  * The native methods behind environments, models and batches: the raw level, for authors of other
  * interfaces. They work on handles, the native objects' addresses, and do no more than hand their
@@ -45,26 +42,7 @@ import java.util.Arrays;
 public final class KorvexJni {
     private KorvexJni() {}
 
-    static { load(); }
-
-    private static void load() {
-        String name = "korvexjni130";
-        String file = System.mapLibraryName(name);
-        String path = System.getProperty("java.library.path");
-        try {
-            System.loadLibrary(name);
-        } catch (UnsatisfiedLinkError e) {
-            boolean found = Arrays.stream(path.split(File.pathSeparator))
-                                .anyMatch(directory -> new File(directory, file).isFile());
-            throw new UnsatisfiedLinkError(
-                found ? file + " can't be loaded: " + e.getMessage() +
-                            ". The solver, libkorvex130.so, must lie beside it or in a directory "
-                            + "of the environment variable LD_LIBRARY_PATH (" +
-                            System.getenv("LD_LIBRARY_PATH") + ")."
-                      : file + " is in no directory of java.library.path (" + path +
-                            "). Name its directory with java -Djava.library.path=DIRECTORY.");
-        }
-    }
+    static { NativeLibrary.load(); }
 
     // Environments.
 

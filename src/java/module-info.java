@@ -1,0 +1,2 @@
+/** The Java interface of the solver Korvex. */
+module com.korvex { exports com.korvex; }
