@@ -1,5 +1,6 @@
 package com.korvex;
 
+import java.util.Objects;
 import java.util.function.LongToIntFunction;
 
 /**
@@ -129,6 +130,8 @@ public final class KVXCallbackContext {
     }
 
     private void addRow(int[] ind, double[] val, char sense, double rhs, int cut) {
+        Objects.requireNonNull(ind, "ind");
+        Objects.requireNonNull(val, "val");
         if (ind.length != val.length)
             throw new IllegalArgumentException(ind.length + " indices, " + val.length + " values");
         check(cb -> KorvexJni.cbcutorlazy(cb, ind.length, ind, val, sense, rhs, cut));
@@ -141,6 +144,7 @@ public final class KVXCallbackContext {
      * @return its objective value, {@link KVX#INFINITY} if it isn't feasible or not yet known
      */
     public double propose(double[] solution) {
+        Objects.requireNonNull(solution, "solution");
         if (solution.length != numVars)
             throw new IllegalArgumentException(solution.length + " values, " + numVars +
                                                " variables");

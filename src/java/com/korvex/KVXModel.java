@@ -299,7 +299,7 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
 
     /** Begins a run by a thread, which is a user of the handle from now on. */
     Run begin(Thread thread) {
-        Room.require();
+        Room.require(Room.RUN);
         long model = handle.acquire();
         try {
             if (run != null)

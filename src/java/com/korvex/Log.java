@@ -32,7 +32,6 @@ final class Log {
     void set(Consumer<String> next) {
         Inside.refuseConsumer();
         Inside.refuseForeignThread();
-        Room.require();
         synchronized (delivery) { // waits while the former one is at work
             consumer = next;
             failed = false;
@@ -48,7 +47,6 @@ final class Log {
     /** Does something that may log on this thread. */
     void during(Runnable action) {
         Inside.refuseConsumer();
-        Room.require();
         boolean hasTurn = enter(null);
         try {
             failed = false;
@@ -90,6 +88,7 @@ final class Log {
             }
         }
         Inside.refuseForeignThread();
+        Room.require(Room.TURN);
         if (!takeTurn(run)) {
             synchronized (this) { withoutTurn++; }
             return false;
