@@ -81,19 +81,18 @@ class BuildTest {
                                        doubles(0, 2.5, 1), ints(-1, 0, 0)),
         };
         return IntStream.range(0, kinds.length)
-            .mapToObj(
-                kind -> dynamicTest("kind " + kind, () -> {
-                    GeneralConstraints all = model.generalConstraints();
-                    int other = all.add(GeneralConstraint.abs(0, 1), null);
-                    int index = all.add(kinds[kind], "name " + kind);
-                    assertEquals(other + 1, index);
-                    assertEquals(kind, kinds[kind].kind());
-                    assertEquals(kind, model.getInt(KVXAttribute.GEN_CONSTR_TYPE, index));
-                    assertEquals("name " + kind,
-                                 model.getString(KVXAttribute.GEN_CONSTR_NAME, index));
-                    assertEquals(kinds[kind], all.get(index));
-                    Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> all.get(index + 1));
-                }));
+            .mapToObj(kind -> dynamicTest("kind " + kind, () -> {
+                          GeneralConstraints all = model.generalConstraints();
+                          int other = all.add(GeneralConstraint.abs(0, 1), null);
+                          int index = all.add(kinds[kind], "name " + kind);
+                          assertEquals(other + 1, index);
+                          assertEquals(kind, kinds[kind].kind());
+                          assertEquals(kind, model.getInt(KVXAttribute.GEN_CONSTR_TYPE, index));
+                          assertEquals("name " + kind,
+                                       model.getString(KVXAttribute.GEN_CONSTR_NAME, index));
+                          assertEquals(kinds[kind], all.get(index));
+                          Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> all.get(index + 1));
+                      }));
     }
 
     @Test
