@@ -49,8 +49,10 @@ final class Fuzz {
     /** What the compiler made of a record or an enumeration says nothing about us. */
     private static boolean ours(Method m) {
         Class<?> c = m.getDeclaringClass();
-        return c != Object.class && c != Throwable.class && c != Enum.class && !m.isBridge() &&
+        return c != Object.class && c != Throwable.class && c != Enum.class &&
             !(c.isRecord() && Set.of("equals", "hashCode", "toString").contains(m.getName())) &&
+            !(c.isRecord() &&
+              Stream.of(c.getRecordComponents()).anyMatch(r -> r.getAccessor().equals(m))) &&
             !(c.isEnum() && m.getName().startsWith("value"));
     }
 
@@ -66,8 +68,10 @@ final class Fuzz {
                 METHODS.put(c, all);
         }
         CLASSES.removeIf(c -> !METHODS.containsKey(c));
-        for (int i = 0; i < 6; i++)
-            CLASSES.add(KVXModel.class);
+        // What has native code behind it, more often; above all a model.
+        for (Class<?> c : List.copyOf(CLASSES))
+            for (int i = c == KVXModel.class ? 30 : 4; i > 0 && makers(c).isEmpty(); i--)
+                CLASSES.add(c);
     }
 
     /** Constructors and static makers of a record, or of an interface that records implement. */
@@ -129,14 +133,28 @@ final class Fuzz {
 
         World(long seed) { this.seed = seed; }
 
-        /** An object of that class, or null if none is known. */
+        /** An object of that class, or null if none is known. Closed models are rare among them. */
         <T> T any(Class<T> type, Random random) {
             int slot = random.nextInt(6);
             Object[] slots = known.get(type);
-            for (int i = 0; slots != null && i < 6; i++)
-                if (slots[(slot + i) % 6] != null)
-                    return type.cast(slots[(slot + i) % 6]);
+            for (int i = 0; slots != null && i < 6; i++) {
+                Object object = slots[(slot + i) % 6];
+                if (object != null && (!(object instanceof KVXModel) || open.contains(object) ||
+                                       random.nextInt(8) == 0))
+                    return type.cast(object);
+            }
             return null;
+        }
+
+        /** An object to call methods of; a part mostly of a model that is open. */
+        private Object target(Class<?> type, Random random) throws ReflectiveOperationException {
+            KVXModel model = any(KVXModel.class, random);
+            if (model != null && random.nextInt(4) > 0)
+                for (Executable method : METHODS.get(KVXModel.class))
+                    if (method instanceof Method m && m.getReturnType() == type &&
+                        type != KVXModel.class && m.getParameterCount() == 0)
+                        return m.invoke(model);
+            return any(type, random);
         }
 
         /** Keeps an object in place of another; what can be closed is closed some day. */
@@ -238,7 +256,7 @@ final class Fuzz {
             if (hostile.once(200))
                 Thread.currentThread().interrupt();
             Class<?> type = CLASSES.get(random.nextInt(CLASSES.size()));
-            call(type, world.any(type, random));
+            attempt(() -> call(type, world.target(type, random)));
         }
 
         private interface Action {
@@ -271,7 +289,7 @@ final class Fuzz {
                 method instanceof Method && !Modifier.isStatic(method.getModifiers());
             if (needsTarget && target == null)
                 return;
-            Object[] args = hostile.forCall(method);
+            Object[] args = hostile.forCall(method, target);
             note(method, target, args);
             calls.incrementAndGet();
             try {
@@ -286,6 +304,8 @@ final class Fuzz {
             } catch (ReflectiveOperationException e) {
                 throw new AssertionError(e);
             }
+            if (target instanceof AutoCloseable resource && method.getName().equals("close"))
+                world.close(resource);
         }
 
         /** Leaves what is about to be called where it can be read after a crash. */
@@ -304,7 +324,7 @@ final class Fuzz {
                 return;
             DEPTH.set(depth + 1);
             try {
-                for (int i = hostile.random.nextInt(4); i > 0; i--) {
+                for (int i = hostile.random.nextInt(8); i > 0; i--) {
                     if (context == null || hostile.once(3))
                         step();
                     else
@@ -332,7 +352,7 @@ final class Fuzz {
     private static void episode(long seed, ScheduledExecutorService clock) throws Exception {
         World world = new World(seed);
         Random random = new Random(seed);
-        Future<?> watch = clock.scheduleAtFixedRate(world::watch, 50, 50, TimeUnit.MILLISECONDS);
+        Future<?> watch = clock.scheduleAtFixedRate(world::watch, 10, 10, TimeUnit.MILLISECONDS);
         if (random.nextInt(4) > 0) {
             new Caller(world, random.nextLong(), 0).run(CALLS);
         } else {

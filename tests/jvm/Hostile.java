@@ -17,11 +17,8 @@ final class Hostile {
     @SuppressWarnings("serial")
     static final class Marker extends Throwable {}
 
-    private static final String[] TEXTS = Stream
-                                              .concat(Stream.of(KVXAttribute.class.getFields()),
-                                                      Stream.of(KVXParameter.class.getFields()))
-                                              .map(Hostile::constant)
-                                              .toArray(String[] ::new);
+    private static final String[] ATTRIBUTES = constants(KVXAttribute.class);
+    private static final String[] PARAMETERS = constants(KVXParameter.class);
     private static final String[] NAMES = {
         "",       "x",        "C0",     "R0",           "a b",
         "0",      "1e400",    "%s%n",   "\n",           "a\0b",
@@ -59,10 +56,18 @@ final class Hostile {
     final Random random;
     /** Most arrays of a call are as long as this. */
     private int length;
+    /** What is likely to mean something to a call. */
+    private boolean files;
+    private String[] texts = ATTRIBUTES;
+    private int[] codes = CODES;
 
     Hostile(Fuzz.World world, long seed) {
         this.world = world;
         random = new Random(seed);
+    }
+
+    private static String[] constants(Class<?> c) {
+        return Stream.of(c.getFields()).map(Hostile::constant).toArray(String[] ::new);
     }
 
     @SuppressWarnings("unchecked")
@@ -76,8 +81,23 @@ final class Hostile {
 
     boolean once(int in) { return random.nextInt(in) == 0; }
 
-    Object[] forCall(Executable method) {
+    Object[] forCall(Executable method, Object target) {
         length = once(3) ? random.nextInt(12) : random.nextInt(4);
+        String name = method.getDeclaringClass().getSimpleName() + "." + method.getName();
+        files = name.matches(".*(read|write|writeJsonSolution|KVXEnv)|FileFormat.of");
+        texts = name.matches("KVXParams.*|.*Context.set") ? PARAMETERS : ATTRIBUTES;
+        codes = CODES;
+        try {
+            if (target instanceof KVXCallbackContext context) {
+                codes = IntStream.range(0, 6).map(i -> 1000 * context.where() + i).toArray();
+                if (once(2))
+                    length = context.model().variables().count();
+            } else if (target instanceof KVXModel model && once(2)) {
+                length = once(3) ? model.constraints().count() : model.variables().count();
+            }
+        } catch (IllegalStateException e) {
+            // It is closed, or at work.
+        }
         return Stream.of(method.getParameters())
             .map(p -> make(p.getType(), p.getParameterizedType()))
             .toArray();
@@ -85,147 +105,144 @@ final class Hostile {
 
     private int integer() {
         return switch (random.nextInt(10)) {
-            case 0 -> INTS[random.nextInt(INTS.length)];
-            case 1, 2 -> CODES[random.nextInt(CODES.length)];
-            default -> random.nextInt(10) - 1;
+        case 0 -> INTS[random.nextInt(INTS.length)];
+            case 1, 2 -> codes[random.nextInt(codes.length)];
+            default -> codes != CODES && once(2) ? codes[random.nextInt(codes.length)]:
+            random.nextInt(8) - 1;
         };
     }
 
     private double number() {
-        return once(6) ? DOUBLES[random.nextInt(DOUBLES.length)] :
-                random.nextInt(21) - 10;
-            }
+        return once(6) ? DOUBLES[random.nextInt(DOUBLES.length)] : random.nextInt(21) - 10;
+    }
 
-            private String text() {
-                return switch (random.nextInt(12)) {
-                case 0 -> once(20) ? "m".repeat(1_000_000):
-                    null;
-            case 1, 2 -> NAMES[random.nextInt(NAMES.length)];
-            case 3, 4 -> "f" + random.nextInt(3) + ENDINGS[random.nextInt(ENDINGS.length)];
-            case 5 -> world.any(String.class, random);
-            default -> TEXTS[random.nextInt(TEXTS.length)];
+    private String text() {
+        return switch (random.nextInt(12)) {
+        case 0 -> once(20) ? "m".repeat(1_000_000):
+            null;
+        case 1, 2 -> NAMES[random.nextInt(NAMES.length)]; case 3 -> world.any(String.class, random);
+            default
+            -> files || once(10) ? "f" + random.nextInt(2) + ENDINGS[random.nextInt(ENDINGS.length)]
+                                 :
+            texts[random.nextInt(texts.length)];
         };
     }
 
     private Object array(Class<?> type) {
         if (once(40))
             return null;
-        int size = once(8) ? random.nextInt(8) :
-                once(300) ? 100_000 : length;
-                Object array = Array.newInstance(type, size);
-                for (int k = 0; k < size; k++)
-                    Array.set(array, k, make(type, type));
-                return array;
-            }
+        int size = once(8) ? random.nextInt(8) : once(300) ? 100_000 : length;
+        Object array = Array.newInstance(type, size);
+        for (int k = 0; k < size; k++)
+            Array.set(array, k, make(type, type));
+        return array;
+    }
 
-            private Object make(Class<?> type, Type generic) {
-                if (type == int.class)
-                    return integer();
-                if (type == double.class)
-                    return number();
-                if (type == char.class)
-                    return CHARS.charAt(random.nextInt(once(4) ? CHARS.length() : 5));
-                if (type == boolean.class)
-                    return random.nextBoolean();
-                if (type == long.class)
-                    return 0L; // a handle, and no other is one that the caller may invent
-                if (type == String.class)
-                    return text();
-                if (type.isArray())
-                    return array(type.componentType());
-                if (once(25))
-                    return null;
-                if (type == Consumer.class)
-                    return consumer();
-                if (type == KVXCallback.class)
-                    return callback();
-                if (type == List.class) {
-                    Class<?> element =
-                        (Class<?>)((ParameterizedType)generic).getActualTypeArguments()[0];
-                    return IntStream.range(0, length)
-                        .mapToObj(i -> make(element, element))
-                        .collect(Collectors.toCollection(ArrayList::new));
-                }
-                Object known = world.any(type, random);
-                List<Executable> makers = Fuzz.makers(type);
-                if (makers.isEmpty() || known != null && once(2))
-                    return known;
-                return record(makers.get(random.nextInt(makers.size())));
-            }
+    private Object make(Class<?> type, Type generic) {
+        if (type == int.class)
+            return integer();
+        if (type == double.class)
+            return number();
+        if (type == char.class)
+            return CHARS.charAt(random.nextInt(once(4) ? CHARS.length() : 5));
+        if (type == boolean.class)
+            return random.nextBoolean();
+        if (type == long.class)
+            return 0L; // a handle, and no other is one that the caller may invent
+        if (type == String.class)
+            return text();
+        if (type.isArray())
+            return array(type.componentType());
+        if (once(25))
+            return null;
+        if (type == Consumer.class)
+            return consumer();
+        if (type == KVXCallback.class)
+            return callback();
+        if (type == List.class) {
+            Class<?> element = (Class<?>)((ParameterizedType)generic).getActualTypeArguments()[0];
+            return IntStream.range(0, length)
+                .mapToObj(i -> make(element, element))
+                .collect(Collectors.toCollection(ArrayList::new));
+        }
+        Object known = world.any(type, random);
+        List<Executable> makers = Fuzz.makers(type);
+        if (makers.isEmpty() || known != null && once(2))
+            return known;
+        return record(makers.get(random.nextInt(makers.size())));
+    }
 
-            /** A record of the shape that its maker accepts, if a few trials find one. */
-            private Object record(Executable maker) {
-                for (int trial = 0; trial < 3; trial++) {
-                    Object[] args = Stream.of(maker.getParameters())
-                                        .map(p -> make(p.getType(), p.getParameterizedType()))
-                                        .toArray();
-                    try {
-                        return maker instanceof Constructor<?> c
-                            ? c.newInstance(args)
-                            : ((Method)maker).invoke(null, args);
-                    } catch (InvocationTargetException e) {
-                        world.judge(e.getCause(), () -> Fuzz.describe(maker, null, args));
-                    } catch (ReflectiveOperationException e) {
-                        throw new AssertionError(e);
-                    }
-                }
-                return null;
+    /** A record of the shape that its maker accepts, if a few trials find one. */
+    private Object record(Executable maker) {
+        for (int trial = 0; trial < 3; trial++) {
+            Object[] args = Stream.of(maker.getParameters())
+                                .map(p -> make(p.getType(), p.getParameterizedType()))
+                                .toArray();
+            try {
+                return maker instanceof Constructor<?> c ? c.newInstance(args)
+                                                         : ((Method)maker).invoke(null, args);
+            } catch (InvocationTargetException e) {
+                world.judge(e.getCause(), () -> Fuzz.describe(maker, null, args));
+            } catch (ReflectiveOperationException e) {
+                throw new AssertionError(e);
             }
+        }
+        return null;
+    }
 
-            private KVXCallback callback() {
-                Fuzz.Caller caller = new Fuzz.Caller(world, random.nextLong());
-                return context -> {
-                    world.remember(context, caller.hostile.random);
-                    caller.meddle(context);
-                };
-            }
+    private KVXCallback callback() {
+        Fuzz.Caller caller = new Fuzz.Caller(world, random.nextLong());
+        return context -> {
+            world.remember(context, caller.hostile.random);
+            caller.meddle(context);
+        };
+    }
 
-            private Consumer<String> consumer() {
-                Fuzz.Caller caller = new Fuzz.Caller(world, random.nextLong());
-                return line -> caller.meddle(null);
-            }
+    private Consumer<String> consumer() {
+        Fuzz.Caller caller = new Fuzz.Caller(world, random.nextLong());
+        return line -> caller.meddle(null);
+    }
 
-            /** A model that the solver can solve, with a bit of everything. */
-            KVXModel model(KVXEnv env) {
-                if (once(8))
-                    return Models.marketSplit(env, 30, 3, random.nextLong());
-                int n = 1 + random.nextInt(6), m = random.nextInt(5);
-                double[] obj = random.ints(n, -5, 6).asDoubleStream().toArray();
-                double[] ub = random.ints(n, 1, 10).asDoubleStream().toArray();
-                char[] types = new char[n];
-                for (int j = 0; j < n; j++)
-                    types[j] = "CCBIISN".charAt(random.nextInt(7));
-                KVXModel model = new KVXModel(env, "valid", Columns.of(obj).upper(ub).types(types));
-                for (int i = 0; i < m; i++)
-                    model.constraints().add(
-                        new SparseVector(new int[] {random.nextInt(n)}, 1 + random.nextInt(3)),
-                        "<>=".charAt(random.nextInt(3)), random.nextInt(8), null);
-                if (once(3))
-                    model.sos().add(KVX.SOS_TYPE1,
-                                    SparseVector.ones(IntStream.range(0, n).toArray()));
-                if (once(3))
-                    model.generalConstraints().add(GeneralConstraint.max(0, new int[] {n - 1}, 1),
-                                                   null);
-                if (once(4))
-                    model.objective().setGoal(0, Goal.of(SparseVector.ones(0)));
-                if (once(3))
-                    model.params().set("LazyConstraints", 1);
-                model.params().set("TimeLimit", 0.2);
-                if (once(2))
-                    model.setCallback(callback());
-                return model;
-            }
+    /** A model that the solver can solve, with a bit of everything. */
+    KVXModel model(KVXEnv env) {
+        boolean linear = once(2);
+        if (once(10))
+            return Models.marketSplit(env, 30, 3, random.nextLong());
+        int n = 1 + random.nextInt(6), m = random.nextInt(5);
+        double[] obj = random.ints(n, -5, 6).asDoubleStream().toArray();
+        double[] ub = random.ints(n, 1, 10).asDoubleStream().toArray();
+        char[] types = new char[n];
+        for (int j = 0; j < n; j++)
+            types[j] = linear ? 'C' : "CCBIISN".charAt(random.nextInt(7));
+        KVXModel model = new KVXModel(env, "valid", Columns.of(obj).upper(ub).types(types));
+        for (int i = 0; i < m; i++)
+            model.constraints().add(
+                new SparseVector(new int[] {random.nextInt(n)}, 1 + random.nextInt(3)),
+                "<>=".charAt(random.nextInt(3)), random.nextInt(8), null);
+        if (linear && once(2)) // with a basis, then
+            model.optimize();
+        if (!linear && once(2))
+            model.sos().add(KVX.SOS_TYPE1, SparseVector.ones(IntStream.range(0, n).toArray()));
+        if (!linear && once(2))
+            model.generalConstraints().add(GeneralConstraint.max(0, new int[] {n - 1}, 1), null);
+        if (once(4))
+            model.objective().setGoal(0, Goal.of(SparseVector.ones(0)));
+        if (once(3))
+            model.params().set("LazyConstraints", 1);
+        model.params().set("TimeLimit", 0.2);
+        if (!once(3))
+            model.setCallback(callback());
+        return model;
+    }
 
-            /** Changes some bytes of a file that a call has written. */
-            void corrupt() throws IOException {
-                Path file =
-                    Path.of("f" + random.nextInt(3) + ENDINGS[random.nextInt(ENDINGS.length)]);
-                if (!Files.isRegularFile(file) || Files.size(file) > 100_000 ||
-                    Files.size(file) == 0)
-                    return;
-                byte[] bytes = Files.readAllBytes(file);
-                for (int i = random.nextInt(4); i >= 0; i--)
-                    bytes[random.nextInt(bytes.length)] = (byte)random.nextInt(once(3) ? 256 : 128);
-                Files.write(file, bytes);
-            }
-            }
+    /** Changes some bytes of a file that a call has written. */
+    void corrupt() throws IOException {
+        Path file = Path.of("f" + random.nextInt(2) + ENDINGS[random.nextInt(ENDINGS.length)]);
+        if (!Files.isRegularFile(file) || Files.size(file) > 100_000 || Files.size(file) == 0)
+            return;
+        byte[] bytes = Files.readAllBytes(file);
+        for (int i = random.nextInt(4); i >= 0; i--)
+            bytes[random.nextInt(bytes.length)] = (byte)random.nextInt(once(3) ? 256 : 128);
+        Files.write(file, bytes);
+    }
+}
