@@ -133,6 +133,7 @@ final class Log {
 
     /** Binds or unbinds, unless another thread has the turn: it does so itself. */
     private void settle() {
+        Room.require(Room.TURN);
         if (!turn.tryLock())
             return;
         try {
