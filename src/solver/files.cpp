@@ -1,11 +1,13 @@
 // Model and attribute files by the ending of their name: models, solutions, starts, bases and
 // parameters.
 #include "input.h"
+#include "log.h"
 #include "params.h"
 #include "textfile.h"
 
 #include <algorithm>
 #include <cstring>
+#include <set>
 #include <sstream>
 
 namespace korvex {
@@ -46,7 +48,7 @@ void readValues(KVXmodel &model, Source &source) {
     while (source.nextLine('#')) {
         if (source.words.size() != 2)
             refuse(source.line, "isn't a name and a value");
-        values.emplace_back(find(index, source.words[0]), numberIn(source.words[1]));
+        values.emplace_back(find(index, source.words[0]), numberIn<double>(source.words[1]));
     }
     for (auto [j, value] : values)
         model.vars[j].start = value;
@@ -106,26 +108,30 @@ void readBasis(KVXmodel &model, Source &source) {
     model.hasBasis = true;
 }
 
-void refuseSpecial(const ModelData &model) {
-    bool isSpecial = !model.sos.empty() || !model.genconstrs.empty() || !model.objectives.empty() ||
+// A model's file and, when names had to be replaced, a line in the log.
+std::string contentsOfModel(const KVXmodel &model, const char *filename, Format format) {
+    bool isSpecial = !model.genconstrs.empty() || !model.objectives.empty() ||
                      !model.qconstrs.empty() || !model.products.empty();
     for (const Variable &var : model.vars)
         isSpecial = isSpecial || !var.pwlX.empty();
     if (isSpecial)
-        fail(KVX_ERROR_NOT_SUPPORTED,
-             "model files hold no sets, no general or quadratic constraints "
-             "and only one objective, with linear terms");
+        fail(KVX_ERROR_NOT_SUPPORTED, "model files hold no general or quadratic constraints and "
+                                      "only one objective, with linear terms");
+    Names names(model, format == mps ? canMpsHold : canLpHold);
+    if (names.replaced)
+        model.env.log->line(model.env, std::string(filename) + ": " +
+                                           std::to_string(names.replaced) +
+                                           " names can't be written; they are replaced by x or c "
+                                           "and the index of the variable or constraint");
+    return format == mps ? writeMps(model, names) : writeLp(model, names);
 }
 
 std::string contents(const KVXmodel &model, const char *filename) {
     std::ostringstream stream;
-    switch (formatOf(filename)) {
+    switch (Format format = formatOf(filename)) {
     case mps:
-        refuseSpecial(model);
-        return writeMps(model);
     case lp:
-        refuseSpecial(model);
-        return writeLp(model);
+        return contentsOfModel(model, filename, format);
     case solution:
         if (!model.solution.hasX)
             fail(KVX_ERROR_DATA_NOT_AVAILABLE, "there is no solution");
@@ -160,6 +166,13 @@ ModelData complete(ModelData model) {
         constr.lower = sides.lower;
         constr.upper = sides.upper;
         constr.sense = senseOf(constr.lower, constr.upper);
+    }
+    for (size_t s = 0; s < model.sos.size(); s++) {
+        std::set<int> vars;
+        for (const Entry &member : model.sos[s].members)
+            vars.insert(member.index);
+        if (vars.size() < model.sos[s].members.size())
+            fail(KVX_ERROR_FILE_READ, "SOS %zu: a variable is in it twice", s);
     }
     return model;
 }

@@ -81,6 +81,10 @@ bool parse(std::string_view text, double &value) {
     return parseNumber(text, value) && !std::isnan(value);
 }
 
+bool parse(std::string_view text, long double &value) {
+    return parseNumber(text, value) && !std::isnan(value);
+}
+
 bool isName(std::string_view text) {
     for (size_t i = 0, length; i < text.size(); i += length) {
         auto byte = [&](size_t k) {

@@ -4,6 +4,7 @@
 #include <bzlib.h>
 #include <cerrno>
 #include <cstring>
+#include <unordered_set>
 #include <zlib.h>
 
 namespace korvex {
@@ -72,13 +73,15 @@ bool Source::nextLine(char comment) {
         position += line.size() + 1;
         number++;
         words.clear();
+        if (line[0] == comment)
+            continue;
         for (size_t begin = 0; (begin = line.find_first_not_of(blanks, begin)) < line.size();) {
             words.push_back(line.substr(begin, line.find_first_of(blanks, begin) - begin));
             begin += words.back().size();
             if (!isName(words.back()))
                 refuse(words.back(), "isn't UTF-8 text");
         }
-    } while (words.empty() || line[0] == comment);
+    } while (words.empty());
     return true;
 }
 
@@ -86,18 +89,53 @@ void refuse(std::string_view word, const char *why) {
     fail(KVX_ERROR_FILE_READ, "'%s' %s", std::string(word).c_str(), why);
 }
 
-double numberIn(std::string_view word) {
-    double value;
-    if (!parse(word, value))
-        refuse(word, "is not a number");
+void expected(std::string_view word, const char *what) {
+    std::string text(word);
+    if (text.empty())
+        fail(KVX_ERROR_FILE_READ, "the file ends where %s is expected", what);
+    fail(KVX_ERROR_FILE_READ, "'%s' stands where %s is expected", text.c_str(), what);
+}
+
+template <class Number>
+Number numberIn(std::string_view word) {
+    Number value;
+    if (parse(word, value))
+        return value;
+    std::string text(word);
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return c == 'd' || c == 'D'; }, 'e');
+    if (!parse(text, value))
+        expected(word, "a number");
     return value;
 }
+template double numberIn(std::string_view word);
+template long double numberIn(std::string_view word);
 
 size_t find(const Index &index, std::string_view name) {
     auto found = index.find(name);
     if (found == index.end())
         refuse(name, "is unknown");
     return found->second;
+}
+
+Names::Names(const ModelData &model, bool (*canHold)(std::string_view)) {
+    auto fill = [&](std::vector<std::string> &names, const auto &elements, char letter) {
+        std::unordered_set<std::string> taken;
+        for (const auto &element : elements) {
+            bool isHeld = canHold(element.name) && taken.insert(element.name).second;
+            names.push_back(isHeld ? element.name : "");
+        }
+        for (size_t i = 0; i < names.size(); i++) {
+            if (!names[i].empty())
+                continue;
+            replaced++;
+            names[i] = letter + std::to_string(i);
+            while (!taken.insert(names[i]).second)
+                names[i] += '_';
+        }
+    };
+    fill(vars, model.vars, 'x');
+    fill(constrs, model.constrs, 'c');
 }
 
 bool isWord(std::string_view name) {

@@ -27,9 +27,11 @@ struct Source {
 };
 
 [[noreturn]] void refuse(std::string_view word, const char *why);
-double numberIn(std::string_view word);
+[[noreturn]] void expected(std::string_view word, const char *what); // instead of that word
+template <class Number>                                              // with an exponent of e or d
+Number numberIn(std::string_view word);
 
-// Elements by name. Refused: names that aren't unique or that a format can't hold.
+// Elements by name. Refused: names that aren't unique or that can't stand in attribute files.
 using Index = std::unordered_map<std::string_view, size_t>;
 template <class Element>
 Index indexOf(const std::vector<Element> &elements, bool (*isWritable)(std::string_view)) {
@@ -43,10 +45,25 @@ Index indexOf(const std::vector<Element> &elements, bool (*isWritable)(std::stri
 size_t find(const Index &index, std::string_view name);
 bool isWord(std::string_view name); // no blanks, no comment, no marker
 
+// What the variables and constraints of a model are called in a file: x or c and their index where
+// a name isn't unique or can't be held.
+struct Names {
+    std::vector<std::string> vars, constrs;
+    size_t replaced = 0;
+
+    Names(const ModelData &model, bool (*canHold)(std::string_view));
+};
+
 ModelData readMps(Source &source);
-std::string writeMps(const ModelData &model);
+std::string writeMps(const ModelData &model, const Names &names);
+bool canMpsHold(std::string_view name);
+// The other side of a row that a range leads to, computed with more digits than a double has.
+double otherSide(double side, long double range);
+
 ModelData readLp(Source &source);
-std::string writeLp(const ModelData &model);
+std::string writeLp(const ModelData &model, const Names &names);
+bool canLpHold(std::string_view name);
+
 std::string solutionAsJson(const KVXmodel &model);
 bool isJsonFile(std::string_view filename);
 

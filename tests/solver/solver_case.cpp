@@ -204,6 +204,7 @@ std::string describedGeneral(KVXmodel *model, int g) {
 
 std::string described(KVXmodel *model) {
     std::ostringstream out;
+    out.precision(17);
     auto count = [&](const char *name) {
         int value = 0;
         EXPECT_EQ(KVX_OK, KVXgetintattr(model, name, &value));

@@ -1,0 +1,331 @@
+// Reads MPS files in free and in fixed format. CoinUtils' reader crashes on damaged files, refuses
+// short names of sets, ignores the objective's sense and reads some numbers inexactly.
+#include "input.h"
+#include "textfile.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+namespace korvex {
+namespace {
+
+bool isOneOf(std::string_view word, std::initializer_list<std::string_view> others) {
+    return std::any_of(others.begin(), others.end(),
+                       [&](std::string_view other) { return equalIgnoringCase(word, other); });
+}
+
+class MpsReader {
+  public:
+    MpsReader(Source &source, bool isFixed)
+        : source(source), words(source.words), isFixed(isFixed) {}
+
+    ModelData read() {
+        const Section *section = nullptr;
+        while (nextLine() && !(source.isHeader() && isOneOf(words[0], {"ENDATA"}))) {
+            if (source.isHeader())
+                section = header();
+            else if (section)
+                (this->*section->readLine)();
+            else
+                expect(false, "a section");
+        }
+        if (words.empty())
+            fail(KVX_ERROR_FILE_READ, "the file ends where ENDATA is expected");
+        if (source.nextLine('*'))
+            refuse(words[0], "stands behind ENDATA");
+        return finished();
+    }
+
+  private:
+    struct Section {
+        std::string_view name;
+        void (MpsReader::*readLine)();
+    };
+    struct Row {
+        std::string_view name;
+        char sense; // 'N' for none
+        double rhs = NAN;
+        long double range = NAN;
+        std::vector<Entry> entries = {};
+    };
+    struct Column {
+        bool isMarked; // an integer one by the markers around it
+        bool hasBound = false, hasLower = false;
+    };
+
+    // Goes to the next line; in fixed format its words are the fields that aren't blank.
+    bool nextLine() {
+        words.clear();
+        if (!source.nextLine('*'))
+            return false;
+        if (isFixed && !source.isHeader() && source.line.find("'MARKER'") == source.line.npos)
+            splitFields();
+        auto isComment = [](std::string_view word) { return word[0] == '$'; };
+        words.erase(std::find_if(words.begin() + 1, words.end(), isComment), words.end());
+        return true;
+    }
+
+    void splitFields() {
+        constexpr std::pair<size_t, size_t> fields[] = {{1, 3},   {4, 12},  {14, 22},
+                                                        {24, 36}, {39, 47}, {49, 61}};
+        words.clear();
+        size_t last = 0;
+        for (auto [first, end] : fields) {
+            size_t begin = source.line.find_first_not_of(" \r", last);
+            if (begin < first)
+                refuse(source.line, "isn't made of the fields of the fixed format");
+            last = std::min(end, source.line.size());
+            if (begin < last) {
+                size_t length = source.line.find_last_not_of(" \r", last - 1) + 1 - begin;
+                words.push_back(source.line.substr(begin, length));
+            }
+        }
+        if (last < source.line.find_last_not_of(" \r") + 1 || source.line.find('\t') < last)
+            refuse(source.line, "isn't made of the fields of the fixed format");
+    }
+
+    void expect(bool isHere, const char *form) const {
+        const char *begin = words[0].data();
+        auto size = static_cast<size_t>(words.back().data() + words.back().size() - begin);
+        if (!isHere)
+            expected({begin, size}, form);
+    }
+
+    const Section *header() {
+        static constexpr Section sections[] = {
+            {"NAME", nullptr},
+            {"OBJSENSE", &MpsReader::sense},
+            {"ROWS", &MpsReader::row},
+            {"COLUMNS", &MpsReader::column},
+            {"RHS", &MpsReader::rightHandSide},
+            {"RANGES", &MpsReader::range},
+            {"BOUNDS", &MpsReader::bound},
+            {"SOS", &MpsReader::setLine},
+            {"SOS1", &MpsReader::setLine},
+            {"SOS2", &MpsReader::setLine},
+        };
+        auto found = std::find_if(std::begin(sections), std::end(sections), [&](const Section &s) {
+            return equalIgnoringCase(s.name, words[0]);
+        });
+        if (found == std::end(sections))
+            refuse(words[0], "is no section that can be read");
+        sectionName = found->name;
+        if (found->name == "NAME")
+            name();
+        else if (found->name == "OBJSENSE" && words.size() > 1)
+            sense();
+        else
+            expect(words.size() == 1, "a section's name alone");
+        return found->readLine ? found : nullptr;
+    }
+
+    // Behind the name may stand that the format is free.
+    void name() {
+        if (words.size() > 2 && isOneOf(words.back(), {"FREE"}))
+            words.pop_back();
+        if (words.size() == 1)
+            return;
+        auto size =
+            static_cast<size_t>(words.back().data() + words.back().size() - words[1].data());
+        model.name = std::string_view(words[1].data(), size);
+    }
+
+    void sense() {
+        expect(words.size() == (source.isHeader() ? 2 : 1), "one word");
+        bool isMax = isOneOf(words.back(), {"MAX", "MAXIMIZE", "MAXIMISE", "MAXIMUM"});
+        expect(isMax || isOneOf(words.back(), {"MIN", "MINIMIZE", "MINIMISE", "MINIMUM"}),
+               "MAX or MIN");
+        model.objsense = isMax ? KVX_MAXIMIZE : KVX_MINIMIZE;
+    }
+
+    void row() {
+        expect(words.size() == 2, "SENSE ROW");
+        expect(isOneOf(words[0], {"N", "L", "G", "E"}), "N, L, G or E and a row");
+        char sense = static_cast<char>(std::toupper(words[0][0]));
+        if (!rowIndex.emplace(words[1], rows.size()).second)
+            refuse(words[1], "is there twice");
+        rows.push_back({words[1], sense});
+    }
+
+    double number(std::string_view word) const {
+        return readFinite(numberIn<double>(word), "a number");
+    }
+
+    // Only one set may be given in a section: which of several counts, a file doesn't say.
+    void checkSet(std::string_view set) {
+        auto [place, isNew] = sets.emplace(sectionName, set);
+        if (!isNew && place->second != set)
+            refuse(set, "is a second set in this section");
+    }
+
+    void column() {
+        if (words.size() == 3 && isOneOf(words[1], {"'MARKER'"})) {
+            isMarked = isOneOf(words[2], {"'INTORG'"});
+            expect(isMarked || isOneOf(words[2], {"'INTEND'"}), "'INTORG' or 'INTEND'");
+            return;
+        }
+        expect(words.size() == 3 || words.size() == 5, "COLUMN ROW NUMBER [ROW NUMBER]");
+        if (model.vars.empty() || model.vars.back().name != words[0]) {
+            if (!columnIndex.emplace(words[0], columns.size()).second)
+                refuse(words[0], "is there twice");
+            Variable var;
+            var.name = words[0];
+            var.type = isMarked ? KVX_INTEGER : KVX_CONTINUOUS;
+            addVariable(model, std::move(var));
+            columns.push_back({isMarked});
+        }
+        int index = intSize(columns.size()) - 1;
+        for (size_t k = 1; k < words.size(); k += 2) {
+            auto &entries = rows[find(rowIndex, words[k])].entries;
+            if (!entries.empty() && entries.back().index == index)
+                refuse(words[k], "is there twice in this column");
+            entries.push_back({index, number(words[k + 1])});
+        }
+    }
+
+    // [SET] ROW NUMBER [ROW NUMBER]
+    template <class Number>
+    void forRows(Number Row::*number) {
+        expect(words.size() >= 2 && words.size() <= 5, "[SET] ROW NUMBER [ROW NUMBER]");
+        size_t first = words.size() % 2;
+        checkSet(first ? words[0] : "");
+        for (size_t k = first; k < words.size(); k += 2) {
+            Number &target = rows[find(rowIndex, words[k])].*number;
+            if (!std::isnan(target))
+                refuse(words[k], "is there twice");
+            target = numberIn<Number>(words[k + 1]);
+            this->number(words[k + 1]);
+        }
+    }
+
+    void rightHandSide() { forRows(&Row::rhs); }
+    void range() { forRows(&Row::range); }
+
+    void bound() {
+        std::string_view type = words[0];
+        auto is = [&](auto... types) { return isOneOf(type, {types...}); };
+        bool isSemi = is("SC", "SI"), needsNumber = is("UP", "LO", "FX", "UI", "LI");
+        if (!isSemi && !needsNumber && !is("FR", "MI", "PL", "BV"))
+            expected(type, "UP, LO, FX, FR, MI, PL, BV, UI, LI, SC or SI");
+        expect(words.size() == (needsNumber ? 3 : 2) || words.size() == 3 || words.size() == 4,
+               needsNumber ? "TYPE [SET] COLUMN NUMBER" : "TYPE [SET] COLUMN [NUMBER]");
+        bool hasSet = words.size() == 4;
+        if (words.size() == 3 && !needsNumber) // a set or a number
+            hasSet = columnIndex.count(words[2]) || !columnIndex.count(words[1]);
+        checkSet(hasSet ? words[1] : "");
+        const size_t place = hasSet ? 2 : 1, index = find(columnIndex, words[place]);
+        double value = place + 1 < words.size() ? numberIn<double>(words[place + 1]) : HUGE_VAL;
+        Variable &var = model.vars[index];
+        Column &column = columns[index];
+        if (is("UP", "UI", "FX") || isSemi)
+            var.ub = value;
+        else if (is("FR", "PL", "BV"))
+            var.ub = is("BV") ? 1 : KVX_INFINITY;
+        if (is("LO", "LI", "FX", "BV"))
+            var.lb = is("BV") ? 0 : value;
+        else if (is("MI", "FR") || (value < 0 && !column.hasLower)) // the latter by convention
+            var.lb = -KVX_INFINITY;
+        if (is("BV"))
+            var.type = KVX_BINARY;
+        else if (is("UI", "LI"))
+            var.type = var.isSemi() ? KVX_SEMIINT : KVX_INTEGER;
+        else if (isSemi)
+            var.type = is("SI") || var.isInteger() ? KVX_SEMIINT : KVX_SEMICONT;
+        column.hasBound = true;
+        column.hasLower = column.hasLower || !(isSemi || is("UP", "UI", "PL"));
+        column.isMarked = column.isMarked && !is("UI", "LI");
+    }
+
+    // A set begins with a line of its type or, in a section of one type, with its name.
+    void setLine() {
+        bool isIndented = words[0].data() - source.line.data() > 3;
+        if (sectionName == "SOS" && isOneOf(words[0], {"S1", "S2"}) &&
+            !(isIndented && columnIndex.count(words[0])))
+            return model.sos.push_back({words[0][1] - '0', {}});
+        expect(words.size() == 2 || words.size() == 3, "[SET] COLUMN NUMBER");
+        std::string_view name = words.size() == 3 ? words[0] : "";
+        if (sectionName != "SOS" && (sets.emplace(sectionName, "").second || name != setName))
+            model.sos.push_back({sectionName == "SOS1" ? 1 : 2, {}});
+        setName = name;
+        if (model.sos.empty())
+            expected(words[0], "S1 or S2 and a set");
+        int index = intSize(find(columnIndex, words[words.size() - 2]));
+        model.sos.back().members.push_back({index, number(words.back())});
+    }
+
+    ModelData finished() {
+        bool hasObjective = false;
+        for (Row &row : rows) {
+            auto &entries = row.entries;
+            auto isZero = [](const Entry &entry) { return entry.value == 0; };
+            entries.erase(std::remove_if(entries.begin(), entries.end(), isZero), entries.end());
+            const double rhs = std::isnan(row.rhs) ? 0 : row.rhs;
+            if (row.sense == 'N' && !hasObjective) {
+                hasObjective = true;
+                model.objcon = 0 - rhs;
+                for (auto [var, value] : entries)
+                    model.vars[at(var)].obj = value;
+                continue;
+            }
+            Constraint constr;
+            constr.name = row.name;
+            constr.row = std::move(entries);
+            if (row.sense == 'G' || row.sense == 'E')
+                constr.lower = rhs;
+            if (row.sense == 'L' || row.sense == 'E')
+                constr.upper = rhs;
+            bool isDown = row.sense == 'L' || (row.sense == 'E' && row.range < 0);
+            if (row.sense != 'N' && !std::isnan(row.range))
+                (isDown ? constr.lower : constr.upper) =
+                    otherSide(rhs, isDown ? -std::abs(row.range) : std::abs(row.range));
+            addConstraint(model, std::move(constr));
+        }
+        for (size_t j = 0; j < columns.size(); j++) { // conventions for marked columns
+            Variable &var = model.vars[j];
+            if (columns[j].isMarked && !columns[j].hasBound)
+                var.ub = 1;
+            if (columns[j].isMarked && !var.isSemi() && var.lb >= 0 && var.ub <= 1)
+                var.type = KVX_BINARY;
+        }
+        return std::move(model);
+    }
+
+    Source &source;
+    std::vector<std::string_view> &words;
+    const bool isFixed;
+    std::string_view sectionName, setName;
+    std::map<std::string_view, std::string_view> sets; // by section
+    ModelData model;
+    Index rowIndex, columnIndex;
+    std::vector<Row> rows; // with the objective
+    std::vector<Column> columns;
+    bool isMarked = false;
+};
+
+} // namespace
+
+double otherSide(double side, long double range) {
+    return static_cast<double>(side + range);
+}
+
+// Free format first: a file in fixed format reads the same unless it has names with blanks, and
+// then ends in a failure. Of two failures the one tells more that came later.
+ModelData readMps(Source &source) {
+    try {
+        return MpsReader(source, false).read();
+    } catch (const Failure &) {
+        Source again{source.text};
+        try {
+            return MpsReader(again, true).read();
+        } catch (const Failure &later) {
+            if (again.number > source.number) {
+                source.number = again.number;
+                throw later;
+            }
+        }
+        throw;
+    }
+}
+
+} // namespace korvex
