@@ -95,7 +95,8 @@ public final class Constants {
             } else if (m.group("text") != null) {
                 String text = m.group("text").replaceAll("\\s+(\\* )?", " ").strip();
                 above = m.group("own").isEmpty() ? "" : text;
-                if (above.isEmpty())
+                // What is longer than a paragraph is about something else.
+                if (above.isEmpty() && !m.group("text").contains("\n *\n"))
                     group = text.replaceFirst("\\. .*|\\.$", "");
             } else {
                 String own = m.group("beside") == null ? above : m.group("beside").strip();

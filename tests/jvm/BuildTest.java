@@ -96,6 +96,30 @@ class BuildTest {
     }
 
     @Test
+    void quadraticTermsAndConstraints() {
+        Objective objective = model.objective();
+        Triplets terms = new Triplets(ints(0, 1), ints(3, 1), 2, -1);
+        objective.addQuadraticTerms(new Triplets(ints(1, 3), ints(1, 0), -1, 2));
+        assertEquals(terms, objective.quadraticTerms());
+        objective.deleteQuadraticTerms();
+        assertEquals(0, objective.quadraticTerms().size());
+        QuadraticConstraints quadratic = model.quadraticConstraints();
+        QuadraticExpression both = new QuadraticExpression(vector(0, 1.5, 2, 3), terms);
+        assertEquals(0, quadratic.add(QuadraticExpression.of(terms), KVX.EQUAL, 6.5, "first"));
+        assertEquals(1, quadratic.add(both, KVX.LESS_EQUAL, -1, "second"));
+        assertEquals(QuadraticExpression.of(terms), quadratic.get(0));
+        quadratic.delete(0);
+        assertEquals(both, quadratic.get(0));
+        assertEquals("second < -1.0", model.getString(KVXAttribute.Q_CONSTR_NAME, 0) + " " +
+                                          model.getChar(KVXAttribute.Q_CONSTR_SENSE, 0) + " " +
+                                          model.getDouble(KVXAttribute.Q_CONSTR_RHS, 0));
+        objective.set(KVX.MINIMIZE, both, 0);
+        assertEquals(terms, objective.quadraticTerms());
+        assertArrayEquals(doubles(1.5, 0, 3, 0), model.getDoubles(KVXAttribute.OBJ));
+        Models.fails(KVX.ERROR_NOT_SUPPORTED, model::optimize);
+    }
+
+    @Test
     void setsAndPiecewiseLinearTerms() {
         SpecialOrderedSets sos = model.sos();
         SparseVector pair = vector(0, 1, 1, 2), three = new SparseVector(ints(1, 2, 3), 1, 2, 3);
@@ -144,6 +168,9 @@ class BuildTest {
     @Test
     void deletionRenumbers() {
         GeneralConstraints general = model.generalConstraints();
+        general.add(GeneralConstraint.sin(0, 3), null, "way=1");
+        assertEquals("way=1", model.getString(KVXAttribute.GEN_CONSTR_OPTIONS, 0));
+        general.delete(0);
         for (String name : new String[] {"first", "second"})
             general.add(GeneralConstraint.abs(0, 3), name);
         general.delete(0);
@@ -184,7 +211,12 @@ class BuildTest {
         model.optimize();
         assertArrayEquals(doubles(0.25, 0.2), model.getDoubles(KVXAttribute.X, ints(0, 3)), 1e-6);
         assertEquals(7.25, model.getDouble(KVXAttribute.OBJ_VAL), 1e-6);
+        model.goalParams(1).set(KVXParameter.SEED, 5);
+        assertEquals("0 5 0", model.goalParams(0).getInt("Seed") + " " +
+                                  model.goalParams(1).getInt("Seed") + " " +
+                                  model.params().getInt("Seed"));
         model.discardGoalParams();
+        assertEquals(0, model.goalParams(1).getInt("Seed"));
         model.discardConcurrentParams();
         Models.fails(KVX.ERROR_NOT_SUPPORTED, () -> model.concurrentParams(0).getInt("Threads"));
     }
@@ -245,6 +277,10 @@ class BuildTest {
             {argument, "2 elements, not 1", ex(() -> Rows.of(kept, new char[1], 1))},
             {argument, "either",
              ex(() -> new Rows(null, new char[1], doubles(1), doubles(1), null))},
+            {argument, "2147483648 entries",
+             ex(()
+                    -> SparseMatrix.of(Collections.nCopies(
+                        2048, new SparseVector(new int[1 << 20], new double[1 << 20]))))},
             {argument, "beg[1] is 0", ex(() -> new SparseMatrix(ints(1, 0), ints(0), doubles(1)))},
             {argument, "beg[0] is -1", ex(() -> new SparseMatrix(ints(-1), ints(0), doubles(1)))},
             {argument, "beg[0] is 2", ex(() -> new SparseMatrix(ints(2), ints(0), doubles(1)))},

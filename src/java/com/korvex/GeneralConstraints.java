@@ -106,7 +106,8 @@ public final class GeneralConstraints extends ModelElements {
     }
 
     /**
-     * Reads a general constraint. Options aren't read back.
+     * Reads a general constraint. Its name and options are attributes, {@link
+     * KVXAttribute#GEN_CONSTR_NAME} and {@link KVXAttribute#GEN_CONSTR_OPTIONS}.
      *
      * @param index its index
      * @return the constraint, of the shape that its kind has

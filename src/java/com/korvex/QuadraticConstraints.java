@@ -1,6 +1,10 @@
 package com.korvex;
 
-/** The quadratic constraints of a model. */
+/**
+ * The quadratic constraints of a model. What else belongs to them are attributes: {@link
+ * KVXAttribute#Q_CONSTR_SENSE}, {@link KVXAttribute#Q_CONSTR_RHS}, {@link
+ * KVXAttribute#Q_CONSTR_NAME}.
+ */
 public final class QuadraticConstraints extends ModelElements {
     QuadraticConstraints(ModelCalls model) { super(model, "NumQConstrs", KorvexJni::delqconstrs); }
 
@@ -25,7 +29,7 @@ public final class QuadraticConstraints extends ModelElements {
     }
 
     /**
-     * Reads a quadratic constraint.
+     * Reads a quadratic constraint. Its name, sense and right-hand side are attributes.
      *
      * @param qconstr its index
      * @return its left-hand side
