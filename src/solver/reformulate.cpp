@@ -15,6 +15,8 @@ namespace {
 
 using Expression = std::vector<Entry>;
 
+constexpr double largestImplied = 1e7; // Beyond, a bound is of little use to the solver.
+
 Expression operator+(Expression a, const Expression &b) {
     a.insert(a.end(), b.begin(), b.end());
     return a;
@@ -30,7 +32,11 @@ struct Reformulation {
     ModelData model;
     const double zero; // operands that count in a 0-norm are at least this large
 
+    std::vector<Range> known = {}; // the first variables' bounds, or what the rows imply where none
+
     Variable &var(int j) { return model.vars[at(j)]; }
+    double low(int j) { return at(j) < known.size() ? known[at(j)].lower : var(j).lb; }
+    double high(int j) { return at(j) < known.size() ? known[at(j)].upper : var(j).ub; }
 
     int variable(double lb, double ub, char type = KVX_CONTINUOUS) {
         Variable var;
@@ -67,12 +73,60 @@ struct Reformulation {
     double most(const Expression &entries) {
         double sum = 0;
         for (auto [index, value] : entries) {
-            double bound = value > 0 ? var(index).ub : var(index).lb;
+            double bound = value > 0 ? high(index) : low(index);
             if (std::abs(bound) >= KVX_INFINITY)
                 return KVX_INFINITY;
             sum += value * bound;
         }
         return sum;
+    }
+
+    // Finds bounds for variables without, from the rows and the bounds of their other variables.
+    void propagate() {
+        for (const Variable &v : model.vars)
+            known.push_back({v.isSemi() ? std::min(v.lb, 0.0) : v.lb,
+                             v.isSemi() ? std::max(v.ub, 0.0) : v.ub, v.type});
+        bool isNew = true;
+        for (int round = 0; isNew && round < 20; round++) {
+            isNew = false;
+            for (const Constraint &constr : model.constrs)
+                for (double sign : {1.0, -1.0}) { // sign times the row is at most the side
+                    double side = sign > 0 ? constr.upper : -constr.lower;
+                    if (side < KVX_INFINITY)
+                        isNew |= propagate(sign * Expression(constr.row), side);
+                }
+        }
+    }
+
+    bool propagate(const Expression &row, double side) {
+        int open = -1; // the place of the only variable whose contribution has no limit
+        for (size_t k = 0; k < row.size(); k++)
+            if (std::abs(least(row[k])) >= KVX_INFINITY) {
+                if (open >= 0)
+                    return false;
+                open = intSize(k);
+            } else {
+                side -= least(row[k]);
+            }
+        bool isNew = false;
+        for (size_t k = 0; k < row.size(); k++) {
+            if (open >= 0 && at(open) != k)
+                continue;
+            auto [j, value] = row[k];
+            const double bound = (open >= 0 ? side : side + least(row[k])) / value;
+            double &bounded = value > 0 ? known[at(j)].upper : known[at(j)].lower;
+            if (std::abs(bounded) >= KVX_INFINITY && std::abs(bound) < largestImplied) {
+                bounded = bound;
+                isNew = true;
+            }
+        }
+        return isNew;
+    }
+
+    // The least contribution to a row; infinite when there is none.
+    double least(Entry entry) {
+        double bound = entry.value > 0 ? low(entry.index) : high(entry.index);
+        return std::abs(bound) >= KVX_INFINITY ? -KVX_INFINITY : entry.value * bound;
     }
 
     void makeBinary(int j) {
@@ -86,7 +140,7 @@ struct Reformulation {
     Expression absolute(int j) {
         if (var(j).lb >= 0)
             return {{j, 1}};
-        int positive = slack(var(j).ub), negative = slack(-var(j).lb);
+        int positive = slack(high(j)), negative = slack(-low(j));
         row({{j, 1}, {positive, -1}, {negative, 1}}, 0, 0);
         set(KVX_SOS_TYPE1, {{positive, 1}, {negative, 1}});
         return {{positive, 1}, {negative, 1}};
@@ -195,12 +249,12 @@ struct Reformulation {
             member(direction * (bound - xs[end]), direction, run == 0 ? 0 : direction * rise / run);
         };
         const size_t last = xs.size() - 1;
-        step(0, std::min<size_t>(1, last), -1, var(x).lb);
+        step(0, std::min<size_t>(1, last), -1, low(x));
         for (size_t k = 0; k <= last; k++) {
             member(1, xs[k], ys[k]);
             total.push_back(ordered.back());
         }
-        step(last, last - std::min<size_t>(1, last), 1, var(x).ub);
+        step(last, last - std::min<size_t>(1, last), 1, high(x));
         row(xRow, 0, 0);
         row(yRow, 0, 0);
         row(total, 1, 1);
@@ -239,6 +293,7 @@ struct Reformulation {
 
     void run() {
         const size_t vars = model.vars.size(), sets = model.sos.size();
+        propagate();
         for (size_t j = 0; j < vars; j++)
             if (model.vars[j].isSemi())
                 semi(intSize(j));
