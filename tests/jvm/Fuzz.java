@@ -278,7 +278,7 @@ final class Fuzz {
                 KVXEnv env = world.any(KVXEnv.class, hostile.random);
                 if (env == null || hostile.once(3))
                     world.remember(env = Models.quietEnv(), hostile.random);
-                world.remember(hostile.model(env), hostile.random);
+                hostile.addModel(env);
             });
         }
 

@@ -52,7 +52,7 @@ class FuzzTest {
         Random seeds = new Random(seed);
         for (int part = 0; made < least && System.nanoTime() < end; part++) {
             Path directory = Files.createTempDirectory("fuzz");
-            long seconds = Math.min(60, (end - System.nanoTime()) / 1_000_000_000L + 1);
+            long seconds = Math.min(30, (end - System.nanoTime()) / 1_000_000_000L + 1);
             made += fuzz(directory, part % 3 == 2, seed, seconds, least - made);
             System.out.println(made + " calls without a finding; the last began with seed " + seed);
             Launch.of("rm", "-r", directory.toString());

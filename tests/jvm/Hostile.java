@@ -203,18 +203,24 @@ final class Hostile {
         return line -> caller.meddle(null);
     }
 
-    /** A model that the solver can solve, with a bit of everything. */
-    KVXModel model(KVXEnv env) {
+    /** Adds a model that the solver can solve to the world, with a bit of everything. */
+    void addModel(KVXEnv env) {
         boolean linear = once(2);
-        if (once(10))
-            return Models.marketSplit(env, 30, 3, random.nextLong());
+        if (once(10)) {
+            world.remember(Models.marketSplit(env, 30, 3, random.nextLong()), random);
+            return;
+        }
         int n = 1 + random.nextInt(6), m = random.nextInt(5);
         double[] obj = random.ints(n, -5, 6).asDoubleStream().toArray();
         double[] ub = random.ints(n, 1, 10).asDoubleStream().toArray();
         char[] types = new char[n];
         for (int j = 0; j < n; j++)
             types[j] = linear ? 'C' : "CCBIISN".charAt(random.nextInt(7));
-        KVXModel model = new KVXModel(env, "valid", Columns.of(obj).upper(ub).types(types));
+        Columns columns = Columns.of(obj).upper(ub).types(types);
+        Rows rows = Rows.of(null, new char[] {'<', '>'}, 8, -8);
+        KVXModel model = once(3) ? KVXModel.load(env, "loaded", 1, 1, columns, rows)
+                                 : new KVXModel(env, "valid", columns);
+        world.remember(model, random);
         for (int i = 0; i < m; i++)
             model.constraints().add(
                 new SparseVector(new int[] {random.nextInt(n)}, 1 + random.nextInt(3)),
@@ -232,7 +238,6 @@ final class Hostile {
         model.params().set("TimeLimit", 0.2);
         if (!once(3))
             model.setCallback(callback());
-        return model;
     }
 
     /** Changes some bytes of a file that a call has written. */
