@@ -30,7 +30,7 @@ set(CPACK_COMPONENT_HEADER_DESCRIPTION "C interface of the solver Korvex, and it
 The header of libkorvex130.so, files for CMake and pkg-config, and the pages of
 the Java classes.")
 
-if(NOT KORVEX_SOLVER_LIBRARY)
+if(KORVEX_DEVELOPMENT_SOLVER)
   list(APPEND CPACK_COMPONENTS_ALL solver)
   set(CPACK_DEBIAN_SOLVER_PACKAGE_NAME korvex-development-solver)
   set(CPACK_DEBIAN_SOLVER_PACKAGE_SECTION libs)

@@ -113,7 +113,7 @@ class LoadingTest {
                     "--enable-native-access=ALL-UNNAMED", "-Djava.library.path=" + empty,
                     "-Dcom.korvex.library.cache=" + cache));
         command.addAll(List.of(options));
-        String probe = Probe.class.getProtectionDomain().getCodeSource().getLocation().getPath();
+        String probe = Launch.LIB.resolveSibling("tests").resolve("jvm_tests.jar").toString();
         command.addAll(List.of("-cp", jar + ":" + natives + ":" + probe, Probe.class.getName()));
         command.addAll(List.of(ways.split(",")));
         return command;

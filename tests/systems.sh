@@ -1,0 +1,69 @@
+#!/usr/bin/env bash
+# systems.sh [SUITE...]: builds and tests this checkout as a new user would, on bare Debian systems
+# made by debootstrap: Debian 12 (g++ 12, clang 14, JDK 17) and Debian 13 (g++ 14, clang 19, JDK 21
+# and the newest). Each takes some 2 GB in /var/tmp, or $TMPDIR, while it lasts.
+set -euo pipefail
+source=$(cd "$(dirname "$0")/.." && pwd -P)
+[ $# != 0 ] || set -- bookworm trixie
+
+fail() {
+    echo "$1" >&2
+    exit 1
+}
+[ "$(id -u)" = 0 ] || fail "Making systems takes root: run this with sudo."
+command -v debootstrap >/dev/null || fail "Please install debootstrap: apt-get install debootstrap"
+
+# inside COMMAND...: in the system, where the checkout lies in a directory with a difficult name.
+checkout="/home/it's a (bare) system"
+inside() {
+    unshare --mount --pid --fork bash -c '
+        mount -t proc proc "$0/proc"
+        exec chroot "$0" env -i -C "$1" HOME=/root PATH=/usr/sbin:/usr/bin:/sbin:/bin LANG=C.UTF-8 \
+            "${@:2}"' "$root" "$checkout" "$@"
+}
+
+# timed WHAT COMMAND...
+timed() {
+    local begin=$SECONDS
+    echo "$suite: $1 ..."
+    "${@:2}" || fail "$suite: $1 FAILED"
+    echo "$suite: $1 took $((SECONDS - begin)) s"
+}
+
+make_system() {
+    debootstrap --variant=minbase "$suite" "$root" >"$root.log" 2>&1 || ! tail "$root.log"
+}
+
+no_warnings() {
+    ! grep -h 'warning:' "$root$checkout"/build/*.log
+}
+
+with_jdk() {
+    local home
+    inside env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "$1" \
+        >>"$root.log" 2>&1
+    home=$(inside sh -c "readlink -f /usr/lib/jvm/java-${1//[^0-9]/}-openjdk-*")
+    inside env JAVA_HOME="$home" cmake --preset default --fresh >>"$root.log"
+    timed "./run test with $1" inside env JAVA_HOME="$home" ./run test -R jvm
+    timed "no warnings" no_warnings
+}
+
+for suite in "$@"; do
+    root=$(mktemp -d "${TMPDIR:-/var/tmp}/korvex-$suite.XXXX")
+    chmod 755 "$root"
+    trap 'rm -rf --one-file-system "$root"' EXIT
+    timed debootstrap make_system
+    mkdir -p "$root$checkout"
+    tar c -C "$source" --exclude=./build --exclude=./.git . | tar x -C "$root$checkout"
+
+    timed "./run solve" inside ./run solve
+    timed "./run test" inside ./run test
+    timed "no warnings" no_warnings
+    # clang's native tests are built already.
+    timed "tests built by clang" inside ctest --preset clang -R '^native_test$'
+
+    newest=$(inside apt-cache search --names-only '^openjdk-[0-9]+-jdk-headless$' |
+        sed 's/ .*//' | sort -V | tail -n 1)
+    inside dpkg-query -W "$newest" >/dev/null 2>&1 || with_jdk "$newest"
+    rm -rf --one-file-system "$root" "$root.log"
+done
