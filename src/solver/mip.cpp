@@ -281,6 +281,10 @@ void Mip::configure(CbcModel &cbc) {
     cbc.setIntegerTolerance(dblParam(run.settings, "IntegralityTol"));
     cbc.setAllowableGap(run.absoluteGap);
     cbc.setAllowableFractionGap(run.gap);
+    // What Clp calls crunching ends the process for some tiny models, by an assertion.
+    constexpr int crunching = 1;
+    if (auto *clp = dynamic_cast<OsiClpSolverInterface *>(cbc.solver()))
+        clp->setSpecialOptions(clp->specialOptions() & ~crunching);
     if (problem.sets.empty())
         return;
     // Cbc's dynamic pseudo-costs take every branching object for that of an integer, and its strong
