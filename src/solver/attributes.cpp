@@ -15,18 +15,25 @@ using Quadratic = QuadraticConstraint;
 
 // A setter checks the value and, in a second round with commit set, stores it: so a list of values
 // is stored only when all of them are good.
+// A text is copied in the first round, for which memory may be lacking.
+struct NewText {
+    const char *given;
+    Name copy;
+};
 template <class T>
 struct Access {
+    static constexpr bool isText = std::is_same_v<T, const char *>;
     T (*get)(M &, size_t);
-    void (*set)(M &, size_t, T, bool commit) = nullptr;
+    void (*set)(M &, size_t, std::conditional_t<isText, NewText &, T>, bool commit) = nullptr;
 };
 using Int = Access<int>;
 using Dbl = Access<double>;
 using Text = Access<const char *>;
 using Char = Access<char>;
 
-// What must be there for an attribute to be read, and whether setting it leaves the optimum.
-enum Trait { changing, neutral, result, solution, duals, startBasis, iis };
+// What must be there for an attribute to be read, and whether setting it leaves the optimum; a
+// count is known before deletions are settled.
+enum Trait { changing, neutral, count, result, solution, duals, startBasis, iis };
 
 struct Attribute {
     const char *name;
@@ -60,6 +67,10 @@ auto get(M &m, size_t i) {
     using T = std::decay_t<decltype(value)>;
     if constexpr (std::is_same_v<T, std::string>)
         return value.c_str();
+    else if constexpr (std::is_same_v<T, Name>)
+        return m.texts.of(value);
+    else if constexpr (std::is_same_v<T, bool>)
+        return static_cast<int>(value);
     else if constexpr (std::is_same_v<T, std::vector<double>>)
         return value[i];
     else
@@ -71,6 +82,14 @@ void set(M &m, size_t i, T value, bool commit) {
     auto good = checked(m, value);
     if (commit)
         field(m, i, member) = good;
+}
+
+template <auto member, auto checked>
+void setText(M &m, size_t i, NewText &text, bool commit) {
+    if (commit)
+        field(m, i, member) = std::move(text.copy);
+    else
+        text.copy = checked(text.given);
 }
 
 // The values that setters take.
@@ -87,8 +106,7 @@ struct Good {
             fail(KVX_ERROR_VALUE_OUT_OF_RANGE, "unknown basis status %d", v);
         return v;
     }
-    static std::string text(M &, const char *v) { return readName(v); }
-    static std::string name(M &, const char *v) {
+    static Name name(const char *v) {
         if (!v || !*v)
             fail(KVX_ERROR_INVALID_ARGUMENT, "the name of an element can't be empty");
         return readName(v);
@@ -125,7 +143,7 @@ struct Edit {
 
 template <auto edit, class T>
 void setSides(M &m, size_t i, T value, bool commit) {
-    Constraint &c = m.constrs[i];
+    Sides &c = m.constrs[i];
     Range sides{c.lower, c.upper, c.sense};
     edit(sides, value, i);
     sides = readSides(sides, i);
@@ -147,19 +165,20 @@ struct Is {
 };
 
 template <auto test>
-int count(M &m, size_t) {
+int number(M &m, size_t) {
     return static_cast<int>(std::count_if(m.vars.begin(), m.vars.end(), test));
 }
 
-int nonzeros(M &m, size_t) {
-    size_t sum = 0;
-    for (const Constraint &constr : m.constrs)
-        sum += constr.row.size();
-    return intSize(sum);
+int variables(M &m, size_t) {
+    return m.varDeletion ? m.varDeletion->left : intSize(m.vars.size());
+}
+
+int constraints(M &m, size_t) {
+    return m.constrDeletion ? m.constrDeletion->left : intSize(m.constrs.size());
 }
 
 int isMip(M &m, size_t) {
-    return !m.sos.empty() || !m.genconstrs.empty() || count<Is::discrete>(m, 0) > 0;
+    return !m.sos.empty() || !m.genconstrs.empty() || number<Is::discrete>(m, 0) > 0;
 }
 
 double gap(M &m, size_t) {
@@ -175,15 +194,15 @@ double runtime(M &m, size_t) {
 constexpr int model = KVX_OF_MODEL, var = KVX_OF_VARIABLE, row = KVX_OF_CONSTRAINT;
 constexpr int quadratic = KVX_OF_QCONSTRAINT, general = KVX_OF_GENCONSTRAINT;
 constexpr Attribute table[] = {
-    {"NumVars", model, Int{[](M &m, size_t) { return intSize(m.vars.size()); }}},
-    {"NumConstrs", model, Int{[](M &m, size_t) { return intSize(m.constrs.size()); }}},
-    {"NumNZs", model, Int{nonzeros}},
+    {"NumVars", model, Int{variables}, count},
+    {"NumConstrs", model, Int{constraints}, count},
+    {"NumNZs", model, Int{[](M &m, size_t) { return intSize(m.rows.nonzeros()); }}},
     {"NumSOS", model, Int{[](M &m, size_t) { return intSize(m.sos.size()); }}},
     {"NumQConstrs", model, Int{[](M &m, size_t) { return intSize(m.qconstrs.size()); }}},
     {"NumGenConstrs", model, Int{[](M &m, size_t) { return intSize(m.genconstrs.size()); }}},
     {"NumQNZs", model, Int{[](M &m, size_t) { return intSize(m.products.size()); }}},
-    {"NumIntVars", model, Int{count<Is::integer>}},
-    {"NumBinVars", model, Int{count<Is::binary>}},
+    {"NumIntVars", model, Int{number<Is::integer>}},
+    {"NumBinVars", model, Int{number<Is::binary>}},
     {"NumObj", model, Int{[](M &m, size_t) { return std::max(1, intSize(m.objectives.size())); }}},
     {"NumScenarios", model, Int{[](M &, size_t) { return 1; }}},
     {"TuneResultCount", model, Int{[](M &m, size_t) { return intSize(m.tuneResults.size()); }}},
@@ -203,7 +222,7 @@ constexpr Attribute table[] = {
     {"Runtime", model, Dbl{runtime}},
     {"NodeCount", model, Dbl{get<&Solution::nodes>}, result},
     {"IterCount", model, Dbl{get<&Solution::iterations>}, result},
-    {"ModelName", model, Text{get<&M::name>, set<&M::name, Good::text>}, neutral},
+    {"ModelName", model, Text{get<&M::name>, setText<&M::name, readName>}, neutral},
     {"LB", var, Dbl{get<&Variable::lb>, setDomain<&Range::lower>}},
     {"UB", var, Dbl{get<&Variable::ub>, setDomain<&Range::upper>}},
     {"VarType", var, Char{get<&Variable::type>, setDomain<&Range::kind>}},
@@ -215,24 +234,25 @@ constexpr Attribute table[] = {
     {"VarBasis", var, Int{get<&Variable::basis>, set<&Variable::basis, Good::basis>}, startBasis},
     {"IISLB", var, Int{get<&Variable::iisLb>}, iis},
     {"IISUB", var, Int{get<&Variable::iisUb>}, iis},
-    {"VarName", var, Text{get<&Variable::name>, set<&Variable::name, Good::name>}, neutral},
+    {"VarName", var, Text{get<&Variable::name>, setText<&Variable::name, Good::name>}, neutral},
     {"RHS", row, Dbl{rhs, setSides<Edit::rhs>}},
-    {"RowLower", row, Dbl{get<&Constraint::lower>, setSides<Edit::lower>}},
-    {"RowUpper", row, Dbl{get<&Constraint::upper>, setSides<Edit::upper>}},
-    {"Sense", row, Char{get<&Constraint::sense>, setSides<Edit::sense>}},
+    {"RowLower", row, Dbl{get<&Sides::lower>, setSides<Edit::lower>}},
+    {"RowUpper", row, Dbl{get<&Sides::upper>, setSides<Edit::upper>}},
+    {"Sense", row, Char{get<&Sides::sense>, setSides<Edit::sense>}},
     {"Dual", row, Dbl{get<&Solution::duals>}, duals},
     {"Slack", row, Dbl{get<&Solution::slacks>}, solution},
-    {"ConstrBasis", row, Int{get<&Constraint::basis>, set<&Constraint::basis, Good::basis>},
-     startBasis},
-    {"IISConstr", row, Int{get<&Constraint::iis>}, iis},
-    {"ConstrName", row, Text{get<&Constraint::name>, set<&Constraint::name, Good::name>}, neutral},
+    {"ConstrBasis", row, Int{get<&Sides::basis>, set<&Sides::basis, Good::basis>}, startBasis},
+    {"IISConstr", row, Int{get<&Sides::iis>}, iis},
+    {"ConstrName", row, Text{get<&Sides::name>, setText<&Sides::name, Good::name>}, neutral},
     {"QConstrRHS", quadratic, Dbl{get<&Quadratic::rhs>, set<&Quadratic::rhs, Good::number>}},
     {"QConstrSense", quadratic, Char{get<&Quadratic::sense>, set<&Quadratic::sense, Good::sign>}},
-    {"QConstrName", quadratic, Text{get<&Quadratic::name>, set<&Quadratic::name, Good::name>},
+    {"QConstrName", quadratic, Text{get<&Quadratic::name>, setText<&Quadratic::name, Good::name>},
      neutral},
     {"GenConstrType", general, Int{get<&General::kind>}},
-    {"GenConstrName", general, Text{get<&General::name>, set<&General::name, Good::name>}, neutral},
-    {"GenConstrOptions", general, Text{get<&General::options>, set<&General::options, Good::text>}},
+    {"GenConstrName", general, Text{get<&General::name>, setText<&General::name, Good::name>},
+     neutral},
+    {"GenConstrOptions", general,
+     Text{get<&General::options>, setText<&General::options, readName>}},
 };
 
 const Attribute &find(const char *name) {
@@ -276,7 +296,9 @@ auto prepare(const M &m, const char *name, const Elements &elements, const T *va
 
 template <class T>
 int getAttr(M *model, const char *name, Elements elements, T *values) {
-    return guardedRead(model, [&] {
+    return guardedUnsettled(model, [&] {
+        if (find(name).trait != count)
+            settle(*model);
         auto [attribute, access, indices] = prepare<T>(*model, name, elements, values);
         const Solution &s = model->solution;
         const bool known[] = {s.status != KVX_STATUS_LOADED, s.hasX, s.hasDuals, model->hasBasis,
@@ -294,9 +316,18 @@ int setAttr(M *model, const char *name, Elements elements, const T *values) {
         auto [attribute, access, indices] = prepare<T>(*model, name, elements, values);
         if (!access.set)
             fail(KVX_ERROR_READ_ONLY, "attribute %s can't be set", attribute.name);
+        std::vector<NewText> texts;
+        if constexpr (Access<T>::isText)
+            for (size_t k = 0; k < indices.size(); k++)
+                texts.push_back({values[k], {}});
         for (bool commit : {false, true})
             for (size_t k = 0; k < indices.size(); k++)
-                access.set(*model, indices[k], values[k], commit);
+                if constexpr (Access<T>::isText)
+                    access.set(*model, indices[k], texts[k], commit);
+                else
+                    access.set(*model, indices[k], values[k], commit);
+        if (Access<T>::isText)
+            forgetNames(*model);
         model->hasBasis |= attribute.trait == startBasis && !indices.empty();
         if (attribute.trait == changing)
             touch(*model);

@@ -5,26 +5,28 @@
 #include <CoinIndexedVector.hpp>
 
 #include <cmath>
+#include <numeric>
 
 using namespace korvex;
 
-namespace {
-
-struct Basis {
+struct korvex::Basis {
     explicit Basis(const KVXmodel &model) : rows(intSize(model.constrs.size())) {
         if (!model.hasBasis)
             fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the model has no basis");
-        ModelData data = model;
-        for (Constraint &constr : data.constrs) {
-            Variable logical;
-            logical.basis = constr.basis;
-            constr.row.push_back({addVariable(data, logical), 1});
-        }
-        matrix = matrixOf(data);
+        matrix = matrixOf(model);
+        matrix.setDimensions(rows, intSize(model.vars.size()));
+        std::vector<int> unit(at(rows));
+        std::iota(unit.begin(), unit.end(), 0);
+        std::vector<CoinBigIndex> begin(at(rows) + 1);
+        std::iota(begin.begin(), begin.end(), 0);
+        const std::vector<double> ones(at(rows), 1);
+        matrix.appendCols(rows, begin.data(), unit.data(), ones.data());
         // Negative: not basic; afterwards each basic column's position.
         std::vector<int> rowPosition(at(rows), -1), position;
-        for (const Variable &var : data.vars)
+        for (const Variable &var : model.vars)
             position.push_back(var.basis == KVX_BASIC ? 1 : -1);
+        for (const Sides &constr : model.constrs)
+            position.push_back(constr.basis == KVX_BASIC ? 1 : -1);
         constexpr int outOfMemory = -99; // for which more can be asked
         int status = rows > 0 ? outOfMemory : 0;
         for (double area = 1; status == outOfMemory && area < 1e3; area *= 2) {
@@ -62,11 +64,23 @@ struct Basis {
     CoinFactorization factorization;
 };
 
+namespace {
+
+// Calls use(basis); it is factorized once for all calls while the model stays as it is.
+template <class Use>
+int withBasis(KVXmodel *model, Use use) {
+    return guardedRead(model, [&] {
+        refuseDuringRun(*model);
+        if (!model->basis)
+            model->basis = std::make_shared<Basis>(*model);
+        use(*model->basis);
+    });
+}
+
 // make(basis) returns the dense result.
 template <class Make>
 int write(KVXmodel *model, SparseVector *x, Make make) {
-    return guarded(model, [&] {
-        Basis basis(*model);
+    return withBasis(model, [&](Basis &basis) {
         std::vector<Entry> entries;
         for (double value : make(basis))
             entries.push_back({intSize(entries.size()), value});
@@ -119,8 +133,6 @@ int KVXBinvRowi(KVXmodel *model, int i, SparseVector *x) {
 }
 
 int KVXgetBasisHead(KVXmodel *model, int *head) {
-    return guarded(model, [&] {
-        readArray(intSize(model->constrs.size()), head, "head");
-        storeAll(head, Basis(*model).head);
-    });
+    return withBasis(
+        model, [&](Basis &basis) { storeAll(readArray(basis.rows, head, "head"), basis.head); });
 }

@@ -3,31 +3,48 @@
 #include "input.h"
 
 #include <set>
-#include <tuple>
+#include <utility>
 
 using namespace korvex;
 
 namespace {
 
-void addVars(KVXmodel &model, const std::vector<std::vector<Entry>> &columns, const double *obj,
-             const double *lb, const double *ub, const char *types, const char *const *names) {
+// A name that was given, or else its letter and number.
+Name nameOf(const char *const *names, size_t k, char letter, int made) {
+    if (names && names[k] && *names[k])
+        return readName(names[k]);
+    return {letter, made + intSize(k)};
+}
+
+// Takes off what an addition that failed has added.
+template <class Element>
+void cutOff(std::vector<Element> &elements, size_t size) {
+    elements.erase(elements.begin() + static_cast<std::ptrdiff_t>(size), elements.end());
+}
+
+void addVars(KVXmodel &model, const Lists &columns, const double *obj, const double *lb,
+             const double *ub, const char *types, const char *const *names) {
     const size_t old = model.vars.size();
-    std::vector<Variable> vars(columns.size());
-    for (size_t j = 0; j < vars.size(); j++) {
-        Variable &v = vars[j];
+    OnFailure undo{[&] {
+        cutOff(model.vars, old);
+        for (Objective &objective : model.objectives)
+            cutOff(objective.coefs, std::min(old, objective.coefs.size()));
+    }};
+    grow(model.vars, columns.size());
+    for (size_t j = 0; j < columns.size(); j++) {
         Range given{lb ? lb[j] : 0, ub ? ub[j] : KVX_INFINITY, types ? types[j] : KVX_CONTINUOUS};
-        Range domain = readDomain(given, old + j);
-        std::tie(v.lb, v.ub, v.type) = std::tie(domain.lower, domain.upper, domain.kind);
+        Variable v;
+        std::tie(v.lb, v.ub, v.type) = readDomain(given, old + j).tuple();
         v.obj = obj ? readFinite(obj[j], "an objective coefficient") : 0;
-        v.name = readName(names ? names[j] : nullptr);
+        v.name = nameOf(names, j, 'C', model.varsMade);
+        model.vars.push_back(std::move(v));
     }
-    for (Objective &objective : model.objectives)
-        objective.coefs.resize(old + vars.size());
-    for (size_t j = 0; j < vars.size(); j++) {
-        int var = addVariable(model, std::move(vars[j]));
-        for (auto [constr, value] : columns[j])
-            model.constrs[at(constr)].row.push_back({var, value});
+    for (Objective &objective : model.objectives) {
+        grow(objective.coefs, columns.size());
+        objective.coefs.resize(model.vars.size());
     }
+    model.rows.addColumns(intSize(old), columns);
+    model.varsMade += intSize(columns.size());
     touch(model);
 }
 
@@ -35,18 +52,23 @@ void addVars(KVXmodel &model, const std::vector<std::vector<Entry>> &columns, co
 void addRows(KVXmodel &model, int count, int numnz, const int *beg, const int *ind,
              const double *val, const char *senses, const double *rhs, const double *upper,
              const char *const *names) {
-    auto rows = readLists(count, numnz, beg, ind, val, model.vars.size(), "variable");
-    std::vector<Constraint> constrs;
-    for (size_t i = 0; i < rows.size(); i++) {
-        size_t index = model.constrs.size() + i;
+    Lists rows = readLists(count, numnz, beg, ind, val, model.vars.size(), "variable");
+    const size_t old = model.constrs.size(), size = rows.size();
+    OnFailure undo{[&] { cutOff(model.constrs, old); }};
+    grow(model.constrs, size);
+    for (size_t i = 0; i < size; i++) {
         needed(rhs, "the array of sides");
-        Range sides = senses ? sidesOf(senses[i], rhs[i], index)
-                             : readSides({rhs[i], needed(upper, "senses or sides")[i], 0}, index);
-        std::string name = readName(names ? names[i] : nullptr);
-        constrs.push_back({name, sides.lower, sides.upper, std::move(rows[i]), sides.kind});
+        Range given = senses ? sidesOf(senses[i], rhs[i], old + i)
+                             : readSides({rhs[i], needed(upper, "senses or sides")[i], 0}, old + i);
+        Sides sides;
+        std::tie(sides.lower, sides.upper, sides.sense) = given.tuple();
+        if (!sides.sense)
+            sides.sense = senseOf(sides.lower, sides.upper);
+        sides.name = nameOf(names, i, 'R', model.constrsMade);
+        model.constrs.push_back(std::move(sides));
     }
-    for (Constraint &constr : constrs)
-        addConstraint(model, std::move(constr));
+    model.rows.append(std::move(rows));
+    model.constrsMade += intSize(size);
     touch(model);
 }
 
@@ -84,15 +106,6 @@ void renumber(Products &products, const std::vector<int> &numbers) {
 }
 
 template <class Item>
-void keep(std::vector<Item> &items, const std::vector<int> &numbers) {
-    for (size_t i = 0; i < items.size(); i++)
-        if (numbers[i] >= 0 && at(numbers[i]) != i)
-            items[at(numbers[i])] = std::move(items[i]);
-    auto gone = std::count(numbers.begin(), numbers.end(), -1);
-    items.erase(items.end() - gone, items.end());
-}
-
-template <class Item>
 int deleteItems(KVXmodel *model, std::vector<Item> ModelData::*items, int num, const int *ind,
                 const char *what) {
     return guarded(model, [&] {
@@ -115,7 +128,97 @@ void renumberNeeded(GeneralConstraint &constr, Use use) {
             constr.x[k] = use(static_cast<int>(constr.x[k]));
 }
 
+std::unique_ptr<Deletion> beginDeletion(size_t size) {
+    auto deletion = std::make_unique<Deletion>();
+    deletion->left = intSize(size);
+    deletion->numbers.assign(size, 0);
+    for (size_t k = 0; k <= size; k++)
+        deletion->counts.push_back(intSize(k & -k)); // of the k & -k ones up to the k-th
+    return deletion;
+}
+
+// Which element has that index when those that are deleted don't count.
+size_t placeOf(const Deletion &deletion, int index) {
+    size_t place = 0, step = 1;
+    while (step * 2 < deletion.counts.size())
+        step *= 2;
+    for (; step > 0; step /= 2)
+        if (place + step < deletion.counts.size() && deletion.counts[place + step] <= index) {
+            place += step;
+            index -= deletion.counts[place];
+        }
+    return place;
+}
+
+// What a deletion makes untrue.
+void forgetDerived(KVXmodel &model) {
+    model.basis.reset();
+    forgetNames(model);
+    touch(model);
+}
+
+// Takes note of items to be deleted, each of which may be refused.
+template <class Refuse>
+void deleteLater(std::unique_ptr<Deletion> &deletion, size_t size, int num, const int *ind,
+                 const char *what, Refuse refuse) {
+    readArray(num, ind, what);
+    if (!deletion)
+        deletion = beginDeletion(size);
+    std::vector<size_t> places;
+    for (int k = 0; k < num; k++) {
+        readIndex(ind[k], at(deletion->left), what);
+        places.push_back(placeOf(*deletion, ind[k]));
+        refuse(places.back());
+    }
+    for (size_t place : places)
+        if (std::exchange(deletion->numbers[place], -1) == 0) {
+            deletion->left--;
+            for (size_t k = place + 1; k < deletion->counts.size(); k += k & -k)
+                deletion->counts[k]--;
+        }
+}
+
+// The new numbers after a deletion that then has been done.
+std::unique_ptr<Deletion> finished(std::unique_ptr<Deletion> &deletion) {
+    int next = 0;
+    for (int &number : deletion->numbers)
+        number = number == 0 ? next++ : -1;
+    return std::move(deletion);
+}
+
 } // namespace
+
+void korvex::settle(KVXmodel &model) noexcept {
+    if (model.constrDeletion)
+        keepConstraints(model, finished(model.constrDeletion)->numbers);
+    if (!model.varDeletion)
+        return;
+    const std::unique_ptr<Deletion> deletion = finished(model.varDeletion);
+    const std::vector<int> &numbers = deletion->numbers;
+    keep(model.vars, numbers);
+    model.rows.renumber(numbers);
+    for (Sos &set : model.sos)
+        renumber(set.members, numbers);
+    for (GeneralConstraint &constr : model.genconstrs) {
+        renumber(constr.linear, numbers);
+        renumberNeeded(constr, [&](int var) { return numbers[at(var)]; });
+    }
+    renumber(model.products, numbers);
+    for (QuadraticConstraint &constr : model.qconstrs) {
+        renumber(constr.linear, numbers);
+        renumber(constr.products, numbers);
+    }
+    std::map<int, Breakpoints> pwl;
+    while (!model.pwl.empty()) {
+        auto term = model.pwl.extract(model.pwl.begin());
+        term.key() = numbers[at(term.key())];
+        if (term.key() >= 0)
+            pwl.insert(pwl.end(), std::move(term));
+    }
+    model.pwl.swap(pwl);
+    for (Objective &objective : model.objectives)
+        keep(objective.coefs, numbers);
+}
 
 int KVXnewmodel(KVXenv *env, KVXmodel **modelP, const char *name, int numvars, const double *obj,
                 const double *lb, const double *ub, const char *types, const char *const *names) {
@@ -135,14 +238,20 @@ int KVXloadmodel(KVXenv *env, KVXmodel **modelP, const char *name, int numvars, 
         model->objsense = readObjSense(objsense);
         model->objcon = readFinite(objcon, "the objective constant");
         addRows(*model, numconstrs, 0, beg, ind, val, senses, rhs, nullptr, constrnames);
-        std::vector<std::vector<Entry>> columns(readCount(numvars, "variables"));
-        for (size_t j = 0; len && j < columns.size(); j++)
-            if (readCount(len[j], "a column") > 0) {
-                size_t begin = readCount(needed(beg, "begins")[j], "a begin");
-                columns[j] =
-                    readList(len[j], needed(ind, "indices") + begin,
-                             needed(val, "coefficients") + begin, at(numconstrs), "constraint");
-            }
+        const size_t vars = readCount(numvars, "variables");
+        size_t total = 0;
+        for (size_t j = 0; len && j < vars; j++)
+            total += readCount(len[j], "a column");
+        Lists columns;
+        columns.begin.reserve(vars + 1);
+        columns.entries.reserve(total);
+        for (size_t j = 0; j < vars; j++) {
+            const int length = len ? len[j] : 0;
+            size_t begin = length > 0 ? readCount(needed(beg, "begins")[j], "a begin") : 0;
+            readList(columns, length, length > 0 ? needed(ind, "indices") + begin : ind,
+                     length > 0 ? needed(val, "coefficients") + begin : val, at(numconstrs),
+                     "constraint");
+        }
         addVars(*model, columns, obj, lb, ub, types, varnames);
         *modelP = model.release();
     });
@@ -153,7 +262,7 @@ int KVXaddvars(KVXmodel *model, int numvars, int numnz, const int *beg, const in
                const char *types, const char *const *names) {
     return guarded(model, [&] {
         size_t limit = model->constrs.size();
-        auto columns = readLists(numvars, numnz, beg, ind, val, limit, "constraint");
+        Lists columns = readLists(numvars, numnz, beg, ind, val, limit, "constraint");
         addVars(*model, columns, obj, lb, ub, types, names);
     });
 }
@@ -195,43 +304,43 @@ int KVXaddsos(KVXmodel *model, int numsos, int nummembers, const int *types, con
             if (vars.size() < sets[s].members.size())
                 fail(KVX_ERROR_INVALID_ARGUMENT, "SOS %zu: a variable is in it twice", s);
         }
-        model->sos.insert(model->sos.end(), sets.begin(), sets.end());
+        grow(model->sos, sets.size());
+        for (Sos &set : sets)
+            model->sos.push_back(std::move(set));
         touch(*model);
     });
 }
 
 int KVXdelvars(KVXmodel *model, int num, const int *ind) {
-    return guarded(model, [&] {
-        std::vector<int> numbers = renumbering(model->vars.size(), num, ind, "variable");
-        for (GeneralConstraint &constr : model->genconstrs)
-            renumberNeeded(constr, [&](int var) {
-                if (numbers[at(var)] < 0)
-                    fail(KVX_ERROR_INVALID_ARGUMENT, "general constraint %s needs variable %s",
-                         constr.name.c_str(), model->vars[at(var)].name.c_str());
-                return var;
-            });
-        keep(model->vars, numbers);
-        for (Constraint &constr : model->constrs)
-            renumber(constr.row, numbers);
-        for (Sos &set : model->sos)
-            renumber(set.members, numbers);
-        for (GeneralConstraint &constr : model->genconstrs) {
-            renumber(constr.linear, numbers);
-            renumberNeeded(constr, [&](int var) { return numbers[at(var)]; });
+    return guardedUnsettled(model, [&] {
+        refuseDuringRun(*model);
+        std::unique_ptr<Deletion> &deletion = model->varDeletion;
+        if (!deletion) { // Nothing but deletions follows while there is one.
+            model->neededBy.assign(model->vars.size(), -1);
+            for (size_t g = model->genconstrs.size(); g-- > 0;)
+                renumberNeeded(model->genconstrs[g], [&](int var) {
+                    model->neededBy[at(var)] = intSize(g);
+                    return var;
+                });
         }
-        renumber(model->products, numbers);
-        for (QuadraticConstraint &constr : model->qconstrs) {
-            renumber(constr.linear, numbers);
-            renumber(constr.products, numbers);
-        }
-        for (Objective &objective : model->objectives)
-            keep(objective.coefs, numbers);
-        touch(*model);
+        auto refuse = [&](size_t j) {
+            if (int g = model->neededBy[j]; g >= 0)
+                fail(KVX_ERROR_INVALID_ARGUMENT, "general constraint %s needs variable %s",
+                     model->genconstrs[at(g)].name.text().c_str(),
+                     model->vars[j].name.text().c_str());
+        };
+        deleteLater(deletion, model->vars.size(), num, ind, "variable", refuse);
+        forgetDerived(*model);
     });
 }
 
 int KVXdelconstrs(KVXmodel *model, int num, const int *ind) {
-    return deleteItems(model, &ModelData::constrs, num, ind, "constraint");
+    return guardedUnsettled(model, [&] {
+        refuseDuringRun(*model);
+        deleteLater(model->constrDeletion, model->constrs.size(), num, ind, "constraint",
+                    [](size_t) {});
+        forgetDerived(*model);
+    });
 }
 
 int KVXdelsos(KVXmodel *model, int num, const int *ind) {
@@ -249,17 +358,20 @@ int KVXdelgenconstrs(KVXmodel *model, int num, const int *ind) {
 int KVXchgcoeffs(KVXmodel *model, int numchgs, const int *cind, const int *vind,
                  const double *val) {
     return guarded(model, [&] {
-        readList(numchgs, vind, val, model->vars.size(), "variable"); // checks them
         readArray(numchgs, cind, "constraint indices");
-        for (int k = 0; k < numchgs; k++)
-            readIndex(cind[k], model->constrs.size(), "constraint");
+        readArray(numchgs, vind, "variable indices");
+        readArray(numchgs, val, "coefficients");
+        std::map<int, size_t> additions; // at most, by row
         for (int k = 0; k < numchgs; k++) {
-            std::vector<Entry> &row = model->constrs[at(cind[k])].row;
-            auto isOld = [&](const Entry &entry) { return entry.index == vind[k]; };
-            row.erase(std::remove_if(row.begin(), row.end(), isOld), row.end());
-            if (val[k] != 0)
-                row.push_back({vind[k], val[k]});
+            readIndex(cind[k], model->constrs.size(), "constraint");
+            readIndex(vind[k], model->vars.size(), "variable");
+            readFinite(val[k], "a coefficient");
+            additions[cind[k]]++;
         }
+        for (auto [row, count] : additions)
+            model->rows.reserve(at(row), count);
+        for (int k = 0; k < numchgs; k++)
+            model->rows.change(at(cind[k]), vind[k], val[k]);
         touch(*model);
     });
 }
@@ -303,12 +415,14 @@ int KVXsetobjectiven(KVXmodel *model, int index, int priority, const char *name,
 
 int KVXsetpwlobj(KVXmodel *model, int var, int npts, const double *x, const double *y) {
     return guarded(model, [&] {
-        Variable &variable = model->vars[readIndex(var, model->vars.size(), "variable")];
+        readIndex(var, model->vars.size(), "variable");
         readPoints(npts, x, y);
-        std::vector<double> xs(x, x + npts), ys(y, y + npts);
-        variable.pwlX.swap(xs);
-        variable.pwlY.swap(ys);
-        variable.obj = 0;
+        Breakpoints points{{x, x + npts}, {y, y + npts}};
+        if (npts > 0)
+            std::swap(model->pwl[var], points);
+        else
+            model->pwl.erase(var);
+        model->vars[at(var)].obj = 0;
         touch(*model);
     });
 }

@@ -53,8 +53,10 @@ int setRunParam(void *cbdata, const char *name, const ParameterValue &value) {
 
 Constraint readRow(const Run &run, int length, const int *ind, const double *val, char sense,
                    double rhs) {
-    auto [lower, upper, kind] = sidesOf(sense, rhs, 0);
-    return {"", lower, upper, readList(length, ind, val, run.model.vars.size(), "variable"), kind};
+    Constraint row;
+    std::tie(row.lower, row.upper, row.sense) = sidesOf(sense, rhs, 0).tuple();
+    row.row = readList(length, ind, val, run.model.vars.size(), "variable");
+    return row;
 }
 
 } // namespace

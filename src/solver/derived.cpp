@@ -27,11 +27,11 @@ void refuseUnlessLinear(const ModelData &model, const char *types, const char *w
              "%s: the model has SOS, general or quadratic constraints, several or quadratic "
              "objectives",
              what);
-    for (const Variable &var : model.vars)
-        if (!var.pwlX.empty() || !std::strchr(types, var.type))
+    for (size_t j = 0; j < model.vars.size(); j++)
+        if (model.pwl.count(intSize(j)) || !std::strchr(types, model.vars[j].type))
             fail(KVX_ERROR_NOT_SUPPORTED,
                  "%s: variable %s has type %c or a piecewise-linear objective term", what,
-                 var.name.c_str(), var.type);
+                 model.vars[j].name.text().c_str(), model.vars[j].type);
 }
 
 ModelData relaxed(const KVXmodel &model) {
@@ -107,7 +107,7 @@ ModelData presolved(const KVXmodel &model) {
         var.type = smaller->isInteger(j) ? KVX_INTEGER : KVX_CONTINUOUS;
         addVariable(data, std::move(var));
         for (auto k = matrix.getVectorFirst(j); k < matrix.getVectorLast(j); k++)
-            data.constrs[at(matrix.getIndices()[k])].row.push_back({j, matrix.getElements()[k]});
+            data.rows.add(at(matrix.getIndices()[k]), {j, matrix.getElements()[k]});
     }
     return data;
 }
@@ -125,25 +125,27 @@ ModelData dual(const KVXmodel &model) {
         constr.lower = constr.upper = model.objsense * var.obj;
         addConstraint(data, std::move(constr));
     }
-    auto multiplier = [&](double side, double lb, double ub, const std::vector<Entry> &row) {
+    auto multiplier = [&](double side, double lb, double ub, Entries row) {
         Variable var;
         var.obj = model.objsense * side;
         var.lb = lb;
         var.ub = ub;
         int y = addVariable(data, std::move(var));
         for (auto [j, value] : row)
-            data.constrs[at(j)].row.push_back({y, value});
+            data.rows.add(at(j), {y, value});
     };
-    auto multipliers = [&](double lower, double upper, const std::vector<Entry> &row) {
+    auto multipliers = [&](double lower, double upper, Entries row) {
         if (lower > -KVX_INFINITY)
             multiplier(lower, lower == upper ? -KVX_INFINITY : 0, KVX_INFINITY, row);
         if (upper < KVX_INFINITY && lower < upper)
             multiplier(upper, -KVX_INFINITY, 0, row);
     };
-    for (const Constraint &constr : model.constrs)
-        multipliers(constr.lower, constr.upper, constr.row);
-    for (size_t j = 0; j < model.vars.size(); j++)
-        multipliers(model.vars[j].lb, model.vars[j].ub, {{intSize(j), 1}});
+    for (size_t i = 0; i < model.constrs.size(); i++)
+        multipliers(model.constrs[i].lower, model.constrs[i].upper, model.rows[i]);
+    for (size_t j = 0; j < model.vars.size(); j++) {
+        const Entry own[] = {{intSize(j), 1}};
+        multipliers(model.vars[j].lb, model.vars[j].ub, {own, own + 1});
+    }
     return data;
 }
 
@@ -155,11 +157,11 @@ ModelData feasibility(const KVXmodel &model) {
     data.hasBasis = false;
     Variable slack;
     slack.obj = 1;
-    for (Constraint &constr : data.constrs) {
-        if (constr.lower > -KVX_INFINITY)
-            constr.row.push_back({addVariable(data, slack), 1});
-        if (constr.upper < KVX_INFINITY)
-            constr.row.push_back({addVariable(data, slack), -1});
+    for (size_t i = 0; i < data.constrs.size(); i++) {
+        if (data.constrs[i].lower > -KVX_INFINITY)
+            data.rows.add(i, {addVariable(data, slack), 1});
+        if (data.constrs[i].upper < KVX_INFINITY)
+            data.rows.add(i, {addVariable(data, slack), -1});
     }
     return data;
 }

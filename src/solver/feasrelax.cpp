@@ -30,14 +30,14 @@ struct Relaxation {
     void relaxConstraint(size_t i, double weight) {
         if (weight >= KVX_INFINITY)
             return;
-        Constraint &constr = data.constrs[i];
+        const Sides &constr = data.constrs[i];
         Sos oneOf{KVX_SOS_TYPE1, {}};
         auto relax = [&](double side, const char *prefix, double sign) {
             if (std::abs(side) >= KVX_INFINITY)
                 return;
             double cost = penalty == sum ? weight : 0;
             int index = addVariable(prefix + constr.name, KVX_INFINITY, cost);
-            constr.row.push_back({index, sign});
+            data.rows.add(i, {index, sign});
             oneOf.members.push_back({index, -sign});
         };
         relax(constr.lower, "below_", 1);
@@ -58,7 +58,7 @@ struct Relaxation {
             return;
         if (var.isSemi())
             fail(KVX_ERROR_NOT_SUPPORTED, "semi-continuous variable %s can't be relaxed",
-                 var.name.c_str());
+                 var.name.text().c_str());
         var.type = var.isInteger() ? KVX_INTEGER : var.type;
         Constraint constr;
         constr.name = (isLower ? "lb_" : "ub_") + var.name;

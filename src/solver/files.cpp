@@ -62,8 +62,8 @@ std::string writeBasis(const KVXmodel &model) {
     indexOf(model.vars, isWord);
     indexOf(model.constrs, isWord);
     std::string text = "NAME\n";
-    std::vector<const Constraint *> nonbasic;
-    for (const Constraint &constr : model.constrs)
+    std::vector<const Sides *> nonbasic;
+    for (const Sides &constr : model.constrs)
         if (constr.basis != KVX_BASIC)
             nonbasic.push_back(&constr);
     auto next = nonbasic.begin();
@@ -111,9 +111,7 @@ void readBasis(KVXmodel &model, Source &source) {
 // A model's file and, when names had to be replaced, a line in the log.
 std::string contentsOfModel(const KVXmodel &model, const char *filename, Format format) {
     bool isSpecial = !model.genconstrs.empty() || !model.objectives.empty() ||
-                     !model.qconstrs.empty() || !model.products.empty();
-    for (const Variable &var : model.vars)
-        isSpecial = isSpecial || !var.pwlX.empty();
+                     !model.qconstrs.empty() || !model.products.empty() || !model.pwl.empty();
     if (isSpecial)
         fail(KVX_ERROR_NOT_SUPPORTED, "model files hold no general or quadratic constraints and "
                                       "only one objective, with linear terms");
@@ -161,7 +159,7 @@ ModelData complete(ModelData model) {
         var.ub = domain.upper;
     }
     for (size_t i = 0; i < model.constrs.size(); i++) {
-        Constraint &constr = model.constrs[i];
+        Sides &constr = model.constrs[i];
         Range sides = readSides({constr.lower, constr.upper, 0}, i);
         constr.lower = sides.lower;
         constr.upper = sides.upper;

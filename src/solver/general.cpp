@@ -110,7 +110,7 @@ int get(KVXmodel *model, int genconstr, int kind, int *firstP, int *secondP = nu
             model->genconstrs[readIndex(genconstr, model->genconstrs.size(), "general constraint")];
         if (constr.kind != kind)
             fail(KVX_ERROR_INVALID_ARGUMENT, "general constraint %s is of another kind",
-                 constr.name.c_str());
+                 constr.name.text().c_str());
         store(firstP, constr.first);
         store(secondP, constr.second);
         store(countP, intSize(constr.vars.size() + constr.linear.size() + constr.x.size()));

@@ -59,8 +59,14 @@ int guardedRead(KVXenv *env, Body &&body) noexcept {
     return env ? guarded(env->error, body) : KVX_ERROR_INVALID_ARGUMENT;
 }
 template <class Body>
-int guardedRead(KVXmodel *model, Body &&body) noexcept {
+int guardedUnsettled(KVXmodel *model, Body &&body) noexcept { // beside deletions
     return model ? guarded(model->env.error, body) : KVX_ERROR_INVALID_ARGUMENT;
+}
+template <class Body>
+int guardedRead(KVXmodel *model, Body &&body) noexcept {
+    if (model)
+        settle(*model);
+    return guardedUnsettled(model, body);
 }
 
 // Any other call.
@@ -68,6 +74,7 @@ template <class Body>
 int guarded(KVXmodel *model, Body &&body) noexcept {
     return guardedRead(model, [&] {
         refuseDuringRun(*model);
+        model->basis.reset();
         body();
     });
 }

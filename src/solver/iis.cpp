@@ -14,9 +14,11 @@ constexpr double trialNodes = 2000; // Integers without bounds can keep a search
 // marked.
 bool isInfeasible(Run &run, double nodeLimit) {
     auto inner = makeInnerModel(run.settings, run.model);
-    auto isOut = [](const Constraint &constr) { return constr.iis == 0; };
-    auto &constrs = inner->constrs;
-    constrs.erase(std::remove_if(constrs.begin(), constrs.end(), isOut), constrs.end());
+    std::vector<int> numbers;
+    int kept = 0;
+    for (const Sides &constr : inner->constrs)
+        numbers.push_back(constr.iis ? kept++ : -1);
+    keepConstraints(*inner, numbers);
     for (Variable &var : inner->vars)
         if (!var.isSemi()) {
             var.lb = var.iisLb ? var.lb : -KVX_INFINITY;
@@ -31,18 +33,18 @@ bool isInfeasible(Run &run, double nodeLimit) {
 
 void findSubsystem(Run &run) {
     run.model.hasIis = false;
-    std::vector<int *> members; // their marks
-    for (Constraint &constr : run.model.constrs)
+    std::vector<bool *> members; // their marks
+    for (Sides &constr : run.model.constrs)
         members.push_back(&constr.iis);
     for (Variable &var : run.model.vars) {
-        var.iisLb = var.iisUb = 0;
+        var.iisLb = var.iisUb = false;
         if (var.lb > -KVX_INFINITY && !var.isSemi())
             members.push_back(&var.iisLb);
         if (var.ub < KVX_INFINITY && !var.isSemi())
             members.push_back(&var.iisUb);
     }
-    for (int *mark : members)
-        *mark = 1;
+    for (bool *mark : members)
+        *mark = true;
     if (!isInfeasible(run, KVX_INFINITY))
         fail(KVX_ERROR_INVALID_ARGUMENT, "the model is feasible, as far as can be told");
     // Those before the position belong to the result: without one of them the present rest is
@@ -52,13 +54,13 @@ void findSubsystem(Run &run) {
         run.report(KVX_CB_IIS, {{KVX_CB_IIS_CONSTRS, 1.0 * intSize(position)},
                                 {KVX_CB_IIS_UNDECIDED, 1.0 * intSize(members.size() - position)}});
         auto begin = members.begin() + intSize(position), end = begin + intSize(chunk);
-        std::for_each(begin, end, [](int *mark) { *mark = 0; });
+        std::for_each(begin, end, [](bool *mark) { *mark = false; });
         if (isInfeasible(run, trialNodes)) {
             members.erase(begin, end);
             chunk *= 2;
             continue;
         }
-        std::for_each(begin, end, [](int *mark) { *mark = 1; });
+        std::for_each(begin, end, [](bool *mark) { *mark = true; });
         position += chunk == 1;
         chunk = std::max<size_t>(chunk / 2, 1);
     }

@@ -2,7 +2,9 @@
 
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <unordered_map>
+#include <utility>
 
 namespace korvex {
 
@@ -76,25 +78,63 @@ int readObjSense(int sense) {
     return sense;
 }
 
-// The cost doesn't depend on the limit, since models are built row by row.
-std::vector<Entry> readList(int count, const int *ind, const double *val, size_t limit,
-                            const char *what) {
+// Whether an index is there twice. The cost doesn't depend on how large it is, since models are
+// built row by row.
+static bool hasTwins(const Entry *first, const Entry *last) {
+    auto isIncreasing = [](const Entry &a, const Entry &b) { return a.index < b.index; };
+    if (std::adjacent_find(first, last, std::not_fn(isIncreasing)) == last)
+        return false;
+    if (last - first <= 16) {
+        for (const Entry *entry = first; entry != last; entry++)
+            for (const Entry *other = first; other != entry; other++)
+                if (other->index == entry->index)
+                    return true;
+        return false;
+    }
+    std::vector<Entry> sorted(first, last);
+    std::sort(sorted.begin(), sorted.end(), isIncreasing);
+    return std::adjacent_find(sorted.begin(), sorted.end(), std::not_fn(isIncreasing)) !=
+           sorted.end();
+}
+
+void readList(Lists &lists, int count, const int *ind, const double *val, size_t limit,
+              const char *what) {
     readArray(count, ind, "indices");
     readArray(count, val, "coefficients");
-    std::vector<Entry> list;
-    std::unordered_map<int, size_t> position;
-    for (int k = 0; k < count; k++) {
-        readIndex(ind[k], limit, what);
-        readFinite(val[k], "a coefficient");
-        auto [place, isNew] = position.emplace(ind[k], list.size());
-        if (isNew)
-            list.push_back({ind[k], val[k]});
-        else
-            list[place->second].value += val[k];
+    std::vector<Entry> &entries = lists.entries;
+    const size_t begin = entries.size(), length = at(count);
+    grow(entries, length);
+    entries.resize(begin + length);
+    Entry *const list = entries.data() + begin;
+    bool hasZeros = false;
+    for (size_t k = 0; k < length; k++) {
+        if (ind[k] < 0 || at(ind[k]) >= limit || !std::isfinite(val[k])) {
+            readIndex(ind[k], limit, what);
+            readFinite(val[k], "a coefficient");
+        }
+        list[k] = {ind[k], val[k]};
+        hasZeros |= val[k] == 0;
     }
-    list.erase(std::remove_if(list.begin(), list.end(), [](Entry e) { return e.value == 0; }),
-               list.end());
-    return list;
+    if (hasTwins(list, list + length)) {
+        std::unordered_map<int, size_t> places;
+        for (size_t k = 0; k < length; k++)
+            if (auto [place, isNew] = places.emplace(list[k].index, k); !isNew)
+                list[place->second].value += std::exchange(list[k].value, 0);
+        hasZeros = true;
+    }
+    if (hasZeros) {
+        auto isZero = [](const Entry &entry) { return entry.value == 0; };
+        entries.resize(
+            static_cast<size_t>(std::remove_if(list, list + length, isZero) - entries.data()));
+    }
+    lists.begin.push_back(entries.size());
+}
+
+std::vector<Entry> readList(int count, const int *ind, const double *val, size_t limit,
+                            const char *what) {
+    Lists lists;
+    readList(lists, count, ind, val, limit, what);
+    return std::move(lists.entries);
 }
 
 std::vector<int> readBegins(int count, int total, const int *beg) {
@@ -112,15 +152,17 @@ std::vector<int> readBegins(int count, int total, const int *beg) {
     return begins;
 }
 
-std::vector<std::vector<Entry>> readLists(int count, int total, const int *beg, const int *ind,
-                                          const double *val, size_t limit, const char *what) {
+Lists readLists(int count, int total, const int *beg, const int *ind, const double *val,
+                size_t limit, const char *what) {
     std::vector<int> begins = readBegins(count, total, beg);
     readArray(total, ind, "indices");
     readArray(total, val, "coefficients");
-    std::vector<std::vector<Entry>> lists(begins.size() - 1);
-    for (size_t k = 0; k < lists.size(); k++)
-        if (int length = begins[k + 1] - begins[k]; length > 0)
-            lists[k] = readList(length, ind + begins[k], val + begins[k], limit, what);
+    Lists lists;
+    lists.begin.reserve(begins.size());
+    lists.entries.reserve(at(total));
+    for (size_t k = 0; k + 1 < begins.size(); k++)
+        readList(lists, begins[k + 1] - begins[k], ind ? ind + begins[k] : nullptr,
+                 val ? val + begins[k] : nullptr, limit, what);
     return lists;
 }
 

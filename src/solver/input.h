@@ -6,6 +6,7 @@
 #include "guard.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace korvex {
 
@@ -34,6 +35,7 @@ T *readArray(int count, T *array, const char *what) {
 struct Range {
     double lower, upper;
     char kind;
+    auto tuple() const { return std::tuple(lower, upper, kind); }
 };
 
 // Known types, no NaN, no contradiction; the bounds of a binary variable lie within 0 and 1, those
@@ -54,8 +56,12 @@ std::vector<Entry> readList(int count, const int *ind, const double *val, size_t
 std::vector<int> readBegins(int count, int total, const int *beg);
 
 // count such lists.
-std::vector<std::vector<Entry>> readLists(int count, int total, const int *beg, const int *ind,
-                                          const double *val, size_t limit, const char *what);
+Lists readLists(int count, int total, const int *beg, const int *ind, const double *val,
+                size_t limit, const char *what);
+
+// Appends another one to lists.
+void readList(Lists &lists, int count, const int *ind, const double *val, size_t limit,
+              const char *what);
 
 // Terms with a product of two variables, those with the same two summed; drops zeros.
 Products readProducts(int count, const int *row, const int *col, const double *val, size_t limit);
@@ -74,12 +80,26 @@ void storeAll(T *target, const std::vector<T> &values) {
     if (target)
         std::copy(values.begin(), values.end(), target);
 }
-inline void storeEntries(int *ind, double *val, const std::vector<Entry> &entries) {
+template <class List>
+void storeEntries(int *ind, double *val, const List &entries) {
     for (size_t k = 0; k < entries.size(); k++) {
         store(ind ? ind + k : nullptr, entries[k].index);
         store(val ? val + k : nullptr, entries[k].value);
     }
 }
+
+// Undoes what a call has done when it fails.
+template <class Undo>
+struct OnFailure {
+    Undo undo;
+    const int failures = std::uncaught_exceptions();
+    ~OnFailure() {
+        if (std::uncaught_exceptions() > failures)
+            undo();
+    }
+};
+template <class Undo>
+OnFailure(Undo) -> OnFailure<Undo>;
 
 } // namespace korvex
 

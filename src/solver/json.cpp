@@ -28,7 +28,7 @@ std::string solutionAsJson(const KVXmodel &model) {
     for (size_t j = 0; solution.hasX && j < solution.x.size(); j++)
         if (solution.x[j] != 0)
             variables.push_back(
-                {{"name", model.vars[j].name}, {"value", number(true, solution.x[j])}});
+                {{"name", model.vars[j].name.text()}, {"value", number(true, solution.x[j])}});
     Json result = {{"status", words[solution.status - KVX_STATUS_LOADED]},
                    {"objective", number(solution.hasX, solution.objval)},
                    {"bound", number(true, solution.bound)},

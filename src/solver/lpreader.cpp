@@ -144,7 +144,8 @@ class LpReader : LpTokens {
     bool isOtherSide(const Constraint &constr) {
         if (!lastIsLabelled)
             return false;
-        Constraint &last = model.constrs.back();
+        Sides &last = model.constrs.back();
+        const Entries row = model.rows[model.rows.size() - 1];
         auto isOne = [](double lower, double upper) {
             return lower > -KVX_INFINITY && upper < KVX_INFINITY && lower <= upper;
         };
@@ -153,7 +154,7 @@ class LpReader : LpTokens {
         bool isLower = constr.upper >= KVX_INFINITY && last.lower <= -KVX_INFINITY &&
                        isOne(constr.lower, last.upper);
         if (!(isUpper || isLower) ||
-            !std::equal(last.row.begin(), last.row.end(), constr.row.begin(), constr.row.end(),
+            !std::equal(row.begin(), row.end(), constr.row.begin(), constr.row.end(),
                         [](Entry a, Entry b) { return a.index == b.index && a.value == b.value; }))
             return false;
         (isUpper ? last.upper : last.lower) = isUpper ? constr.upper : constr.lower;

@@ -24,7 +24,7 @@ class LpWriter {
             append(signedText(model.objcon));
         line("Subject To");
         for (size_t i = 0; i < model.constrs.size(); i++)
-            row(model.constrs[i], names.constrs[i]);
+            row(model.constrs[i], model.rows[i], names.constrs[i]);
         title = "Bounds";
         for (size_t j = 0; j < model.vars.size(); j++)
             bounds(model.vars[j], names.vars[j]);
@@ -68,14 +68,14 @@ class LpWriter {
                                     : signedText(value) + ' ' + name);
     }
 
-    void row(const Constraint &constr, const std::string &name) {
+    void row(const Sides &constr, Entries entries, const std::string &name) {
         const double lower = constr.lower, upper = constr.upper;
         const bool isLow = lower > -KVX_INFINITY, isHigh = upper < KVX_INFINITY;
         auto side = [&](const std::string &label, const char *sense, double value) {
             line(' ' + label);
-            for (auto [var, coefficient] : constr.row)
+            for (auto [var, coefficient] : entries)
                 term(coefficient, names.vars[at(var)]);
-            if (constr.row.empty())
+            if (entries.empty())
                 append(names.vars.empty() ? " 0" : " 0 " + names.vars[0]);
             append(sense + (value > -KVX_INFINITY ? toText(value) : "-inf"));
         };

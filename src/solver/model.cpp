@@ -2,6 +2,8 @@
 #include "guard.h"
 #include "run.h"
 
+#include <charconv>
+
 namespace korvex {
 
 void touch(KVXmodel &model) {
@@ -20,12 +22,32 @@ std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, const ModelData &data) {
     return model;
 }
 
+const char *NameTexts::of(const Name &name) {
+    if (name.given() || name.empty())
+        return name.empty() ? "" : name.given();
+    std::lock_guard lock(mutex);
+    std::deque<Text> &texts = made[name.letter()];
+    for (int number = intSize(texts.size()); number <= name.number(); number++) {
+        Text &text = texts.emplace_back();
+        text.text[0] = name.letter();
+        *std::to_chars(text.text + 1, std::end(text.text), number).ptr = '\0';
+    }
+    return texts[at(name.number())].text;
+}
+
+void forgetNames(KVXmodel &model) {
+    for (NameIndex *index : {&model.varIndex, &model.constrIndex}) {
+        index->lowest.clear();
+        index->size = 0;
+    }
+}
+
 template <class Element>
 static int add(std::vector<Element> &elements, Element element, char letter, int &made) {
     if (element.name.empty())
-        element.name = letter + std::to_string(made);
-    made++;
+        element.name = Name(letter, made);
     elements.push_back(std::move(element));
+    made++;
     return intSize(elements.size()) - 1;
 }
 
@@ -36,7 +58,13 @@ int addVariable(ModelData &model, Variable var) {
 int addConstraint(ModelData &model, Constraint constr) {
     if (!constr.sense)
         constr.sense = senseOf(constr.lower, constr.upper);
-    return add(model.constrs, std::move(constr), 'R', model.constrsMade);
+    model.rows.append(constr.row);
+    return add(model.constrs, static_cast<Sides &&>(constr), 'R', model.constrsMade);
+}
+
+void keepConstraints(ModelData &model, const std::vector<int> &numbers) noexcept {
+    keep(model.constrs, numbers);
+    model.rows.keep(numbers);
 }
 
 int addQuadraticConstraint(ModelData &model, QuadraticConstraint constr) {
@@ -57,13 +85,13 @@ CoinPackedMatrix matrixOf(const ModelData &model) {
     std::vector<int> index, length;
     std::vector<double> value;
     std::vector<CoinBigIndex> begin = {0};
-    for (const Constraint &constr : model.constrs) {
-        for (auto [var, coefficient] : constr.row) {
+    for (size_t i = 0; i < model.constrs.size(); i++) {
+        for (auto [var, coefficient] : model.rows[i]) {
             index.push_back(var);
             value.push_back(coefficient);
         }
         begin.push_back(intSize(index.size()));
-        length.push_back(intSize(constr.row.size()));
+        length.push_back(intSize(model.rows[i].size()));
     }
     CoinPackedMatrix matrix(false, intSize(model.vars.size()), intSize(model.constrs.size()),
                             begin.back(), value.data(), index.data(), begin.data(), length.data());
@@ -76,11 +104,9 @@ void clearObjective(ModelData &model) {
     model.products.clear();
     model.objectives.clear();
     model.objNumber = 0;
-    for (Variable &var : model.vars) {
+    model.pwl.clear();
+    for (Variable &var : model.vars)
         var.obj = 0;
-        var.pwlX.clear();
-        var.pwlY.clear();
-    }
 }
 
 } // namespace korvex
@@ -101,7 +127,7 @@ int KVXreset(KVXmodel *model, int clearall) {
             var.start = KVX_UNDEFINED;
             var.basis = KVX_NONBASIC_LOWER;
         }
-        for (Constraint &constr : model->constrs)
+        for (Sides &constr : model->constrs)
             constr.basis = KVX_BASIC;
     });
 }

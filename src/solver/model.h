@@ -4,6 +4,8 @@
 #define KORVEX_SOLVER_MODEL_H
 
 #include "korvex.h"
+#include "name.h"
+#include "rows.h"
 
 #include <CoinPackedMatrix.hpp>
 
@@ -15,23 +17,18 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <unordered_map>
 #include <variant>
 #include <vector>
 
 namespace korvex {
 
-struct Entry {
-    int index;
-    double value;
-};
-
 struct Variable {
-    std::string name; // never empty
+    Name name; // never empty in a model
     double lb = 0, ub = KVX_INFINITY, obj = 0, start = KVX_UNDEFINED;
     char type = KVX_CONTINUOUS;
     int basis = KVX_NONBASIC_LOWER; // warm start in, basis out
-    int iisLb = 0, iisUb = 0;
-    std::vector<double> pwlX, pwlY; // a piecewise-linear objective term
+    bool iisLb = false, iisUb = false;
 
     bool isInteger() const {
         return type == KVX_BINARY || type == KVX_INTEGER || type == KVX_SEMIINT;
@@ -39,13 +36,23 @@ struct Variable {
     bool isSemi() const { return type == KVX_SEMICONT || type == KVX_SEMIINT; }
 };
 
-struct Constraint {
-    std::string name; // never empty
+// A linear constraint of a model, without its row.
+struct Sides {
+    Name name; // never empty in a model
     double lower = -KVX_INFINITY, upper = KVX_INFINITY;
-    std::vector<Entry> row; // by variable
-    char sense = 0;         // 0, until the constraint is added: what the sides say
     int basis = KVX_BASIC;
-    int iis = 0;
+    char sense = 0; // 0, until the constraint is added: what the sides say
+    bool iis = false;
+};
+
+// One by itself.
+struct Constraint : Sides {
+    std::vector<Entry> row; // by variable
+};
+
+// A piecewise-linear objective term.
+struct Breakpoints {
+    std::vector<double> x, y;
 };
 
 struct Sos {
@@ -57,7 +64,7 @@ struct Sos {
 using Products = std::map<std::pair<int, int>, double>;
 
 struct QuadraticConstraint {
-    std::string name;
+    Name name;
     std::vector<Entry> linear;
     Products products;
     double rhs;
@@ -68,7 +75,7 @@ struct QuadraticConstraint {
 struct GeneralConstraint {
     int kind;             // KVX_GENCONSTR_
     const char *kindName; // for texts
-    std::string name, options;
+    Name name, options;
     int first = 0, second = 0;         // resvar or x; argvar or y; binvar and binval
     std::vector<int> vars;             // operands
     std::vector<Entry> linear;         // of an indicator
@@ -100,7 +107,9 @@ struct ModelData {
     int objsense = KVX_MINIMIZE;
     double objcon = 0;
     std::vector<Variable> vars;
-    std::vector<Constraint> constrs;
+    std::vector<Sides> constrs;
+    Rows rows;                      // of the constraints
+    std::map<int, Breakpoints> pwl; // objective terms of variables
     std::vector<Sos> sos;
     Products products; // of the objective
     std::vector<QuadraticConstraint> qconstrs;
@@ -129,6 +138,23 @@ class ErrorText {
 struct Log; // console, file and callback of an environment; shared by its models
 class Run;  // a run that is going on
 
+struct Basis; // factorized
+
+// Deleted variables or constraints that are still there: those that follow don't move up at each
+// deletion, but all at once before the next call of another kind.
+struct Deletion {
+    std::vector<int> numbers; // 0, or -1 for a deleted one
+    std::vector<int> counts;  // of those that stay: a binary indexed tree
+    int left;                 // how many stay
+};
+
+// The elements by their names.
+struct NameIndex {
+    std::mutex mutex;
+    std::unordered_map<std::string, int> lowest;
+    size_t size = 0; // how many elements are in it
+};
+
 using ParameterValue = std::variant<int, double, std::string>;
 
 } // namespace korvex
@@ -149,6 +175,12 @@ struct KVXmodel : korvex::ModelData {
     std::vector<std::vector<int>> tuneResults; // best first; see tune.cpp
     int latestTuneResult = 0;
     std::map<int, KVXenv> objectiveEnvs; // by the objective's number
+
+    korvex::NameTexts texts;
+    korvex::NameIndex varIndex, constrIndex; // forgotten when names or numbers change
+    std::shared_ptr<korvex::Basis> basis;    // forgotten at every call that may change the model
+    std::unique_ptr<korvex::Deletion> varDeletion, constrDeletion; // null: nothing is to be done
+    std::vector<int> neededBy; // general constraints by variables; up to date during a deletion
 
     KVXcallback callback = nullptr;
     void *callbackData = nullptr;
@@ -171,11 +203,30 @@ std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, const ModelData &data = {
 // To be called after every change that may change the optimum: forgets the solution and the IIS.
 void touch(KVXmodel &model);
 
+// Does what deletions have left to be done. Nothing can fail.
+void settle(KVXmodel &model) noexcept;
+
+// Forgets which names the elements have.
+void forgetNames(KVXmodel &model);
+
 // Add an element and return its index. Without a name it gets one, a letter and a number.
 int addVariable(ModelData &model, Variable var);
 int addConstraint(ModelData &model, Constraint constr);
 int addQuadraticConstraint(ModelData &model, QuadraticConstraint constr);
 int addGeneralConstraint(ModelData &model, GeneralConstraint constr);
+
+// Keeps the constraints that have a new number, and those that aren't -1 count up from 0.
+void keepConstraints(ModelData &model, const std::vector<int> &numbers) noexcept;
+
+// Keeps the items that have a new number.
+template <class Item>
+void keep(std::vector<Item> &items, const std::vector<int> &numbers) {
+    size_t kept = 0;
+    for (size_t i = 0; i < items.size(); i++)
+        if (numbers[i] >= 0 && kept++ != i)
+            items[kept - 1] = std::move(items[i]);
+    items.erase(items.begin() + static_cast<std::ptrdiff_t>(kept), items.end());
+}
 
 // The sense of a row with those sides.
 char senseOf(double lower, double upper);

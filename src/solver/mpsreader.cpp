@@ -166,7 +166,7 @@ class MpsReader {
             return;
         }
         expect(words.size() == 3 || words.size() == 5, "COLUMN ROW NUMBER [ROW NUMBER]");
-        if (model.vars.empty() || model.vars.back().name != words[0]) {
+        if (model.vars.empty() || !(model.vars.back().name == words[0])) {
             if (!columnIndex.emplace(words[0], columns.size()).second)
                 refuse(words[0], "is there twice");
             Variable var;
@@ -212,7 +212,8 @@ class MpsReader {
                needsNumber ? "TYPE [SET] COLUMN NUMBER" : "TYPE [SET] COLUMN [NUMBER]");
         bool hasSet = words.size() == 4;
         if (words.size() == 3 && !needsNumber) // a set or a number
-            hasSet = columnIndex.count(words[2]) || !columnIndex.count(words[1]);
+            hasSet = columnIndex.count(std::string(words[2])) ||
+                     !columnIndex.count(std::string(words[1]));
         checkSet(hasSet ? words[1] : "");
         const size_t place = hasSet ? 2 : 1, index = find(columnIndex, words[place]);
         double value = place + 1 < words.size() ? numberIn<double>(words[place + 1]) : HUGE_VAL;
@@ -241,7 +242,7 @@ class MpsReader {
     void setLine() {
         bool isIndented = words[0].data() - source.line.data() > 3;
         if (sectionName == "SOS" && isOneOf(words[0], {"S1", "S2"}) &&
-            !(isIndented && columnIndex.count(words[0])))
+            !(isIndented && columnIndex.count(std::string(words[0]))))
             return model.sos.push_back({words[0][1] - '0', {}});
         expect(words.size() == 2 || words.size() == 3, "[SET] COLUMN NUMBER");
         std::string_view name = words.size() == 3 ? words[0] : "";

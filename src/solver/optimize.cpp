@@ -53,9 +53,10 @@ void store(Run &run, const Outcome &outcome) {
         solution.objval = outcome.objective;
         solution.x = outcome.x;
         solution.x.resize(model.vars.size());
-        for (const Constraint &constr : model.constrs) {
+        for (size_t i = 0; i < model.constrs.size(); i++) {
+            const Sides &constr = model.constrs[i];
             double slack = constr.sense == KVX_GREATER_EQUAL ? constr.lower : constr.upper;
-            for (auto [var, coefficient] : constr.row)
+            for (auto [var, coefficient] : model.rows[i])
                 slack -= coefficient * solution.x[at(var)];
             solution.slacks.push_back(slack);
         }
@@ -104,7 +105,7 @@ Problem::Problem(const ModelData &model)
         integer.push_back(discrete);
         isMip |= discrete;
     }
-    for (const Constraint &constr : model.constrs) {
+    for (const Sides &constr : model.constrs) {
         rowLower.push_back(bound(constr.lower));
         rowUpper.push_back(bound(constr.upper));
     }

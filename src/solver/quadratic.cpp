@@ -17,12 +17,11 @@ void addProducts(Products &products, Products more) noexcept {
 void refuseQuadratic(const ModelData &model) {
     if (!model.qconstrs.empty())
         fail(KVX_ERROR_NOT_SUPPORTED, "quadratic constraint %s can't be solved",
-             model.qconstrs[0].name.c_str());
-    for (const Variable &var : model.vars)
-        if (!model.objectives.empty() && !var.pwlX.empty())
-            fail(KVX_ERROR_NOT_SUPPORTED,
-                 "several objectives with the piecewise-linear term of variable %s can't be solved",
-                 var.name.c_str());
+             model.qconstrs[0].name.text().c_str());
+    if (!model.objectives.empty() && !model.pwl.empty())
+        fail(KVX_ERROR_NOT_SUPPORTED,
+             "several objectives with the piecewise-linear term of variable %s can't be solved",
+             model.vars[at(model.pwl.begin()->first)].name.text().c_str());
     if (!model.products.empty())
         fail(KVX_ERROR_NOT_SUPPORTED, "the quadratic terms of the objective can't be solved");
 }

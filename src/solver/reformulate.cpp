@@ -89,11 +89,12 @@ struct Reformulation {
         bool isNew = true;
         for (int round = 0; isNew && round < 20; round++) {
             isNew = false;
-            for (const Constraint &constr : model.constrs)
+            for (size_t i = 0; i < model.constrs.size(); i++)
                 for (double sign : {1.0, -1.0}) { // sign times the row is at most the side
-                    double side = sign > 0 ? constr.upper : -constr.lower;
+                    const Entries row = model.rows[i];
+                    double side = sign > 0 ? model.constrs[i].upper : -model.constrs[i].lower;
                     if (side < KVX_INFINITY)
-                        isNew |= propagate(sign * Expression(constr.row), side);
+                        isNew |= propagate(sign * Expression(row.begin(), row.end()), side);
                 }
         }
     }
@@ -265,7 +266,8 @@ struct Reformulation {
         const int result = constr.first, kind = constr.kind;
         if (kind > KVX_GENCONSTR_PWL || (kind == KVX_GENCONSTR_NORM && constr.number == 2))
             fail(KVX_ERROR_NOT_SUPPORTED, "general constraint %s: the kind %s can't be solved",
-                 constr.name.c_str(), kind == KVX_GENCONSTR_NORM ? "norm 2" : constr.kindName);
+                 constr.name.text().c_str(),
+                 kind == KVX_GENCONSTR_NORM ? "norm 2" : constr.kindName);
         std::vector<Expression> operands;
         Expression total = {{result, -1}};
         for (int operand : constr.vars) {
@@ -304,13 +306,11 @@ struct Reformulation {
             }
         for (const GeneralConstraint &constr : std::exchange(model.genconstrs, {}))
             general(constr);
-        for (size_t j = 0; j < vars; j++)
-            if (!model.vars[j].pwlX.empty()) {
-                int y = variable(-KVX_INFINITY, KVX_INFINITY);
-                var(y).obj = 1;
-                auto xs = std::exchange(model.vars[j].pwlX, {});
-                piecewise(intSize(j), y, xs, std::exchange(model.vars[j].pwlY, {}));
-            }
+        for (auto &[j, term] : std::exchange(model.pwl, {})) {
+            int y = variable(-KVX_INFINITY, KVX_INFINITY);
+            var(y).obj = 1;
+            piecewise(j, y, term.x, term.y);
+        }
         for (Objective &objective : model.objectives)
             objective.coefs.resize(model.vars.size());
     }

@@ -15,7 +15,7 @@ void storeLists(int start, int count, size_t limit, const char *what, int *numP,
     readRange(start, count, limit, what);
     int total = 0;
     for (int k = 0; k < count; k++) {
-        const std::vector<Entry> &entries = entriesOf(at(start + k));
+        const auto &entries = entriesOf(at(start + k));
         store(beg ? beg + k : nullptr, total);
         storeEntries(ind ? ind + total : nullptr, val ? val + total : nullptr, entries);
         total += intSize(entries.size());
@@ -25,14 +25,18 @@ void storeLists(int start, int count, size_t limit, const char *what, int *numP,
 }
 
 template <class Item>
-int findName(KVXmodel *model, std::vector<Item> ModelData::*items, const char *name, int *indexP) {
+int findName(KVXmodel *model, std::vector<Item> ModelData::*items, NameIndex KVXmodel::*names,
+             const char *name, int *indexP) {
     return guardedRead(model, [&] {
-        auto isNamed = [&, text = needed(name, "name")](auto &item) { return item.name == text; };
-        auto begin = (model->*items).begin(), end = (model->*items).end();
-        auto found = std::find_if(begin, end, isNamed);
-        if (found == end)
+        const auto &elements = model->*items;
+        NameIndex &index = model->*names;
+        std::lock_guard lock(index.mutex);
+        for (; index.size < elements.size(); index.size++)
+            index.lowest.emplace(elements[index.size].name, intSize(index.size));
+        auto found = index.lowest.find(needed(name, "name"));
+        if (found == index.lowest.end())
             fail(KVX_ERROR_NOT_FOUND, "nothing is named \"%s\"", name);
-        *needed(indexP, "indexP") = static_cast<int>(found - begin);
+        *needed(indexP, "indexP") = found->second;
     });
 }
 
@@ -61,19 +65,14 @@ int KVXgetcoeff(KVXmodel *model, int constr, int var, double *value) {
     return guardedRead(model, [&] {
         size_t row = readIndex(constr, model->constrs.size(), "constraint");
         readIndex(var, model->vars.size(), "variable");
-        *needed(value, "value") = 0;
-        for (Entry entry : model->constrs[row].row)
-            if (entry.index == var)
-                *value = entry.value;
+        *needed(value, "value") = model->rows.coefficient(row, var);
     });
 }
 
 int KVXgetconstrs(KVXmodel *model, int *numnzP, int *beg, int *ind, double *val, int start,
                   int count) {
     return guardedRead(model, [&] {
-        auto row = [&](size_t i) -> auto & {
-            return model->constrs[i].row;
-        };
+        auto row = [&](size_t i) { return model->rows[i]; };
         storeLists(start, count, model->constrs.size(), "constraints", numnzP, beg, ind, val, row);
     });
 }
@@ -81,13 +80,8 @@ int KVXgetconstrs(KVXmodel *model, int *numnzP, int *beg, int *ind, double *val,
 int KVXgetvars(KVXmodel *model, int *numnzP, int *beg, int *ind, double *val, int start,
                int count) {
     return guardedRead(model, [&] {
-        std::vector<std::vector<Entry>> columns(model->vars.size());
-        for (size_t i = 0; i < model->constrs.size(); i++)
-            for (auto [var, value] : model->constrs[i].row)
-                columns[at(var)].push_back({intSize(i), value});
-        auto column = [&](size_t j) -> auto & {
-            return columns[j];
-        };
+        const Lists &columns = model->rows.columns(model->vars.size());
+        auto column = [&](size_t j) { return columns[j]; };
         storeLists(start, count, columns.size(), "variables", numnzP, beg, ind, val, column);
     });
 }
@@ -105,19 +99,21 @@ int KVXgetsos(KVXmodel *model, int *nummembersP, int *types, int *beg, int *ind,
 }
 
 int KVXgetconstrbyname(KVXmodel *model, const char *name, int *indexP) {
-    return findName(model, &ModelData::constrs, name, indexP);
+    return findName(model, &ModelData::constrs, &KVXmodel::constrIndex, name, indexP);
 }
 
 int KVXgetvarbyname(KVXmodel *model, const char *name, int *indexP) {
-    return findName(model, &ModelData::vars, name, indexP);
+    return findName(model, &ModelData::vars, &KVXmodel::varIndex, name, indexP);
 }
 
 int KVXgetpwlobj(KVXmodel *model, int var, int *nptsP, double *x, double *y) {
     return guardedRead(model, [&] {
-        const Variable &variable = model->vars[readIndex(var, model->vars.size(), "variable")];
-        store(nptsP, intSize(variable.pwlX.size()));
-        storeAll(x, variable.pwlX);
-        storeAll(y, variable.pwlY);
+        readIndex(var, model->vars.size(), "variable");
+        auto term = model->pwl.find(var);
+        const Breakpoints &points = term == model->pwl.end() ? Breakpoints() : term->second;
+        store(nptsP, intSize(points.x.size()));
+        storeAll(x, points.x);
+        storeAll(y, points.y);
     });
 }
 

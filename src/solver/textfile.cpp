@@ -112,7 +112,7 @@ template double numberIn(std::string_view word);
 template long double numberIn(std::string_view word);
 
 size_t find(const Index &index, std::string_view name) {
-    auto found = index.find(name);
+    auto found = index.find(std::string(name));
     if (found == index.end())
         refuse(name, "is unknown");
     return found->second;
@@ -122,8 +122,9 @@ Names::Names(const ModelData &model, bool (*canHold)(std::string_view)) {
     auto fill = [&](std::vector<std::string> &names, const auto &elements, char letter) {
         std::unordered_set<std::string> taken;
         for (const auto &element : elements) {
-            bool isHeld = canHold(element.name) && taken.insert(element.name).second;
-            names.push_back(isHeld ? element.name : "");
+            std::string name = element.name;
+            bool isHeld = canHold(name) && taken.insert(name).second;
+            names.push_back(isHeld ? std::move(name) : "");
         }
         for (size_t i = 0; i < names.size(); i++) {
             if (!names[i].empty())

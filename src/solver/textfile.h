@@ -32,14 +32,15 @@ template <class Number>                                              // with an 
 Number numberIn(std::string_view word);
 
 // Elements by name. Refused: names that aren't unique or that can't stand in attribute files.
-using Index = std::unordered_map<std::string_view, size_t>;
+using Index = std::unordered_map<std::string, size_t>;
 template <class Element>
 Index indexOf(const std::vector<Element> &elements, bool (*isWritable)(std::string_view)) {
     Index index;
-    for (const Element &element : elements)
-        if (!isWritable(element.name) || !index.emplace(element.name, index.size()).second)
-            fail(KVX_ERROR_FILE_WRITE, "not unique, or no name in this format: '%s'",
-                 element.name.c_str());
+    for (const Element &element : elements) {
+        std::string name = element.name;
+        if (!isWritable(name) || !index.emplace(name, index.size()).second)
+            fail(KVX_ERROR_FILE_WRITE, "not unique, or no name in this format: '%s'", name.c_str());
+    }
     return index;
 }
 size_t find(const Index &index, std::string_view name);
