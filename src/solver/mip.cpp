@@ -282,7 +282,7 @@ void Mip::configure(CbcModel &cbc) {
     cbc.setAllowableGap(run.absoluteGap);
     cbc.setAllowableFractionGap(run.gap);
     // What Clp calls crunching ends the process for some tiny models, by an assertion.
-    constexpr int crunching = 1;
+    constexpr unsigned crunching = 1;
     if (auto *clp = dynamic_cast<OsiClpSolverInterface *>(cbc.solver()))
         clp->setSpecialOptions(clp->specialOptions() & ~crunching);
     if (problem.sets.empty())
