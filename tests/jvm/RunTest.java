@@ -292,7 +292,9 @@ class RunTest {
         AtomicInteger lines = new AtomicInteger();
         try (KVXModel model = Models.marketSplit(env, 10, 1, 1)) {
             env.setLog(line -> {
-                refused(() -> env.setLog(null), () -> env.message(""), model::sync, model::close);
+                refused(()
+                            -> env.setLog(null),
+                        () -> env.message(""), model::sync, model::close, model::optimizeAsync);
                 lines.incrementAndGet();
             });
             env.message("line");

@@ -299,6 +299,7 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
 
     /** Begins a run by a thread, which is a user of the handle from now on. */
     Run begin(Thread thread) {
+        Inside.refuseConsumer(); // The call that logs may be using the model.
         Room.require(Room.RUN);
         long model = handle.acquire();
         try {
