@@ -68,7 +68,7 @@ record Launch(int status, List<String> out, String err) {
         List<String> command = new ArrayList<>(
             List.of(JAVA, "--enable-native-access=ALL-UNNAMED", "-Djava.library.path=" + library,
                     "-Dkorvex.examples=" + System.getProperty("korvex.examples"), "-cp",
-                    LIB.resolve("solve.jar") + ":" + LIB.resolve("tour.jar"), main));
+                    LIB.resolve("korvex.jar") + ":" + LIB + "/*", main));
         command.addAll(List.of(args));
         return command;
     }
