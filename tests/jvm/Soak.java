@@ -95,7 +95,7 @@ final class Soak {
                     model.getStrings("VarName");
                 }
             });
-            repeat("asynchronous runs terminated", 100 / part, 300 / part, i -> {
+            repeat("asynchronous runs terminated", 1000 / part, 300 / part, i -> {
                 try (KVXModel model = Models.marketSplit(env, 50, 5, i)) {
                     model.setCallback(context -> {});
                     int moment = random.nextInt(30);
