@@ -207,11 +207,15 @@ final class Fuzz {
             }
         }
 
-        private void end() {
-            for (int i = 0; i < 1000 && !open.isEmpty(); i++)
+        private void end() throws InterruptedException {
+            // A watch that terminates a run meanwhile may be the one that frees the model.
+            for (int i = 0; i < 1000 && (Handle.alive() != 0 || !open.isEmpty()); i++) {
                 open.forEach(this::close);
+                Thread.sleep(i > 0 ? 5 : 0);
+            }
             if (Handle.alive() != 0 || !open.isEmpty())
-                finding(this, Handle.alive() + " handles and " + open.size() + " objects are left");
+                finding(this,
+                        Handle.alive() + " handles and " + open.size() + " objects are left\n");
         }
     }
 
