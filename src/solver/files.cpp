@@ -110,17 +110,18 @@ void readBasis(KVXmodel &model, Source &source) {
 
 // A model's file and, when names had to be replaced, a line in the log.
 std::string contentsOfModel(const KVXmodel &model, const char *filename, Format format) {
-    bool isSpecial = !model.genconstrs.empty() || !model.objectives.empty() ||
-                     !model.qconstrs.empty() || !model.products.empty() || !model.pwl.empty();
+    bool isSpecial = !model.genconstrs.empty() || !model.objectives.empty() || !model.pwl.empty();
     if (isSpecial)
-        fail(KVX_ERROR_NOT_SUPPORTED, "model files hold no general or quadratic constraints and "
-                                      "only one objective, with linear terms");
+        fail(KVX_ERROR_NOT_SUPPORTED, "model files hold no general constraints, only one objective "
+                                      "and no piecewise-linear terms");
+    for (auto [pair, value] : model.products) // A file says twice of it.
+        readFinite(2 * value, "twice a quadratic coefficient");
     Names names(model, format == mps ? canMpsHold : canLpHold);
     if (names.replaced)
         model.env.log->line(model.env, std::string(filename) + ": " +
                                            std::to_string(names.replaced) +
-                                           " names can't be written; they are replaced by x or c "
-                                           "and the index of the variable or constraint");
+                                           " names can't be written; they are replaced by x, c or "
+                                           "q and the index of the variable or constraint");
     return format == mps ? writeMps(model, names) : writeLp(model, names);
 }
 
@@ -165,6 +166,8 @@ ModelData complete(ModelData model) {
         constr.upper = sides.upper;
         constr.sense = senseOf(constr.lower, constr.upper);
     }
+    for (size_t q = 0; q < model.qconstrs.size(); q++)
+        sidesOf(model.qconstrs[q].sense, readFinite(model.qconstrs[q].rhs, "a side"), q);
     for (size_t s = 0; s < model.sos.size(); s++) {
         std::set<int> vars;
         for (const Entry &member : model.sos[s].members)

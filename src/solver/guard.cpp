@@ -60,7 +60,7 @@ const char *ErrorText::get() noexcept {
 
 std::string toText(double value) {
     char buffer[40];
-    double shown = std::clamp(value, -KVX_INFINITY, KVX_INFINITY);
+    double shown = std::isinf(value) ? std::copysign(KVX_INFINITY, value) : value;
     return {buffer, std::to_chars(buffer, buffer + sizeof buffer, shown).ptr};
 }
 

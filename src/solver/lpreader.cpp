@@ -23,10 +23,11 @@ class LpReader : LpTokens {
         label();
         Formula objective;
         if (!isSectionHere())
-            objective = formula(true);
+            objective = formula(true, true);
         model.objcon = objective.constant;
         for (auto [var, value] : objective.terms)
             model.vars[at(var)].obj = value;
+        model.products = std::move(objective.products);
         while ((section = takeSection()) != Section::end) {
             if (section == Section::minimize || section == Section::maximize)
                 fail(KVX_ERROR_FILE_READ, "there is a second objective");
@@ -56,16 +57,53 @@ class LpReader : LpTokens {
         std::vector<Entry> terms = {};
         double constant = 0;
         bool isNumber = true; // There is no variable in it, not even with a factor of 0.
+        bool isQuadratic = false;
+        Products products = {};
     };
 
+    // [ NUMBER VARIABLE ^ 2 + NUMBER VARIABLE * VARIABLE ... ] and in the objective / 2
+    Products products(double factor, bool mayBeNew, bool isHalved) {
+        std::vector<int> firsts, seconds;
+        std::vector<double> values;
+        while (!take("]")) {
+            if (!values.empty() && here() != "+" && here() != "-")
+                expected(here(), "+, - or ]");
+            double value = 1, sign = this->sign();
+            if (parse(here(), value)) {
+                take();
+                take("*");
+            }
+            firsts.push_back(variable(mayBeNew));
+            if (take("^")) {
+                if (!take("2"))
+                    expected(here(), "2");
+                seconds.push_back(firsts.back());
+            } else if (take("*")) {
+                seconds.push_back(variable(mayBeNew));
+            } else {
+                expected(here(), "^ 2 or * and a variable");
+            }
+            values.push_back(factor * sign * value / (isHalved ? 2 : 1));
+        }
+        if (isHalved && !(take("/") && take("2")))
+            expected(here(), "/ 2");
+        return readProducts(intSize(values.size()), firsts.data(), seconds.data(), values.data(),
+                            model.vars.size());
+    }
+
     // Terms with signs between them.
-    Formula formula(bool mayBeNew) {
+    Formula formula(bool mayBeNew, bool isObjective = false) {
         Formula result;
         std::vector<int> vars;
         std::vector<double> values;
         double value;
         do {
             double factor = sign();
+            if (take("[")) {
+                result.isQuadratic = true;
+                addProducts(result.products, products(factor, mayBeNew, isObjective));
+                continue;
+            }
             bool isNumber = parse(here(), value);
             if (isNumber) {
                 factor *= value;
@@ -78,7 +116,7 @@ class LpReader : LpTokens {
                 result.constant += factor;
             }
         } while (here() == "+" || here() == "-");
-        result.isNumber = vars.empty();
+        result.isNumber = vars.empty() && !result.isQuadratic;
         result.terms =
             readList(intSize(vars.size()), vars.data(), values.data(), model.vars.size(), "");
         return result;
@@ -130,6 +168,10 @@ class LpReader : LpTokens {
         Constraint constr;
         constr.name = label();
         Relation found = relation(true);
+        if (found.body.isQuadratic) {
+            lastIsLabelled = false;
+            return quadratic(std::move(constr.name), std::move(found));
+        }
         constr.row = std::move(found.body.terms);
         constr.lower = std::fmax(found.lower, -KVX_INFINITY); // not NaN
         constr.upper = std::fmin(found.upper, KVX_INFINITY);
@@ -137,6 +179,18 @@ class LpReader : LpTokens {
         if (isLabelled || !isOtherSide(constr))
             addConstraint(model, std::move(constr));
         lastIsLabelled = isLabelled;
+    }
+
+    void quadratic(std::string name, Relation found) {
+        const bool isLow = !std::isnan(found.lower), isHigh = !std::isnan(found.upper);
+        if (isLow && isHigh && found.lower != found.upper)
+            fail(KVX_ERROR_FILE_READ, "a quadratic constraint needs one side");
+        addQuadraticConstraint(model,
+                               {std::move(name), std::move(found.body.terms),
+                                std::move(found.body.products), isHigh ? found.upper : found.lower,
+                                isLow && isHigh ? KVX_EQUAL
+                                : isHigh        ? KVX_LESS_EQUAL
+                                                : KVX_GREATER_EQUAL});
     }
 
     // A row without a label after one with a label that has the same left-hand side and only the
@@ -165,7 +219,7 @@ class LpReader : LpTokens {
         std::string_view first = here();
         Relation found = relation(false);
         const auto &terms = found.body.terms;
-        if (terms.size() != 1 || terms[0].value != 1)
+        if (found.body.isQuadratic || terms.size() != 1 || terms[0].value != 1)
             refuse(first, "begins what is no bound of a variable");
         Variable &var = model.vars[at(terms[0].index)];
         var.lb = std::isnan(found.lower) ? var.lb : found.lower;

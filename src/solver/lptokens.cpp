@@ -109,7 +109,7 @@ std::pair<Section, size_t> LpTokens::sectionHere() {
         length = isHere("continuous", 1) ? 2 : isHere("-", 1) && isHere("continuous", 2) ? 3 : 1;
     }
     std::string_view next = here(length);
-    bool isName = variables.count(std::string(here())) || next.find_first_of("*^<>=") == 0;
+    bool isName = variables.count(std::string(here())) || next.find_first_of("*^]<>=") == 0;
     if (next == ":" || (!tokens[position].isFirst && isName))
         return {Section::none, 0};
     return {sectionOf(here()), length};

@@ -20,11 +20,17 @@ class LpWriter {
         line(" obj:");
         for (size_t j = 0; j < model.vars.size(); j++) // also zeros: all are there in their order
             term(model.vars[j].obj, names.vars[j]);
+        if (!model.products.empty()) {
+            products(model.products, 2);
+            append(" / 2");
+        }
         if (model.objcon != 0)
             append(signedText(model.objcon));
         line("Subject To");
         for (size_t i = 0; i < model.constrs.size(); i++)
             row(model.constrs[i], model.rows[i], names.constrs[i]);
+        for (size_t q = 0; q < model.qconstrs.size(); q++)
+            quadratic(model.qconstrs[q], names.qconstrs[q]);
         title = "Bounds";
         for (size_t j = 0; j < model.vars.size(); j++)
             bounds(model.vars[j], names.vars[j]);
@@ -66,6 +72,26 @@ class LpWriter {
     void term(double value, const std::string &name) {
         append(std::abs(value) == 1 ? (value < 0 ? " - " : " + ") + name
                                     : signedText(value) + ' ' + name);
+    }
+
+    void products(const Products &products, double factor) {
+        append(" + [");
+        for (auto [pair, value] : products)
+            term(factor * value,
+                 names.vars[at(pair.first)] +
+                     (pair.first == pair.second ? " ^2" : " * " + names.vars[at(pair.second)]));
+        append(" ]");
+    }
+
+    void quadratic(const QuadraticConstraint &constr, const std::string &name) {
+        line(' ' + name + ':');
+        for (auto [var, coefficient] : constr.linear)
+            term(coefficient, names.vars[at(var)]);
+        products(constr.products, 1);
+        append((constr.sense == KVX_EQUAL        ? " = "
+                : constr.sense == KVX_LESS_EQUAL ? " <= "
+                                                 : " >= ") +
+               toText(constr.rhs));
     }
 
     void row(const Sides &constr, Entries entries, const std::string &name) {

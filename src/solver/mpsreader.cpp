@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <set>
 
 namespace korvex {
 namespace {
@@ -48,6 +49,14 @@ class MpsReader {
         double rhs = NAN;
         long double range = NAN;
         std::vector<Entry> entries = {};
+        bool isQuadratic = false;
+        std::vector<int> firsts = {}, seconds = {}; // columns of the products
+        std::vector<double> factors = {};
+
+        Products products(size_t columns) const {
+            return readProducts(intSize(factors.size()), firsts.data(), seconds.data(),
+                                factors.data(), columns);
+        }
     };
     struct Column {
         bool isMarked; // an integer one by the markers around it
@@ -85,11 +94,15 @@ class MpsReader {
             refuse(source.line, "isn't made of the fields of the fixed format");
     }
 
+    // The line from a word on.
+    std::string_view since(size_t k) const {
+        const char *begin = words[k].data();
+        return {begin, static_cast<size_t>(words.back().data() + words.back().size() - begin)};
+    }
+
     void expect(bool isHere, const char *form) const {
-        const char *begin = words[0].data();
-        auto size = static_cast<size_t>(words.back().data() + words.back().size() - begin);
         if (!isHere)
-            expected({begin, size}, form);
+            expected(since(0), form);
     }
 
     const Section *header() {
@@ -104,6 +117,10 @@ class MpsReader {
             {"SOS", &MpsReader::setLine},
             {"SOS1", &MpsReader::setLine},
             {"SOS2", &MpsReader::setLine},
+            {"QUADOBJ", &MpsReader::product},
+            {"QMATRIX", &MpsReader::product},
+            {"QSECTION", &MpsReader::product},
+            {"QCMATRIX", &MpsReader::product},
         };
         auto found = std::find_if(std::begin(sections), std::end(sections), [&](const Section &s) {
             return equalIgnoringCase(s.name, words[0]);
@@ -115,6 +132,8 @@ class MpsReader {
             name();
         else if (found->name == "OBJSENSE" && words.size() > 1)
             sense();
+        else if (sectionName[0] == 'Q')
+            quadratic();
         else
             expect(words.size() == 1, "a section's name alone");
         return found->readLine ? found : nullptr;
@@ -124,11 +143,8 @@ class MpsReader {
     void name() {
         if (words.size() > 2 && isOneOf(words.back(), {"FREE"}))
             words.pop_back();
-        if (words.size() == 1)
-            return;
-        auto size =
-            static_cast<size_t>(words.back().data() + words.back().size() - words[1].data());
-        model.name = std::string_view(words[1].data(), size);
+        if (words.size() > 1)
+            model.name = since(1);
     }
 
     void sense() {
@@ -255,6 +271,45 @@ class MpsReader {
         model.sos.back().members.push_back({index, number(words.back())});
     }
 
+    // The products of the objective or, in some sections, of a row.
+    void quadratic() {
+        const bool isOfRow = sectionName == "QCMATRIX", hasRow = words.size() > 1;
+        expect(isOfRow ? hasRow : !hasRow || sectionName != "QUADOBJ",
+               isOfRow ? "QCMATRIX ROW" : "QUADOBJ alone");
+        auto first = std::find_if(rows.begin(), rows.end(), [](auto &r) { return r.sense == 'N'; });
+        const auto objective = static_cast<size_t>(first - rows.begin());
+        quadraticRow = hasRow ? find(rowIndex, since(1)) : objective;
+        if (quadraticRow == rows.size())
+            refuse(words[0], "needs an objective row");
+        Row &row = rows[quadraticRow];
+        if (quadraticRow == objective ? isOfRow : row.sense == 'N')
+            refuse(row.name, "is no row with a side");
+        if (std::exchange(row.isQuadratic, true))
+            refuse(row.name, "is quadratic twice");
+        given.clear();
+    }
+
+    // Half the sum over all pairs of columns, of which a triangle gives each once; in QCMATRIX the
+    // whole sum.
+    void product() {
+        expect(words.size() == 3 || words.size() == 5, "COLUMN COLUMN NUMBER [COLUMN NUMBER]");
+        const bool isTriangle = sectionName == "QUADOBJ" || sectionName == "QSECTION";
+        Row &row = rows[quadraticRow];
+        const int first = intSize(find(columnIndex, words[0]));
+        for (size_t k = 1; k < words.size(); k += 2) {
+            const int second = intSize(find(columnIndex, words[k]));
+            std::pair pair{first, second};
+            if (isTriangle && first > second)
+                std::swap(pair.first, pair.second);
+            if (!given.insert(pair).second)
+                refuse(words[k], "is there twice with this column");
+            const bool isWhole = sectionName == "QCMATRIX" || (isTriangle && first != second);
+            row.firsts.push_back(first);
+            row.seconds.push_back(second);
+            row.factors.push_back(number(words[k + 1]) / (isWhole ? 1 : 2));
+        }
+    }
+
     ModelData finished() {
         bool hasObjective = false;
         for (Row &row : rows) {
@@ -267,6 +322,17 @@ class MpsReader {
                 model.objcon = 0 - rhs;
                 for (auto [var, value] : entries)
                     model.vars[at(var)].obj = value;
+                model.products = row.products(columns.size());
+                continue;
+            }
+            if (row.isQuadratic) {
+                if (!std::isnan(row.range))
+                    refuse(row.name, "is quadratic and has a range");
+                addQuadraticConstraint(model, {std::string(row.name), std::move(entries),
+                                               row.products(columns.size()), rhs,
+                                               row.sense == 'L'   ? KVX_LESS_EQUAL
+                                               : row.sense == 'G' ? KVX_GREATER_EQUAL
+                                                                  : KVX_EQUAL});
                 continue;
             }
             Constraint constr;
@@ -301,6 +367,8 @@ class MpsReader {
     Index rowIndex, columnIndex;
     std::vector<Row> rows; // with the objective
     std::vector<Column> columns;
+    size_t quadraticRow = 0;             // that the section is about
+    std::set<std::pair<int, int>> given; // in this section
     bool isMarked = false;
 };
 

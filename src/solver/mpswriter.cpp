@@ -71,13 +71,12 @@ bool canMpsHold(std::string_view name) {
 
 std::string writeMps(const ModelData &model, const Names &names) {
     std::string objective = "OBJ";
-    auto isTaken = [&] {
-        auto &taken = names.constrs;
+    auto isIn = [&](auto &taken) {
         return std::find(taken.begin(), taken.end(), objective) != taken.end();
     };
-    while (isTaken())
+    while (isIn(names.constrs) || isIn(names.qconstrs))
         objective += '_';
-    std::string rows = line("N", objective), columns, ranges, bounds, sets;
+    std::string rows = line("N", objective), columns, ranges, bounds, sets, quadratic;
     std::string rhs = model.objcon == 0 ? "" : line("", "RHS", objective, toText(-model.objcon));
     for (size_t i = 0; i < model.constrs.size(); i++) {
         const double lower = model.constrs[i].lower, upper = model.constrs[i].upper;
@@ -93,6 +92,31 @@ std::string writeMps(const ModelData &model, const Names &names) {
             rhs += line("", "RHS", names.constrs[i], toText(side));
         if (isLow && isHigh && lower != upper)
             ranges += line("", "RNG", names.constrs[i], rangeBetween(side, isUp ? upper : lower));
+    }
+    for (auto [pair, value] : model.products) // of half the sum, and only one triangle
+        quadratic += line("", names.vars[at(pair.first)], names.vars[at(pair.second)],
+                          toText(pair.first == pair.second ? 2 * value : value));
+    quadratic = section("QUADOBJ", quadratic);
+    std::vector<std::string> linear(model.vars.size()); // lines of quadratic rows, by column
+    for (size_t q = 0; q < model.qconstrs.size(); q++) {
+        const QuadraticConstraint &constr = model.qconstrs[q];
+        const std::string &name = names.qconstrs[q];
+        rows += line(constr.sense == KVX_EQUAL        ? "E"
+                     : constr.sense == KVX_LESS_EQUAL ? "L"
+                                                      : "G",
+                     name);
+        rhs += constr.rhs == 0 ? "" : line("", "RHS", name, toText(constr.rhs));
+        for (auto [var, value] : constr.linear)
+            linear[at(var)] += line("", names.vars[at(var)], name, toText(value));
+        quadratic += "QCMATRIX      " + name + '\n';
+        for (auto [pair, value] : constr.products) {
+            const std::string &first = names.vars[at(pair.first)];
+            const std::string &second = names.vars[at(pair.second)];
+            const bool isSquare = pair.first == pair.second;
+            quadratic += line("", first, second, toText(isSquare ? value : value / 2));
+            if (!isSquare)
+                quadratic += line("", second, first, toText(value - value / 2));
+        }
     }
     CoinPackedMatrix matrix = matrixOf(model);
     bool isMarked = false;
@@ -112,6 +136,7 @@ std::string writeMps(const ModelData &model, const Names &names) {
         for (int k = 0; k < column.getNumElements(); k++)
             columns += line("", name, names.constrs[at(column.getIndices()[k])],
                             toText(column.getElements()[k]));
+        columns += linear[j];
         bounds += boundsOf(var, name);
     }
     mark(false);
@@ -126,7 +151,7 @@ std::string writeMps(const ModelData &model, const Names &names) {
     text += model.objsense == KVX_MAXIMIZE ? "\nOBJSENSE\n    MAX\n" : "\n";
     return text + "ROWS\n" + rows + "COLUMNS\n" + columns + "RHS\n" + rhs +
            section("RANGES", ranges) + section("BOUNDS", bounds) + section("SOS", sets) +
-           "ENDATA\n";
+           quadratic + "ENDATA\n";
 }
 
 } // namespace korvex

@@ -119,8 +119,9 @@ size_t find(const Index &index, std::string_view name) {
 }
 
 Names::Names(const ModelData &model, bool (*canHold)(std::string_view)) {
-    auto fill = [&](std::vector<std::string> &names, const auto &elements, char letter) {
-        std::unordered_set<std::string> taken;
+    std::unordered_set<std::string> takenByVars, takenByConstrs;
+    auto fill = [&](std::vector<std::string> &names, const auto &elements, char letter,
+                    std::unordered_set<std::string> &taken) {
         for (const auto &element : elements) {
             std::string name = element.name;
             bool isHeld = canHold(name) && taken.insert(name).second;
@@ -135,8 +136,9 @@ Names::Names(const ModelData &model, bool (*canHold)(std::string_view)) {
                 names[i] += '_';
         }
     };
-    fill(vars, model.vars, 'x');
-    fill(constrs, model.constrs, 'c');
+    fill(vars, model.vars, 'x', takenByVars);
+    fill(constrs, model.constrs, 'c', takenByConstrs);
+    fill(qconstrs, model.qconstrs, 'q', takenByConstrs);
 }
 
 bool isWord(std::string_view name) {

@@ -46,10 +46,10 @@ Index indexOf(const std::vector<Element> &elements, bool (*isWritable)(std::stri
 size_t find(const Index &index, std::string_view name);
 bool isWord(std::string_view name); // no blanks, no comment, no marker
 
-// What the variables and constraints of a model are called in a file: x or c and their index where
-// a name isn't unique or can't be held.
+// What the variables and constraints of a model are called in a file: x, c or, quadratic ones, q
+// and their index where a name isn't unique or can't be held.
 struct Names {
-    std::vector<std::string> vars, constrs;
+    std::vector<std::string> vars, constrs, qconstrs;
     size_t replaced = 0;
 
     Names(const ModelData &model, bool (*canHold)(std::string_view));

@@ -1,61 +1,11 @@
-// Model and attribute files: what was written reads back the same; damage ends in a status and a
-// text, and leaves everything as it was.
-#include "solver_case.h"
-
-#include <nlohmann/json.hpp>
+// Model files: what was written reads back the same; damage ends in a status and a text.
+#include "files_case.h"
 
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <sstream>
 
 namespace {
-
-const char *const sampleMps =
-    "NAME the sample\nOBJSENSE\n    MAX\n"
-    "ROWS\n N cost\n L less\n G more\n E same\n G twosides\n N loose\n"
-    "COLUMNS\n    x cost 0.1 less 1\n    x twosides 3.3333333333333335\n"
-    "    M 'MARKER' 'INTORG'\n    i cost -2 more 1e-17\n    b same 123456789.12345679\n"
-    "    n less 1\n    M 'MARKER' 'INTEND'\n    s less 2\n    unused cost 0\n"
-    "RHS\n    RHS cost -7.5 less 10\n    RHS more -0.1 same 4\n    RHS twosides -0.3\n"
-    "RANGES\n    RNG twosides 0.7\n"
-    "BOUNDS\n FR BND x\n UP BND i 1e9\n BV BND b\n SC BND n 9\n LO BND s 2\n SC BND s 1e100\n"
-    " UP BND unused -1\n"
-    "ENDATA\n";
-
-struct Files : testing::Test {
-    Env env;
-    std::string message;
-
-    // Null, and the error text in message, when the file can't be read.
-    Model read(const std::string &name) {
-        KVXmodel *model = nullptr;
-        int status = KVXreadmodel(env, temporary(name).c_str(), &model);
-        message = KVXgeterrormsg(env);
-        EXPECT_EQ(status, model ? KVX_OK : KVX_ERROR_FILE_READ) << message;
-        return Model(model);
-    }
-
-    Model read(const std::string &name, const std::string &text) {
-        store(temporary(name), text);
-        return read(name);
-    }
-
-    static std::string data(const Model &model) {
-        const char *name = nullptr;
-        EXPECT_EQ(KVX_OK, KVXgetstrattr(model.get(), "ModelName", &name));
-        std::ostringstream out;
-        out.precision(17);
-        out << described(model.get()) << "ObjCon " << dblAttr(model, "ObjCon") << "\nModelName "
-            << name << '\n';
-        return out.str();
-    }
-
-    static void write(const Model &model, const std::string &name, int expected = KVX_OK) {
-        EXPECT_EQ(KVXwrite(model.get(), temporary(name).c_str()), expected)
-            << KVXgetmerrormsg(model.get());
-    }
-};
 
 // Via every ending, a model comes back the same.
 TEST_F(Files, ModelsComeBackTheSame) {
@@ -116,6 +66,15 @@ TEST_F(Files, WhatIsWrittenReadsBackExactly) {
         const int members[] = {3, 0, 5, 2, 1}, sets = random(0, 2);
         const double weights[] = {1, -2.5, number(), number(), 7};
         MUST(model, KVXaddsos(model.get(), sets, sets ? 5 : 0, types, begins, members, weights));
+        const int rows[] = {random(0, 5), 1, 5, 3}, columns[] = {random(0, 5), 2, 4, 3};
+        const int linear[] = {0, 2, 3, 5};
+        const Vector factors = {number(), number(), number(), 1e200};
+        const int products = random(0, 4);
+        MUST(model, KVXaddqpterms(model.get(), products, rows, columns, factors.data()));
+        for (int q = random(0, 2); q > 0; q--)
+            MUST(model, KVXaddqconstr(model.get(), random(0, 4), linear, factors.data(), products,
+                                      columns, rows, factors.data(), "<>="[random(0, 2)],
+                                      std::min(number(), 2.5), q == 1 ? "a" : nullptr));
         const char *names[] = {"", "a", "two words", "is Free", "FREE"};
         MUST(model, KVXsetstrattr(model.get(), "ModelName", names[random(0, 4)]));
         for (const char *name : {"r.mps", "r.lp"}) {
@@ -129,9 +88,13 @@ TEST_F(Files, WhatIsWrittenReadsBackExactly) {
 
 // The same models as other programs write them.
 TEST_F(Files, OtherSpellingsReadTheSame) {
+    const std::string quadraticRows =
+        "ROWS\n N o\n L c\n L f\n G d\n E e\nCOLUMNS\n x o 1 c 1\n x f 1\n y o 1 f 1\n z o 1\n"
+        "RHS\n c 4 f 1\n d -1 e 2\n";
+    auto quadratic = [&](const char *sections) { return quadraticRows + sections + "ENDATA\n"; };
     const struct {
         const char *plain, *name;
-        std::vector<const char *> texts;
+        std::vector<std::string> texts;
     } models[] = {
         {"max\n x + 2 y - 3\nst\n c: x + y <= 4\n end: x - y >= -1.5\nbounds\n y <= 8\n"
          "generals\n y\nend\n",
@@ -163,20 +126,25 @@ TEST_F(Files, OtherSpellingsReadTheSame) {
           " l  R\n g  S\n e  T\n e  U\ncolumns\n x o 1 L 1\n x G 1 E 1\n x S 1 T 1\n y L 1 G -1\n"
           " y F 1 R 1\n y U 1\nrhs\n o 7 L 4\n G -2 E 1\n R 5 S -1\n T -2 U 1\nranges\n R 2 S 4\n"
           " T 1 U -3\nbounds\n mi y\n up y -1\nendata\n"}},
-        {"min\n i + m + b + n + p + s + t + u + f\nst\nbounds\n i <= 4\n -inf <= m <= -1\n n = 1\n"
-         " 2 <= p <= 3\n 1 <= s <= 5\n t <= 6\n f free\ngenerals\n i m p f t\nbinaries\n b n\n"
+        {"min\n i + m + b + n + k + l + p + s + t + u + f\nst\nbounds\n i <= 4\n -inf <= m <= -1\n "
+         "n = 1\n"
+         " 2 <= p <= 3\n 1 <= s <= 5\n t <= 6\n f free\n k <= 1\n l <= 1\ngenerals\n i m p f t k "
+         "l\nbinaries\n b n\n"
          "semis\n s t u\nsos\n S1:: i: 1 m: 2\n S2:: p: 3 s: 4\nend\n",
          "b.mps",
          {"NAME\nROWS\n N o\nCOLUMNS\n M 'MARKER' 'INTORG'\n i o 1\n m o 1\n b o 1\n n o 1\n"
-          " M 'MARKER' 'INTEND'\n p o 1\n s o 1\n t o 1\n u o 1\n f o 1\nRHS\nBOUNDS\n UP i 4\n"
-          " UP m -1\n FX n 1\n LI p 2\n UI p 3\n LO s 1\n SC s 5\n SI t 6\n SC u\n LI f 1\n FR f "
+          " k o 1\n l o 1\n M 'MARKER' 'INTEND'\n p o 1\n s o 1\n t o 1\n u o 1\n f o "
+          "1\nRHS\nBOUNDS\n UP i 4\n"
+          " UP m -1\n FX n 1\n LI k 0\n UP k 1\n UI l 1\n LI p 2\n UI p 3\n LO s 1\n SC s 5\n SI t "
+          "6\n SC u\n LI f 1\n FR f "
           "0\n"
           "SOS\n S1 SOS s1\n i 1\n m 2\n S2 SOS b 5\n b p 3\n b s 4\nENDATA\n",
-          "NAME\nROWS\n N o\nCOLUMNS\n i o 1\n m o 1\n b o 1\n m2 'marker' 'intorg'\n n o 1\n p o "
-          "1\n"
-          " m2 'marker' 'intend'\n s o 1\n t o 1\n u o 1\n f o 1\nRHS\nBOUNDS\n LI B i 0\n UI B i "
+          "NAME\nROWS\n N o\nCOLUMNS\n i o 1\n m o 1\n b o 1\n m2 'marker' 'intorg'\n n o 1\n"
+          " k o 1\n l o 1\n p o 1\n m2 'marker' 'intend'\n s o 1\n t o 1\n u o 1\n f o "
+          "1\nRHS\nBOUNDS\n LI B i 0\n UI B i "
           "4\n"
-          " UI B m -1\n BV B b\n FX B n 1\n LO B p 2\n UP B p 3\n LO B s 1\n SC B s 5\n UI B t 6\n"
+          " UI B m -1\n BV B b\n FX B n 1\n UI B k 1\n UP B l 1\n LI B l 0\n LO B p 2\n UP B p 3\n "
+          "LO B s 1\n SC B s 5\n UI B t 6\n"
           " SC B t 6\n SC B u\n UI B f 1\n FR B f\nSOS1\n s1 i 1\n s1 m 2\nSOS2\n p 3\n s 4\n"
           "ENDATA\n"}},
         {"NAME fixed\nROWS\n N o\n L c_1\nCOLUMNS\n x_y_z o 1 c_1 2\n w o 3\nRHS\n RHS c_1 4\n"
@@ -187,13 +155,31 @@ TEST_F(Files, OtherSpellingsReadTheSame) {
           "    w         o                    3\nRHS\n"
           "              c 1                4.0\nBOUNDS\n"
           " UP BND       x y z              5.0\n FR BND       w         $ none\nENDATA\n"}},
+        {"min\n x + y + z + [ 2 x ^2 - 6 x * y + 8 y ^2 + 3 y * z ] / 2 + 1\nst\n"
+         " c: x + [ x ^2 - 3 x * y ] <= 4\n d: [ 2.5 z ^2 ] >= -1\n e: y + [ z * z + x * z ] = "
+         "2\nend\n",
+         "q.lp",
+         {"min x + y + z + 1 + [ 3 z * y - 6 y * x + 2 x^2 + 4 y^2 ] / 2 - [ - 4 * y * y ]/2 st\n"
+          "c: 4 >= [ - 3 x*y + x^2 ] + x d: [ 2.5 * z ^ 2 ] + 1 >= 0\n"
+          "e: [ z^2 ] + y + [ z * x + 0 y^2 ] = 2"}},
+        {"min\n x + y + z + [ 2 x ^2 - 6 x * y + 8 y ^2 + 3 y * z ] / 2\nst\n f: x + y <= 1\n"
+         " c: x + [ x ^2 - 3 x * y ] <= 4\n d: [ 2.5 z ^2 + 4 x * y ] >= -1\n e: [ z * z ] = 2\n"
+         "end\n",
+         "q.mps",
+         {
+             quadratic("QUADOBJ\n x x 2\n x y -3 z 0\n y y 8\n z y 1.5\nQCMATRIX c\n x x 1\n "
+                       "x y -1\n y x -2\nQCMATRIX d\n z z 2.5\n x y 4\nqcmatrix e\n z z 1\n"),
+             quadratic("QMATRIX\n x x 2\n x y -3\n y x -3\n y y 8\n y z 1.5\n z y 1.5\n"
+                       "QSECTION d\n z z 5\n x y 4\nQMATRIX c\n x x 2 y -6\nQSECTION e\n z z "
+                       "2\n"),
+         }},
     };
     for (const auto &[plain, name, texts] : models) {
         Model model = read(*plain == 'N' ? "plain.mps" : "plain.lp", plain);
         ASSERT_TRUE(model) << message << plain;
         std::string expected = data(model);
         std::replace(expected.begin(), expected.end(), '_', ' ');
-        for (const char *text : texts) {
+        for (const std::string &text : texts) {
             Model other = read(name, text);
             ASSERT_TRUE(other) << message << text;
             EXPECT_EQ(data(other), expected) << text;
@@ -247,6 +233,27 @@ TEST_F(Files, DamagedFilesAreRefusedWithFileAndLine) {
         {"a.lp", "min\n x\nst\n c: b = 1 -> x >= 2\n", "line 4: '>' stands where a"},
         {"a.lp", "min\n x\nst\nbounds\n y <= 2\nend\n", "line 5: 'y' is unknown"},
         {"a.lp", "min\n x\nmin\n x\nend\n", "line 3: there is a second objective"},
+        {"a.mps", "ROWS\n L c\nQUADOBJ\n", "line 3: 'QUADOBJ' needs an objective row"},
+        {"a.mps", "ROWS\n N o\nCOLUMNS\n x o 1\n y o 1\nQUADOBJ\n x y 1\n y x 2\n",
+         "8: 'x' is there twice"},
+        {"a.mps", "ROWS\n N o\nCOLUMNS\n x o 1\nQMATRIX\n x x 1\n x x 2\n",
+         "7: 'x' is there twice"},
+        {"a.mps", "ROWS\n N o\nCOLUMNS\n x o 1\nQMATRIX\n x y 1\n", "6: 'y' is unknown"},
+        {"a.mps", "ROWS\n N o\nQCMATRIX o\n", "line 3: 'o' is no row with a side"},
+        {"a.mps", "ROWS\n N o\n N p\nQSECTION p\n", "line 4: 'p' is no row with a side"},
+        {"a.mps", "ROWS\n N o\nQUADOBJ o\n", "'QUADOBJ o' stands where QUADOBJ alone"},
+        {"a.mps", "QCMATRIX\n", "line 1: 'QCMATRIX' stands where QCMATRIX ROW is expected"},
+        {"a.mps", "ROWS\n N o\nQUADOBJ\nQSECTION o\n", "line 4: 'o' is quadratic twice"},
+        {"a.mps", "ROWS\n L c\nRANGES\n c 1\nQCMATRIX c\nENDATA\n", "'c' is quadratic and has a"},
+        {"a.lp", "min\n [ x ^2 ]\nst\n", "line 3: 'st' stands where / 2 is expected"},
+        {"a.lp", "min\nst\n [ x ^2 ] / 2 <= 1\n", "line 3: '/' stands where a relation"},
+        {"a.lp", "min\nst\n [ x ^3 ] <= 1\n", "line 3: '3' stands where 2 is expected"},
+        {"a.lp", "min\nst\n [ x ] <= 1\n", "line 3: ']' stands where ^ 2 or * and a variable"},
+        {"a.lp", "min\nst\n [ x ^2 y ^2 ] <= 1\n", "line 3: 'y' stands where +, - or ] is"},
+        {"a.lp", "min\nst\n 1 <= [ x ^2 ] <= 2\n", "a quadratic constraint needs one side"},
+        {"a.lp", "min\nst\n [ x ^2 ] free\n", "a quadratic constraint needs one side"},
+        {"a.lp", "min\n x\nbounds\n x + [ x ^2 ] <= 1\n", "line 4: 'x' begins what is no bound"},
+        {"a.lp", "min\n [ x ^2 +", "line 2: the file ends where a variable is expected"},
         {"a.mps.gz", "NAME\nROWS\n", "not packed as its name says"},
         {"a.mps.bz2", "", "damaged or cut off"},
         {"a.txt", "", "the name doesn't end like that of such a file"},
@@ -324,71 +331,6 @@ TEST_F(Files, NamesThatAFormatCantHoldAreReplaced) {
     EXPECT_EQ(KVXwrite(model.get(), "/nowhere/a.mps"), KVX_ERROR_FILE_WRITE);
 }
 
-TEST_F(Files, AttributeFilesAreReadWholeOrNotAtAll) {
-    Model model = read("sample.mps", sampleMps);
-    ASSERT_TRUE(model) << message;
-    const Vector start = {0.1, KVX_UNDEFINED, -1e-300, 3, KVX_UNDEFINED, 1e17 / 3};
-    const std::vector<int> vars = {0, -2, -1, 0, -1, -2}, rows = {-1, 0, 0, -2, 0};
-    EXPECT_EQ(KVXsetdblattrarray(model.get(), "Start", 0, 6, start.data()), 0);
-    EXPECT_EQ(KVXsetintattrarray(model.get(), "VarBasis", 0, 6, vars.data()), 0);
-    EXPECT_EQ(KVXsetintattrarray(model.get(), "ConstrBasis", 0, 5, rows.data()), 0);
-    EXPECT_EQ(KVXsetparam(KVXgetenv(model.get()), "MIPGap", "0.123"), 0);
-    Model other = read("sample.mps");
-    for (const char *name : {"a.mst.gz", "a.bas", "a.prm.bz2"}) {
-        write(model, name);
-        MUST(other, KVXread(other.get(), temporary(name).c_str()));
-    }
-    for (const char *name : {"a.sol", "a.json"})
-        write(model, name, KVX_ERROR_DATA_NOT_AVAILABLE);
-    for (auto [name, text] : {std::pair{"b.mst", "# comment\nx 7\ny 2\n"},
-                              {"b.sol", "x 7\ni 7x\n"},
-                              {"b.bas", "NAME\n UL x\n XU i nowhere\nENDATA\n"},
-                              {"c.bas", "NAME\n UL x\n"},
-                              {"b.prm", "MIPGap 0.5\nNoSuch 1\n"}}) {
-        store(temporary(name), text);
-        EXPECT_NE(KVXread(other.get(), temporary(name).c_str()), 0) << name;
-        std::string problem = KVXgetmerrormsg(other.get());
-        EXPECT_NE(problem.find(temporary(name) + ", line "), std::string::npos) << problem;
-    }
-    std::vector<int> gotVars(6), gotRows(5);
-    MUST(other, KVXgetintattrarray(other.get(), "VarBasis", 0, 6, gotVars.data()));
-    MUST(other, KVXgetintattrarray(other.get(), "ConstrBasis", 0, 5, gotRows.data()));
-    double gap = 0;
-    EXPECT_EQ(KVXgetdblparam(KVXgetenv(other.get()), "MIPGap", &gap), 0);
-    EXPECT_EQ(std::tie(start, vars, rows),
-              std::make_tuple(dblAttrs(other, "Start", 6), gotVars, gotRows));
-    EXPECT_EQ(gap, 0.123);
-}
-
-// The result of a run, as the parameter "ResultFile" asks for it and on request.
-TEST_F(Files, ResultsAreWritten) {
-    Model model = read("a.lp", "max\n 2 x + y + 0.5 \"q\nst\n c: x + y <= 4\n d: x - \"q >= 1\n"
-                               "bounds\n x <= 3\n \"q <= 0\nend\n");
-    ASSERT_TRUE(model) << message;
-    KVXenv *own = KVXgetenv(model.get());
-    EXPECT_EQ(KVXsetstrparam(own, "ResultFile", temporary("r.json").c_str()), 0);
-    auto result = [&] {
-        solved(model);
-        return nlohmann::json::parse(contents(temporary("r.json")));
-    };
-    auto json = result();
-    EXPECT_EQ(json["status"], "optimal");
-    EXPECT_EQ(json["objective"], 7);
-    EXPECT_EQ(json["gap"], 0);
-    EXPECT_EQ(json["variables"].dump(), R"([{"name":"x","value":3.0},{"name":"y","value":1.0}])");
-    write(model, "r.sol.gz");
-    EXPECT_EQ(KVXread(model.get(), temporary("r.sol.gz").c_str()), 0);
-    EXPECT_EQ(dblAttrs(model, "Start", 3), (Vector{3, 1, 0}));
-
-    EXPECT_EQ(KVXsetdblattrelement(model.get(), "LB", 0, 3), 0);
-    EXPECT_EQ(KVXsetdblattrelement(model.get(), "RHS", 0, 2), 0);
-    json = result();
-    EXPECT_EQ(json["status"], "infeasible");
-    EXPECT_TRUE(json["objective"].is_null());
-    EXPECT_EQ(KVXsetstrparam(own, "ResultFile", "/nowhere/r.sol"), 0);
-    MUST(model, KVXoptimize(model.get())) << "there is no solution to write";
-}
-
 // Whatever is done to a file, reading it ends in a model or in a text.
 TEST_F(Files, NoDamageCrashesTheReaders) {
     write(read("sample.mps", sampleMps), "sample.lp");
@@ -411,15 +353,6 @@ TEST_F(Files, NoDamageCrashesTheReaders) {
             read(std::string("damaged-") + name, text);
         }
     }
-}
-
-TEST(FileNames, EndingsSayWhatAFileIs) {
-    const std::tuple<const char *, int, int> names[] = {
-        {"a.mps", 1, 0}, {"b.LP.gz", 2, 0}, {"a.sol", 0, 1},  {"a.mst.gz", 0, 2},
-        {"a.bas", 0, 3}, {"a.prm", 0, 4},   {"a.json", 0, 0}, {"a.mps.zip", 0, 0},
-        {"mps", 0, 0},   {nullptr, 0, 0}};
-    for (auto [name, model, attribute] : names)
-        EXPECT_TRUE(KVXismodelfile(name) == model && KVXisattrfile(name) == attribute) << name;
 }
 
 } // namespace

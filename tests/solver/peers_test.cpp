@@ -52,6 +52,9 @@ TEST(Peers, FindTheOptimumInWhatWeWrite) {
         {0.5, "min\n x\nst\n c: 0 x <= 5\n d: -1 <= 0 x <= 1\n e: x >= 0.5\nend\n", ""},
         {8, "min\n x + 2 y\nbounds\n x >= 2\n y >= 3\nend\n", "glpsol.lp"}, // which needs a row
         {0, "min\nst\n c: x + y >= 1\nend\n", ""},
+        {-1, // of the linear terms, which are all that cbc tells
+         "min\n -x + [ 2 x ^2 + 2 x * y + 2 y ^2 ] / 2\nst\n c: x + y >= 1\nend\n",
+         "glpsol.mps glpsol.lp cbc.lp"},
         {2480246.89125802,
          "min\n 2 a_name_of_more_than_8 + 1e5 \xc3\xa4 + e1\nst\n"
          " a_name_as_long_as_the_other: 1e-3 a_name_of_more_than_8 + e1 >= 12345.678901234567\n"
