@@ -27,6 +27,8 @@ public final class Solve {
         "  --async           solve on a thread of the run's own and wait for it",
         "  --quiet           show no progress",
         "  --log             show the solver's log",
+        "  --solution        print the variables that aren't 0",
+        "  --plot FILE       draw best objective value and bound over the time, as SVG",
         "  --json FILE       write the solution as JSON",
         "  --write FILE      write the solution (.sol), start (.mst), basis (.bas) or model",
         "  --iis             name the constraints and bounds that make a model infeasible",
@@ -54,10 +56,11 @@ public final class Solve {
         Path.of(System.getProperty("korvex.examples", "examples"), "models", "facilities.mps")
             .toString();
     private final List<String[]> parameters = new ArrayList<>();
-    private boolean async, quiet, log, iis;
-    private String jsonFile, resultFile;
+    private boolean async, quiet, log, iis, solution;
+    private String jsonFile, resultFile, plotFile;
 
     private final Progress progress = new Progress();
+    private final Chart chart = new Chart();
     private final CountDownLatch reported = new CountDownLatch(1);
     private volatile int exitStatus = 1;
 
@@ -128,9 +131,12 @@ public final class Solve {
             case "--iis":
                 iis = true;
                 continue;
+            case "--solution":
+                solution = true;
+                continue;
             default:
             }
-            if (!List.of("--set", "--time-limit", "--threads", "--json", "--write")
+            if (!List.of("--set", "--time-limit", "--threads", "--json", "--write", "--plot")
                      .contains(option))
                 throw new UsageException("unknown option " + option + "; see --help");
             if (++i == args.length)
@@ -153,6 +159,9 @@ public final class Solve {
             case "--json":
                 jsonFile = value;
                 break;
+            case "--plot":
+                plotFile = value;
+                break;
             default:
                 resultFile = value;
             }
@@ -168,7 +177,7 @@ public final class Solve {
             !resultFile.toLowerCase(Locale.ROOT).matches(".*\\.json(\\.gz|\\.bz2)?"))
             throw new UsageException(resultFile + ": the name of a result must end in .sol, .mst, "
                                      + ".bas, .prm, .json, " + MODELS);
-        for (String file : new String[] {jsonFile, resultFile})
+        for (String file : new String[] {jsonFile, resultFile, plotFile})
             if (file != null && !isWritable(Path.of(file)))
                 throw new UsageException(file + ": can't be written");
     }
@@ -219,7 +228,13 @@ public final class Solve {
     }
 
     private void solve(KVXModel model) {
-        if (!quiet)
+        if (plotFile != null)
+            model.setCallback(context -> {
+                chart.call(context);
+                if (!quiet)
+                    progress.call(context);
+            });
+        else if (!quiet)
             model.setCallback(progress);
         // Ctrl-C ends the process by running its shutdown hooks: this one lets the result be
         // printed first. It is the last to know the exit status, so it ends the process with it.
@@ -253,8 +268,14 @@ public final class Solve {
         System.out.println("Bound: " + number(() -> model.getDouble("ObjBound")));
         System.out.println("Gap: " + number(() -> model.getDouble("MIPGap")));
         System.out.printf("Time: %.2f s%n", model.getDouble("Runtime"));
+        if (solution)
+            printSolution(model);
         if (jsonFile != null)
-            writeJson(model);
+            writeText(jsonFile, model.jsonSolution() + "\n");
+        if (plotFile != null)
+            writeText(plotFile,
+                      chart.svg(model.getDouble("Runtime"), value(() -> model.getDouble("ObjVal")),
+                                value(() -> model.getDouble("ObjBound"))));
         if (resultFile != null)
             model.write(resultFile);
         exitStatus = exitStatus(status);
@@ -263,12 +284,22 @@ public final class Solve {
             reportConflict(model);
     }
 
-    private void writeJson(KVXModel model) throws IOException {
+    private static void writeText(String file, String text) throws IOException {
         try {
-            Files.writeString(Path.of(jsonFile), model.jsonSolution() + "\n");
+            Files.writeString(Path.of(file), text);
         } catch (IOException e) { // A full disk has no name.
-            throw new IOException(jsonFile + ": " + e.getMessage(), e);
+            throw new IOException(file + ": " + e.getMessage(), e);
         }
+    }
+
+    private static void printSolution(KVXModel model) {
+        if (model.getInt("SolCount") == 0)
+            return;
+        String[] names = model.getStrings("VarName");
+        double[] x = model.getDoubles("X");
+        for (int j = 0; j < x.length; j++)
+            if (x[j] != 0)
+                System.out.println("  " + names[j] + " = " + text(x[j]));
     }
 
     private static void reportConflict(KVXModel model) {
@@ -312,16 +343,23 @@ public final class Solve {
 
     /** A value in full precision, or "-" when there is none. */
     private static String number(DoubleSupplier attribute) {
-        double value;
+        double value = value(attribute);
+        return Math.abs(value) < KVX.INFINITY ? text(value) : "-";
+    }
+
+    /** A value, infinite when there is none. */
+    private static double value(DoubleSupplier attribute) {
         try {
-            value = attribute.getAsDouble();
+            double value = attribute.getAsDouble();
+            return Double.isNaN(value) ? KVX.INFINITY : value;
         } catch (KVXException e) {
             if (e.status() != KVX.ERROR_DATA_NOT_AVAILABLE)
                 throw e;
-            return "-";
+            return KVX.INFINITY;
         }
-        if (Double.isNaN(value) || Math.abs(value) >= KVX.INFINITY)
-            return "-";
+    }
+
+    private static String text(double value) {
         return new BigDecimal(Double.toString(value)).stripTrailingZeros().toPlainString();
     }
 }

@@ -81,7 +81,7 @@ class SolveTest {
         assertEquals(0, help.status());
         assertEquals(help, Launch.java("Solve", "-h"));
         for (String option : List.of("--set", "--time-limit", "--threads", "--async", "--quiet",
-                                     "--json", "--write", "--help"))
+                                     "--json", "--write", "--solution", "--plot", "--help"))
             assertTrue(String.join("\n", help.out()).contains(option), option);
     }
 
@@ -89,8 +89,16 @@ class SolveTest {
     void resultFiles() throws Exception {
         String json = directory.resolve("result.json").toString();
         String solution = directory.resolve("result.sol").toString();
-        Launch run = Launch.java("Solve", BAKERY, "--json", json, "--write", solution);
+        Path plot = directory.resolve("result.svg");
+        Launch run = Launch.java("Solve", BAKERY, "--json", json, "--write", solution, "--plot",
+                                 plot.toString(), "--solution");
         assertEquals(0, run.status(), run.err());
+        assertTrue(run.out().contains("  rye = 4"), run.out().toString());
+        // The axes and two lines, which end at the same height: the model is solved.
+        String[] lines = Files.readString(plot).split("d=\"M");
+        assertEquals(4, lines.length);
+        String height = "(?s).*[V ]([\\d.]+)H800.*";
+        assertEquals(lines[2].replaceAll(height, "$1"), lines[3].replaceAll(height, "$1"));
         assertTrue(Files.readString(Path.of(json)).contains("\"objective\": 1073.18"));
         assertTrue(Files.readString(Path.of(solution)).contains("white 24.3"));
         // A full disk.
