@@ -33,6 +33,7 @@ struct Mip {
     int solveOnce();
     void markIntegers(OsiSolverInterface &solver) const;
     void configure(CbcModel &cbc);
+    void addSets(CbcModel &cbc) const;
     CbcProgram program(bool preprocess) const;
     int search(OsiSolverInterface &solver, bool preprocess);
     int verdict(const CbcModel &cbc);
@@ -170,6 +171,7 @@ bool Mip::solveRest(std::vector<double> &x) {
     markIntegers(solver);
     CbcModel cbc(solver);
     cbc.passInMessageHandler(&problem.silence);
+    addSets(cbc);
     bool isFound = false;
     CbcProgram completion = program(false);
     completion.begin = [this](CbcModel &searched) {
@@ -285,8 +287,15 @@ void Mip::configure(CbcModel &cbc) {
     constexpr unsigned crunching = 1;
     if (auto *clp = dynamic_cast<OsiClpSolverInterface *>(cbc.solver()))
         clp->setSpecialOptions(clp->specialOptions() & ~crunching);
+    addSets(cbc);
+}
+
+// Cbc's own program takes a model without integers for a linear one unless it has sets before; what
+// it makes of them for the search is replaced then.
+void Mip::addSets(CbcModel &cbc) const {
     if (problem.sets.empty())
         return;
+    cbc.deleteObjects();
     // Cbc's dynamic pseudo-costs take every branching object for that of an integer, and its strong
     // branching aborts for want of fractional ones.
     cbc.setNumberBeforeTrust(0);
@@ -319,6 +328,7 @@ CbcProgram Mip::program(bool preprocess) const {
 int Mip::search(OsiSolverInterface &solver, bool preprocess) {
     CbcModel cbc(solver);
     cbc.passInMessageHandler(&problem.silence);
+    addSets(cbc);
     isReduced = preprocess;
     remembered.clear();
     if (preprocess && !run.best.empty())

@@ -192,4 +192,43 @@ TEST(Reformulate, FindsWhatEnumerationFinds) {
     EXPECT_GT(feasible, 500);
 }
 
+// Sets alone, on continuous variables: the best of the linear models without what has to be zero.
+TEST(Reformulate, SetsOfContinuousVariables) {
+    Env env;
+    for (unsigned seed = 0; seed < 60; seed++) {
+        SCOPED_TRACE(seed);
+        Random random(seed);
+        Data data = randomData(random, 4, 2, "C");
+        for (size_t j = 0; j < 4; j++) {
+            data.lb[j] = std::max(data.lb[j], -3.0);
+            data.ub[j] = std::min(data.ub[j], 3.0);
+        }
+        const Special set = sos(random(1, 2));
+        Model model = data.build(env);
+        MUST(model, set.add(model.get()));
+        std::pair<int, double> best = {KVX_STATUS_INFEASIBLE, data.sense * inf};
+        forPoints(4, 0, 1, [&](const Vector &isUsed) {
+            Data linear = data;
+            for (size_t j = 1; j < 4; j++)
+                if (isUsed[j] == 0) {
+                    linear.lb[j] = std::max(linear.lb[j], 0.0);
+                    linear.ub[j] = std::min(linear.ub[j], 0.0);
+                    if (linear.lb[j] > linear.ub[j])
+                        return;
+                }
+            if (!set.holds(isUsed))
+                return;
+            const auto found = solved(linear.build(env));
+            if (found.first == KVX_STATUS_OPTIMAL &&
+                data.sense * found.second < data.sense * best.second)
+                best = found;
+        });
+        const auto found = solved(model);
+        ASSERT_EQ(best.first, found.first);
+        if (best.first == KVX_STATUS_OPTIMAL) {
+            EXPECT_NEAR(best.second, found.second, 1e-6 * (1 + std::abs(best.second)));
+        }
+    }
+}
+
 } // namespace
