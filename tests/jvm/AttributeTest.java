@@ -1,7 +1,6 @@
 package com.korvex;
 
 import static org.junit.jupiter.api.Assertions.*;
-import static org.junit.jupiter.api.DynamicTest.dynamicTest;
 
 import java.lang.invoke.MethodType;
 import java.lang.reflect.*;
@@ -9,12 +8,14 @@ import java.nio.file.*;
 import java.util.List;
 import java.util.regex.*;
 import java.util.stream.*;
-import org.junit.jupiter.api.*;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.params.ParameterizedTest;
+import org.junit.jupiter.params.provider.MethodSource;
 
 /** Attributes of all types in all shapes, and parameters of all types. */
-class AttributeTest {
+class AttributeTest extends EnvCase {
     /** Five equal variables. */
-    private static KVXModel model(KVXEnv env) {
+    private KVXModel model() {
         return new KVXModel(env, "five", Columns.of(new double[5]).upper(new double[5]));
     }
 
@@ -26,58 +27,53 @@ class AttributeTest {
         return KVXModel.class.getMethod(name, types).invoke(model, args);
     }
 
-    @TestFactory
-    Stream<DynamicTest> everyTypeInEveryShape() {
+    static Object[][] types() {
         // Type, attribute of variables with three values, attribute of the model with one.
-        Object[][] rows = {
+        return new Object[][] {
             {"Int", "VarBasis", new int[] {-1, -2, -3}, "ModelSense", -1},
             {"Double", "LB", new double[] {-1.5, -KVX.INFINITY, 0}, "ObjCon", 2.25},
             {"Char", "VarType", new char[] {'I', 'B', 'S'}, null, null},
             {"String", "VarName", new String[] {"p", "q r", "\u00e4\u4e2d"}, "ModelName",
              "m\u00fc"},
         };
-        return Stream.of(rows).map(
-            row -> dynamicTest((String)row[0], () -> {
-                String get = "get" + row[0], gets = get + "s";
-                Object abc = row[2], a = Array.get(abc, 0), b = Array.get(abc, 1),
-                       c = Array.get(abc, 2);
-                try (KVXEnv env = Models.quietEnv(); KVXModel model = model(env)) {
-                    call(model, "set", row[1], 1, abc); // 1 2 3 = a b c
-                    Object cab = call(model, gets, row[1], new int[] {3, 1, 2});
-                    assertEquals(List.of(c, a, b).toString(), Models.show(cab));
-                    call(model, "set", row[1], new int[] {4, 1, 0}, cab); // 4 1 0 = c a b
-                    call(model, "set", row[1], 2, a);
-                    assertEquals(List.of(a, c).toString(),
-                                 Models.show(call(model, gets, row[1], 2, 2)));
-                    assertEquals(List.of(b, a, a, c, c).toString(),
-                                 Models.show(call(model, gets, row[1])));
-                    assertEquals(b, call(model, get, row[1], 0));
-                    assertEquals("[]", Models.show(call(model, gets, row[1], 5, 0)));
-                    assertEquals("[]", Models.show(call(model, gets, row[1], new int[0])));
-                    for (Object[] beyond :
-                         new Object[][] {{row[1], 3, 3}, {row[1], new int[] {-1}}}) {
-                        Throwable refused = assertThrows(InvocationTargetException.class,
-                                                         () -> call(model, gets, beyond))
-                                                .getCause();
-                        assertEquals(KVX.ERROR_INDEX_OUT_OF_RANGE,
-                                     ((KVXException)refused).status());
-                    }
-                    Models.fails(KVX.ERROR_UNKNOWN_ATTRIBUTE,
-                                 () -> model.set("Nothing", 0, new int[0]));
-                    if (row[3] == null)
-                        return;
-                    call(model, "set", row[3], row[4]);
-                    assertEquals(row[4], call(model, get, row[3]));
-                }
-            }));
+    }
+
+    @ParameterizedTest
+    @MethodSource("types")
+    void everyTypeInEveryShape(String type, String name, Object abc, String single, Object value)
+        throws Exception {
+        String get = "get" + type, gets = get + "s";
+        Object a = Array.get(abc, 0), b = Array.get(abc, 1), c = Array.get(abc, 2);
+        try (KVXModel model = model()) {
+            call(model, "set", name, 1, abc); // 1 2 3 = a b c
+            Object cab = call(model, gets, name, new int[] {3, 1, 2});
+            assertEquals(List.of(c, a, b) + "", Models.show(cab));
+            call(model, "set", name, new int[] {4, 1, 0}, cab); // 4 1 0 = c a b
+            call(model, "set", name, 2, a);
+            assertEquals(List.of(a, c) + "", Models.show(call(model, gets, name, 2, 2)));
+            assertEquals(List.of(b, a, a, c, c) + "", Models.show(call(model, gets, name)));
+            assertEquals(b, call(model, get, name, 0));
+            assertEquals("[]", Models.show(call(model, gets, name, 5, 0)));
+            assertEquals("[]", Models.show(call(model, gets, name, new int[0])));
+            for (Object[] beyond : new Object[][] {{name, 3, 3}, {name, new int[] {-1}}}) {
+                Throwable refused =
+                    assertThrows(InvocationTargetException.class, () -> call(model, gets, beyond));
+                Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> { throw refused.getCause(); });
+            }
+            if (single == null)
+                return;
+            call(model, "set", single, value);
+            assertEquals(value, call(model, get, single));
+        }
     }
 
     @Test
     void whatAttributesAreLike() {
-        try (KVXEnv env = Models.quietEnv(); KVXModel model = model(env)) {
+        try (KVXModel model = model()) {
             Models.fails(KVX.ERROR_INVALID_ARGUMENT,
                          () -> model.set("VarName", 0, new String[] {"a", null, "c"}));
             assertEquals("C0", model.getString("VarName", 0)); // all or nothing
+            Models.fails(KVX.ERROR_UNKNOWN_ATTRIBUTE, () -> model.set("Nothing", 0, new int[0]));
             model.prefetch("X");
             Models.fails(KVX.ERROR_UNKNOWN_ATTRIBUTE, () -> model.prefetch("Y"));
             // A whole number for a double attribute.
@@ -105,7 +101,7 @@ class AttributeTest {
         List<String> types = List.of("", "int", "double", "string", "char");
         List<String> elements = List.of("model", "variable", "constraint", "sos",
                                         "quadratic constraint", "general constraint");
-        try (KVXEnv env = Models.quietEnv(); KVXModel model = model(env)) {
+        try (KVXModel model = model()) {
             for (MatchResult m :
                  documented("KVXAttribute", "(\\w+) of a ([\\w ]+)(, can be set)?\\.")) {
                 if (!m.group(3).equals("batch"))
@@ -119,25 +115,22 @@ class AttributeTest {
                  documented("KVXParameter",
                             "(\\w+), (?:any text|from (\\S+) to (\\S+)), (\\S+) by default")) {
                 String name = m.group(1), standard = m.group(5).replace("\"", "");
-                switch (m.group(2)) {
-                case "int":
-                    KVXParams.IntInfo info = env.params().intInfo(name);
-                    assertEquals(List.of(number(m.group(3)), number(m.group(4)), number(standard)),
-                                 List.of((double)info.minimum(), (double)info.maximum(),
-                                         (double)info.standard()),
-                                 name);
-                    break;
-                case "double":
-                    assertEquals(new KVXParams.DoubleInfo(number(standard), number(m.group(3)),
-                                                          number(m.group(4)), number(standard)),
-                                 env.params().doubleInfo(name), name);
-                    break;
-                default:
+                if (m.group(2).equals("string"))
                     assertEquals(new KVXParams.StringInfo(standard, standard),
                                  env.params().stringInfo(name), name);
-                }
+                else
+                    assertEquals(new KVXParams.DoubleInfo(number(standard), number(m.group(3)),
+                                                          number(m.group(4)), number(standard)),
+                                 info(m.group(2), name), name);
             }
         }
+    }
+
+    private KVXParams.DoubleInfo info(String type, String name) {
+        if (type.equals("double"))
+            return env.params().doubleInfo(name);
+        KVXParams.IntInfo i = env.params().intInfo(name);
+        return new KVXParams.DoubleInfo(i.value(), i.minimum(), i.maximum(), i.standard());
     }
 
     private static double number(String text) {
@@ -146,25 +139,22 @@ class AttributeTest {
 
     @Test
     void parameters() {
-        try (KVXEnv env = Models.quietEnv()) {
-            String name = "/tmp/"
-                          + "long".repeat(200) + "\u00e9"; // needs more than one buffer
-            KVXParams params = env.params();
-            params.set("ResultFile", name);
-            params.set("TimeLimit", 12.5);
-            params.parse("threads", "3");
-            assertEquals(name, params.getString("resultfile"));
-            assertEquals("12.5 3", params.getDouble("TimeLimit") + " " + params.getInt("Threads"));
-            KVXException refused =
-                assertThrows(KVXException.class, () -> params.set("Threads", -1));
-            assertEquals(KVX.ERROR_VALUE_OUT_OF_RANGE, refused.status());
-            assertTrue(refused.getMessage().contains("Threads"), refused::getMessage);
-            assertEquals(3, params.intInfo("Threads").value());
-            String cut = params.stringInfo("ResultFile").value();
-            assertTrue(name.startsWith(cut) && cut.length() > 500, cut);
-            params.reset();
-            assertEquals("", params.getString("ResultFile"));
-        }
+        String name = "/tmp/"
+                      + "long".repeat(200) + "\u00e9"; // needs more than one buffer
+        KVXParams params = env.params();
+        params.set("ResultFile", name);
+        params.set("TimeLimit", 12.5);
+        params.parse("threads", "3");
+        assertEquals(name, params.getString("resultfile"));
+        assertEquals("12.5 3", params.getDouble("TimeLimit") + " " + params.getInt("Threads"));
+        KVXException refused = assertThrows(KVXException.class, () -> params.set("Threads", -1));
+        assertEquals(KVX.ERROR_VALUE_OUT_OF_RANGE, refused.status());
+        assertTrue(refused.getMessage().contains("Threads"), refused::getMessage);
+        assertEquals(3, params.intInfo("Threads").value());
+        String cut = params.stringInfo("ResultFile").value();
+        assertTrue(name.startsWith(cut) && cut.length() > 500, cut);
+        params.reset();
+        assertEquals("", params.getString("ResultFile"));
     }
 
     @Test

@@ -1,16 +1,13 @@
 package com.korvex;
 
 import static org.junit.jupiter.api.Assertions.*;
-import static org.junit.jupiter.api.DynamicTest.dynamicTest;
 
 import java.util.*;
-import java.util.stream.*;
 import org.junit.jupiter.api.*;
 import org.junit.jupiter.api.function.Executable;
 
 /** What is built is read back as it was, and what makes no sense is refused before it can hurt. */
-class BuildTest {
-    private KVXEnv env;
+class BuildTest extends EnvCase {
     private KVXModel model;
 
     /**
@@ -23,7 +20,6 @@ class BuildTest {
      */
     @BeforeEach
     void build() {
-        env = Models.quietEnv();
         model = new KVXModel(env, "built");
         assertEquals(0, model.variables().add(Columns.of(1, -1, 0, 2)
                                                   .upper(9, 9, 9, KVX.INFINITY)
@@ -39,7 +35,6 @@ class BuildTest {
     @AfterEach
     void close() {
         model.close();
-        env.close();
     }
 
     private static int[] ints(int... values) { return values; }
@@ -55,8 +50,8 @@ class BuildTest {
         return new SparseMatrix(beg, ind, val);
     }
 
-    @TestFactory
-    Stream<DynamicTest> generalConstraints() {
+    @Test
+    void generalConstraints() {
         int[] ops = {0, 1, 2};
         GeneralConstraint[] kinds = {
             GeneralConstraint.max(3, ops, 4.5),
@@ -80,19 +75,16 @@ class BuildTest {
             new GeneralConstraint.Tree(3, ints(KVX.NL_PLUS, KVX.NL_CONSTANT, KVX.NL_VARIABLE),
                                        doubles(0, 2.5, 1), ints(-1, 0, 0)),
         };
-        return IntStream.range(0, kinds.length)
-            .mapToObj(kind -> dynamicTest("kind " + kind, () -> {
-                          GeneralConstraints all = model.generalConstraints();
-                          int other = all.add(GeneralConstraint.abs(0, 1), null);
-                          int index = all.add(kinds[kind], "name " + kind);
-                          assertEquals(other + 1, index);
-                          assertEquals(kind, kinds[kind].kind());
-                          assertEquals(kind, model.getInt(KVXAttribute.GEN_CONSTR_TYPE, index));
-                          assertEquals("name " + kind,
-                                       model.getString(KVXAttribute.GEN_CONSTR_NAME, index));
-                          assertEquals(kinds[kind], all.get(index));
-                          Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> all.get(index + 1));
-                      }));
+        GeneralConstraints all = model.generalConstraints();
+        for (int index = 0; index < kinds.length; index++) {
+            int kind = kinds.length - 1 - index; // another number than the index
+            assertEquals(index, all.add(kinds[kind], "name " + kind));
+            assertEquals(kind, kinds[kind].kind());
+            assertEquals(kind, model.getInt(KVXAttribute.GEN_CONSTR_TYPE, index));
+            assertEquals("name " + kind, model.getString(KVXAttribute.GEN_CONSTR_NAME, index));
+            assertEquals(kinds[kind], all.get(index));
+        }
+        Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> all.get(kinds.length));
     }
 
     @Test
@@ -250,86 +242,81 @@ class BuildTest {
         }
     }
 
-    @TestFactory
-    Stream<DynamicTest> whatMakesNoSenseIsRefused() {
-        SparseMatrix kept = new SparseMatrix(ints(0, 1), ints(0, 1), doubles(1, 1));
-        kept.beg()[0] = 7;
-        Columns columns = Columns.of(1, 2);
-        Rows rows = Rows.of(null, "<".toCharArray(), 1);
-        Class<?> argument = IllegalArgumentException.class, index = IndexOutOfBoundsException.class;
-        Class<?> missing = NullPointerException.class;
-        Object[][] uses = {
-            {missing, "ind", ex(() -> new SparseVector(null, 1))},
-            {missing, "beg", ex(() -> new SparseMatrix(null, ints(), doubles()))},
-            {missing, "obj", ex(() -> Columns.of((double[])null))},
-            {missing, "senses", ex(() -> Rows.of(null, null, 1))},
-            {missing, "operands", ex(() -> GeneralConstraint.and(0, (int[])null))},
-            {missing, "ind", ex(() -> model.variables().delete((int[])null))},
-            {missing, "values", ex(() -> model.set("LB", 0, (double[])null))},
-            {missing, "columns", ex(() -> model.variables().add((Columns)null))},
-            {missing, "constraint", ex(() -> model.generalConstraints().add(null, ""))},
-            {argument, "2 elements, not 1", ex(() -> new SparseVector(ints(1), 1, 2))},
-            {argument, "1 elements, not 2", ex(() -> new Triplets(ints(1, 2), ints(1), 1, 2))},
-            {argument, "3 elements, not 2", ex(() -> columns.lower(1, 2, 3))},
-            {argument, "0 elements, not 2", ex(() -> columns.types(new char[0]))},
-            {argument, "1 elements, not 2", ex(() -> columns.names("x"))},
-            {argument, "2 elements, not 1", ex(() -> rows.names("x", "y"))},
-            {argument, "2 elements, not 1", ex(() -> Rows.of(kept, new char[1], 1))},
-            {argument, "either",
-             ex(() -> new Rows(null, new char[1], doubles(1), doubles(1), null))},
-            {argument, "2147483648 entries",
-             ex(()
-                    -> SparseMatrix.of(Collections.nCopies(
-                        2048, new SparseVector(new int[1 << 20], new double[1 << 20]))))},
-            {argument, "beg[1] is 0", ex(() -> new SparseMatrix(ints(1, 0), ints(0), doubles(1)))},
-            {argument, "beg[0] is -1", ex(() -> new SparseMatrix(ints(-1), ints(0), doubles(1)))},
-            {argument, "beg[0] is 2", ex(() -> new SparseMatrix(ints(2), ints(0), doubles(1)))},
-            {argument, "beg[0] is 7", ex(() -> model.variables().add(columns.coefficients(kept)))},
-            {argument, "beg[0] is 7",
-             ex(() -> model.constraints().add(Rows.of(kept, new char[2], 1, 1)))},
-            {argument, "beg[0] is 7",
-             ex(() -> model.sos().add(new SpecialOrderedSets.Sets(ints(1, 1), kept)))},
-            {argument, "beg[0] is 7",
-             ex(() -> KVXModel.load(env, "", 1, 0, columns.coefficients(kept), rows))},
-            {argument, "no constraints",
-             ex(() -> new KVXModel(env, "", columns.coefficients(kept)))},
-            {argument, "rows with",
-             ex(() -> KVXModel.load(env, "", 1, 0, columns, Rows.ranges(null, doubles(1), 2)))},
-            {argument, "U+0000", ex(() -> model.variables().add(0, 1, 1, 'C', "a\0b"))},
-            {argument, "U+0000", ex(() -> model.set("VarName", 0, "\0"))},
-            {argument, "U+0000", ex(() -> model.set("VarName", 0, new String[] {"a", "\0"}))},
-            {argument, "U+0000", ex(() -> new KVXModel(env, "\0"))},
-            {argument, "U+0000", ex(() -> Goal.of(SparseVector.ones(1)).name("\0"))},
-            {argument, "options",
-             ex(() -> model.generalConstraints().add(GeneralConstraint.abs(0, 1), null, "x"))},
-            {argument, "kind",
-             ex(() -> new GeneralConstraint.Function(KVX.GENCONSTR_MAX, 0, 1, 0))},
-            {argument, "kind",
-             ex(() -> new GeneralConstraint.Aggregate(KVX.GENCONSTR_ABS, 0, ints(1), 0))},
-            {argument, "no points",
-             ex(() -> model.objective().setPiecewiseLinear(0, new Points(doubles())))},
-            {argument, "member", ex(() -> model.sos().add(1, new SparseVector(ints())))},
-            {argument, "3 elements, not 4",
-             ex(() -> model.relaxFeasibility(0, false, doubles(1, 1, 1), null, null))},
-            {argument, "4 elements, not 3",
-             ex(() -> model.relaxFeasibility(0, false, null, null, doubles(1, 1, 1, 1)))},
-            {argument, "count", ex(() -> model.getInts("VarBasis", 0, -1))},
-            {argument, "single", ex(() -> model.getInts("NumVars"))},
-            {argument, "2 elements, not 1", ex(() -> model.set("LB", ints(0), doubles(1, 2)))},
-            {index, "-1", ex(() -> model.getInts("VarBasis", -1, 1))},
-            {index, "2147483647", ex(() -> model.getDoubles("LB", 1, Integer.MAX_VALUE))},
-            {index, "2", ex(() -> new SparseMatrix(ints(0, 0), ints(), doubles()).list(2))},
-        };
-        return IntStream.range(0, uses.length)
-            .mapToObj(k -> dynamicTest(k + ": " + uses[k][1], () -> {
-                          Throwable thrown = assertThrows(Throwable.class, (Executable)uses[k][2]);
-                          assertTrue(((Class<?>)uses[k][0]).isInstance(thrown), thrown::toString);
-                          assertTrue(thrown.getMessage().contains((String)uses[k][1]),
-                                     thrown::getMessage);
-                          assertEquals("4 3", model.variables().count() + " " +
-                                                  model.constraints().count());
-                      }));
+    private static void refused(Class<?> type, String part, Executable use) {
+        Throwable thrown = assertThrows(Throwable.class, use, part);
+        assertTrue(type.isInstance(thrown), thrown::toString);
+        assertTrue(thrown.getMessage().contains(part), thrown::getMessage);
     }
 
-    private static Executable ex(Executable use) { return use; }
+    private static void missing(String parameter, Executable use) {
+        refused(NullPointerException.class, parameter, use);
+    }
+
+    private static void beyond(String index, Executable use) {
+        refused(IndexOutOfBoundsException.class, index, use);
+    }
+
+    private static void wrong(String part, Executable use) {
+        refused(IllegalArgumentException.class, part, use);
+    }
+
+    @Test
+    void whatMakesNoSenseIsRefused() {
+        SparseMatrix kept = new SparseMatrix(ints(0, 1), ints(0, 1), doubles(1, 1));
+        kept.beg()[0] = 7;
+        SparseVector huge = new SparseVector(new int[1 << 20], new double[1 << 20]);
+        Columns columns = Columns.of(1, 2), bad = columns.coefficients(kept);
+        Rows rows = Rows.of(null, "<".toCharArray(), 1);
+        Objective objective = model.objective();
+        GeneralConstraints general = model.generalConstraints();
+        missing("ind", () -> new SparseVector(null, 1));
+        missing("beg", () -> matrix(null, ints()));
+        missing("obj", () -> Columns.of((double[])null));
+        missing("senses", () -> Rows.of(null, null, 1));
+        missing("operands", () -> GeneralConstraint.and(0, (int[])null));
+        missing("ind", () -> model.variables().delete((int[])null));
+        missing("values", () -> model.set("LB", 0, (double[])null));
+        missing("columns", () -> model.variables().add((Columns)null));
+        missing("constraint", () -> general.add(null, ""));
+        wrong("2 elements, not 1", () -> new SparseVector(ints(1), 1, 2));
+        wrong("1 elements, not 2", () -> new Triplets(ints(1, 2), ints(1), 1, 2));
+        wrong("3 elements, not 2", () -> columns.lower(1, 2, 3));
+        wrong("0 elements, not 2", () -> columns.types(new char[0]));
+        wrong("1 elements, not 2", () -> columns.names("x"));
+        wrong("2 elements, not 1", () -> rows.names("x", "y"));
+        wrong("2 elements, not 1", () -> Rows.of(kept, new char[1], 1));
+        wrong("2 elements, not 1", () -> model.set("LB", ints(0), doubles(1, 2)));
+        wrong("3 elements, not 4",
+              () -> model.relaxFeasibility(0, false, doubles(1, 1, 1), null, null));
+        wrong("4 elements, not 3",
+              () -> model.relaxFeasibility(0, false, null, null, doubles(1, 1, 1, 1)));
+        wrong("either", () -> new Rows(null, new char[1], doubles(1), doubles(1), null));
+        wrong("2147483648 entries", () -> SparseMatrix.of(Collections.nCopies(2048, huge)));
+        wrong("beg[1] is 0", () -> matrix(ints(1, 0), ints(0), 1));
+        wrong("beg[0] is -1", () -> matrix(ints(-1), ints(0), 1));
+        wrong("beg[0] is 2", () -> matrix(ints(2), ints(0), 1));
+        wrong("beg[0] is 7", () -> model.variables().add(bad));
+        wrong("beg[0] is 7", () -> model.constraints().add(Rows.of(kept, new char[2], 1, 1)));
+        wrong("beg[0] is 7", () -> model.sos().add(new SpecialOrderedSets.Sets(ints(1, 1), kept)));
+        wrong("beg[0] is 7", () -> KVXModel.load(env, "", 1, 0, bad, rows));
+        wrong("no constraints", () -> new KVXModel(env, "", bad));
+        wrong("rows with",
+              () -> KVXModel.load(env, "", 1, 0, columns, Rows.ranges(null, doubles(1), 2)));
+        wrong("U+0000", () -> model.variables().add(0, 1, 1, 'C', "a\0b"));
+        wrong("U+0000", () -> model.set("VarName", 0, "\0"));
+        wrong("U+0000", () -> model.set("VarName", 0, new String[] {"a", "\0"}));
+        wrong("U+0000", () -> new KVXModel(env, "\0"));
+        wrong("U+0000", () -> Goal.of(SparseVector.ones(1)).name("\0"));
+        wrong("options", () -> general.add(GeneralConstraint.abs(0, 1), null, "x"));
+        wrong("kind", () -> new GeneralConstraint.Function(KVX.GENCONSTR_MAX, 0, 1, 0));
+        wrong("kind", () -> new GeneralConstraint.Aggregate(KVX.GENCONSTR_ABS, 0, ints(1), 0));
+        wrong("no points", () -> objective.setPiecewiseLinear(0, new Points(doubles())));
+        wrong("member", () -> model.sos().add(1, new SparseVector(ints())));
+        wrong("count", () -> model.getInts("VarBasis", 0, -1));
+        wrong("single", () -> model.getInts("NumVars"));
+        beyond("-1", () -> model.getInts("VarBasis", -1, 1));
+        beyond("2147483647", () -> model.getDoubles("LB", 1, Integer.MAX_VALUE));
+        beyond("2", () -> matrix(ints(0, 0), ints()).list(2));
+        assertEquals("4 3", model.variables().count() + " " + model.constraints().count());
+    }
 }

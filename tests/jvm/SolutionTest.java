@@ -9,16 +9,13 @@ import org.junit.jupiter.api.*;
 import org.junit.jupiter.api.io.TempDir;
 
 /** What can be had of a model: its basis, derived models, tuning, a batch. */
-@Timeout(60)
-class SolutionTest {
+class SolutionTest extends EnvCase {
     private static final String MODELS = System.getProperty("korvex.examples") + "/models/";
 
-    private KVXEnv env;
     private KVXModel model;
 
     @BeforeEach
     void solve() {
-        env = Models.quietEnv();
         model = KVXModel.read(env, MODELS + "bakery.lp");
         model.optimize();
     }
@@ -26,7 +23,6 @@ class SolutionTest {
     @AfterEach
     void close() {
         model.close();
-        env.close();
     }
 
     /** A sparse result as a whole vector. */
@@ -129,8 +125,10 @@ class SolutionTest {
             split.params().set("TuneTimeLimit", 1.0);
             split.setCallback(context -> reasons.add(context.where()));
             split.tune();
-            split.loadTuneResult(0);
-            assertTrue(split.getInt("TuneResultCount") > 0 && reasons.contains(KVX.CB_TUNE));
+            int results = split.getInt("TuneResultCount");
+            split.loadTuneResult(results - 1);
+            Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> split.loadTuneResult(results));
+            assertTrue(reasons.contains(KVX.CB_TUNE));
         }
         try (KVXModel shifts = KVXModel.read(env, MODELS + "shifts.lp")) {
             shifts.setCallback(context -> reasons.add(context.where()));
