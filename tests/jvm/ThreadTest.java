@@ -140,8 +140,10 @@ class ThreadTest extends EnvCase {
             before = lines.get();
             KorvexJni.message(env.handle(), "on the thread that it is bound to\n");
             env.message("and once more");
+            start(() -> KorvexJni.message(env.handle(), "astray: the binding's last\n")).join();
+            env.message("by the next binding");
             start(() -> env.message("elsewhere")).join();
-            assertEquals(before + 3, lines.get());
+            assertEquals(before + 5, lines.get());
             env.setLog(null);
         }
         model.close();
