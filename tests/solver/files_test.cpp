@@ -159,7 +159,7 @@ TEST_F(Files, OtherSpellingsReadTheSame) {
          " c: x + [ x ^2 - 3 x * y ] <= 4\n d: [ 2.5 z ^2 ] >= -1\n e: y + [ z * z + x * z ] = "
          "2\nend\n",
          "q.lp",
-         {"min x + y + z + 1 + [ 3 z * y - 6 y * x + 2 x^2 + 4 y^2 ] / 2 - [ - 4 * y * y ]/2 st\n"
+         {"min x + y + z + 1 + [ 3 z * y - 6 y * x - - 2 x^2 + 4 y^2 ] / 2 - [ - 4 * y * y ]/2 st\n"
           "c: 4 >= [ - 3 x*y + x^2 ] + x d: [ 2.5 * z ^ 2 ] + 1 >= 0\n"
           "e: [ z^2 ] + y + [ z * x + 0 y^2 ] = 2"}},
         {"min\n x + y + z + [ 2 x ^2 - 6 x * y + 8 y ^2 + 3 y * z ] / 2\nst\n f: x + y <= 1\n"
