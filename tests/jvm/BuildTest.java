@@ -280,14 +280,28 @@ class BuildTest extends EnvCase {
         missing("constraint", () -> general.add(null, ""));
         wrong("2 elements, not 1", () -> new SparseVector(ints(1), 1, 2));
         wrong("1 elements, not 2", () -> new Triplets(ints(1, 2), ints(1), 1, 2));
+        wrong("0 elements, not 1", () -> matrix(ints(0), ints(0)));
+        wrong("2 elements, not 1", () -> new Points(doubles(1), 2, 3));
+        wrong("0 elements, not 1",
+              () -> new GeneralConstraint.Tree(0, ints(1), doubles(), ints(1)));
+        wrong("0 elements, not 1",
+              () -> new GeneralConstraint.Tree(0, ints(1), doubles(1), ints()));
+        wrong("1 elements, not 2", () -> new SpecialOrderedSets.Sets(ints(1), kept));
+        wrong("0 elements, not 2", () -> columns.coefficients(matrix(ints(), ints())));
         wrong("3 elements, not 2", () -> columns.lower(1, 2, 3));
+        wrong("1 elements, not 2", () -> columns.upper(1));
         wrong("0 elements, not 2", () -> columns.types(new char[0]));
         wrong("1 elements, not 2", () -> columns.names("x"));
         wrong("2 elements, not 1", () -> rows.names("x", "y"));
         wrong("2 elements, not 1", () -> Rows.of(kept, new char[1], 1));
         wrong("2 elements, not 1", () -> model.set("LB", ints(0), doubles(1, 2)));
+        wrong("2 elements, not 1", () -> model.set("VarBasis", ints(0), ints(0, 0)));
+        wrong("2 elements, not 1", () -> model.set("VarType", ints(0), new char[2]));
+        wrong("2 elements, not 1", () -> model.set("VarName", ints(0), new String[2]));
         wrong("3 elements, not 4",
               () -> model.relaxFeasibility(0, false, doubles(1, 1, 1), null, null));
+        wrong("3 elements, not 4",
+              () -> model.relaxFeasibility(0, false, null, doubles(1, 1, 1), null));
         wrong("4 elements, not 3",
               () -> model.relaxFeasibility(0, false, null, null, doubles(1, 1, 1, 1)));
         wrong("either", () -> new Rows(null, new char[1], doubles(1), doubles(1), null));
