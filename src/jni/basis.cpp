@@ -5,7 +5,7 @@ namespace {
 
 static_assert(sizeof(SparseVector) == 24);
 
-// A sparse vector of the solver's, with its two buffers.
+// A sparse vector of the solver's, with its two buffers. They are declared in the order of freeing.
 class Vector {
   public:
     explicit Vector(Call &call) : indices(call), values(call), record(call) {}
@@ -38,10 +38,13 @@ class Vector {
 void allocateResult(Call &call, Vector &x, jintArray capacityslot, const char *function) {
     if (call.ok())
         call.jni->GetIntArrayRegion(capacityslot, 0, 1, &x->len);
+    // After a failure the record's length is still 0, and nothing is allocated.
     x.allocateBuffers("x->ind == NULL", "x->val == NULL", function);
 }
 
-void writeResult(Call &call, Vector &x, jintArray capacityslot, jintArray xind, jdoubleArray xval) {
+// Inlined for the sake of the Call, whose address must go nowhere.
+[[gnu::always_inline]] inline void writeResult(Call &call, Vector &x, jintArray capacityslot,
+                                               jintArray xind, jdoubleArray xval) {
     call.write(capacityslot, &x->len);
     x.indices.write(xind, x->len);
     x.values.write(xval, x->len);

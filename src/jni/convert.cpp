@@ -1,4 +1,4 @@
-// Conversions that are longer than the call of them.
+// What convert.h declares and is better not inlined.
 #include "convert.h"
 
 #include <cstdio>

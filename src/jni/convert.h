@@ -104,7 +104,8 @@ void widenAll(const char *from, jchar *to, jint count);
 // The string result: `text` becomes element `index` of `slot`.
 void storeText(JNIEnv *jni, jobjectArray slot, jsize index, const char *text);
 
-// Scratch of this size and more is faulted in by huge pages, where the system has them.
+// Scratch of this size and more is faulted in by huge pages, where the system has them. The advice
+// stays with those addresses after the scratch is freed; nothing else outlives the call.
 constexpr size_t manyPages = size_t{4} << 20;
 void adviseHugePages(void *memory, size_t size);
 

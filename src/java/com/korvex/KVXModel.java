@@ -27,6 +27,10 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
 
     private final KVXEnv env;
     private final Handle handle;
+    /** The empty row of {@link #abandon}, made while there is memory. */
+    private static final int[] NO_INDICES = {};
+    private static final double[] NO_VALUES = {};
+
     private volatile KVXCallback callback;
 
     /** The run that is going on, or that nobody has waited for; begun by the handle's user. */
@@ -459,8 +463,8 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
                 callBack(present);
         } catch (Throwable t) {
             try {
+                abandon(); // First, since it takes no memory.
                 present.thrown.add(t);
-                abandon();
             } catch (Throwable exhaustion) {
                 present.exhaustion = exhaustion; // The next callback tries again.
             }
@@ -471,7 +475,7 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     private void abandon() {
         KorvexJni.terminate(cbmodel);
         if (where == KVX.CB_MIPSOL) // Nothing satisfies 0 >= 1.
-            KorvexJni.cbcutorlazy(cbdata, 0, new int[0], new double[0], KVX.GREATER_EQUAL, 1, 0);
+            KorvexJni.cbcutorlazy(cbdata, 0, NO_INDICES, NO_VALUES, KVX.GREATER_EQUAL, 1, 0);
     }
 
     private void callBack(Run present) {
