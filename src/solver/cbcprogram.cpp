@@ -17,6 +17,9 @@ struct Conduct {
     std::unique_lock<std::mutex> lock{commandLine};
     bool isDone = false;
 
+    explicit Conduct(CbcProgram &program) : program(program) { program.holdUp(true); }
+    ~Conduct() { program.holdUp(false); }
+
     // Returns whether the program ends.
     static int stage(CbcModel *model, int number) {
         enum { isRelaxed = 1, isPreprocessed, beforeSearch, afterSearch, isPostprocessed };
@@ -26,6 +29,7 @@ struct Conduct {
             if (!conduct.lock.owns_lock()) // The command has been read a second time.
                 return 1;
             conduct.lock.unlock();
+            conduct.program.holdUp(false);
             return 0;
         case isPreprocessed:
             return model->status() == 0; // There is nothing to search.
@@ -46,7 +50,7 @@ struct Conduct {
 } // namespace
 
 CbcProgram::Result CbcProgram::conduct(CbcModel &model) {
-    Conduct conduct{*this};
+    Conduct conduct(*this);
     CbcSolverUsefulData data;
     data.useSignalHandler_ = false;
     data.noPrinting_ = true;

@@ -17,6 +17,9 @@ struct CbcProgram {
     // model in terms of the original columns; between them, when the search is over.
     std::function<void(CbcModel &)> begin, end;
     std::function<void()> afterSearch = [] {};
+    // Called with true when other threads' programs begin to wait for this one, and with false when
+    // they go on. In between nobody may be called who might wait for such a thread.
+    std::function<void(bool)> holdUp = [](bool) {};
 
     enum Result { searched, infeasible, failed };
     // infeasible: the program saw before the search that there are no solutions.

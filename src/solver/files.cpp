@@ -117,12 +117,14 @@ std::string contentsOfModel(const KVXmodel &model, const char *filename, Format 
     for (auto [pair, value] : model.products) // A file says twice of it.
         readFinite(2 * value, "twice a quadratic coefficient");
     Names names(model, format == mps ? canMpsHold : canLpHold);
+    std::string text = format == mps ? writeMps(model, names) : writeLp(model, names);
+    // Last, since whoever reads the log may change the model.
     if (names.replaced)
         model.env.log->line(model.env, std::string(filename) + ": " +
                                            std::to_string(names.replaced) +
                                            " names can't be written; they are replaced by x, c or "
                                            "q and the index of the variable or constraint");
-    return format == mps ? writeMps(model, names) : writeLp(model, names);
+    return text;
 }
 
 std::string contents(const KVXmodel &model, const char *filename) {

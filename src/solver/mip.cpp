@@ -313,6 +313,7 @@ void Mip::addSets(CbcModel &cbc) const {
 
 CbcProgram Mip::program(bool preprocess) const {
     CbcProgram result;
+    result.holdUp = [this](bool isHeldUp) { run.isQuiet = isHeldUp; };
     auto option = [&](const char *name, bool isOn) {
         if (!isOn)
             result.options.insert(result.options.end(), {name, "off"});

@@ -17,8 +17,9 @@ struct Parameter {
 
 constexpr int maxInt = std::numeric_limits<int>::max();
 
+// Never destroyed: runs may go on while the process ends.
 const std::vector<Parameter> &table() {
-    static const std::vector<Parameter> parameters = {
+    static const auto &parameters = *new std::vector<Parameter>{
         {"TimeLimit", 1e100, 0.0, 1e100},
         {"MIPGap", 1e-4, 0.0, 1e100},
         {"MIPGapAbs", 1e-10, 0.0, 1e100},

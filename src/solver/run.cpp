@@ -124,6 +124,8 @@ bool Run::progress(int where, std::vector<Datum> data) {
 }
 
 void Run::say(const char *format, ...) {
+    if (isQuiet)
+        return;
     char line[512];
     std::va_list arguments;
     va_start(arguments, format);
@@ -135,7 +137,7 @@ void Run::say(const char *format, ...) {
 
 void Run::report(int where, std::vector<Datum> data, const std::vector<double> *vector,
                  const char *text) {
-    if (!model.callback || callbackStatus || occasion.where >= 0)
+    if (!model.callback || callbackStatus || occasion.where >= 0 || isQuiet)
         return;
     data.push_back({KVX_CB_RUNTIME, elapsed()});
     occasion = {where, std::move(data), vector, text};

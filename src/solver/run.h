@@ -72,6 +72,7 @@ class Run {
     KVXmodel &model;
     KVXenv settings; // the model's parameters; a callback changes them for this run only
     Occasion occasion;
+    bool isQuiet = false;         // Nothing is logged or reported at present.
     bool isWindingUp = false;     // What is being solved must be solved to its end.
     bool hasPhases = false;       // stop(next) ends one of them
     std::vector<int> present;     // numbers of the objectives that are being optimised, of several

@@ -11,8 +11,8 @@ namespace {
 
 // What tuning changes. The model's own values come first, then those below.
 constexpr const char *names[] = {"Method", "Presolve", "Cuts", "Heuristics"};
-const std::vector<std::vector<int>> settings = {{-1, 1, 1, 1}, {0, 1, 0, 1}, {1, 1, 1, 0},
-                                                {2, 1, 0, 0},  {0, 0, 1, 1}, {1, 0, 0, 1}};
+constexpr int settings[][4] = {{-1, 1, 1, 1}, {0, 1, 0, 1}, {1, 1, 1, 0},
+                               {2, 1, 0, 0},  {0, 0, 1, 1}, {1, 0, 0, 1}};
 
 void tune(Run &run) {
     KVXmodel &model = run.model;
@@ -22,9 +22,9 @@ void tune(Run &run) {
     // Best first: by whether a limit ended the trial, and by the seconds or the gap at the limit.
     std::multimap<std::pair<bool, double>, std::vector<int>> trials;
     auto latest = trials.end();
-    for (size_t k = 0; k <= settings.size() && !run.poll(); k++) {
+    for (size_t k = 0; k <= std::size(settings) && !run.poll(); k++) {
         run.report(KVX_CB_TUNE, {{KVX_CB_TUNE_TRIAL, 1.0 * intSize(k)},
-                                 {KVX_CB_TUNE_TRIALS, 1.0 + intSize(settings.size())}});
+                                 {KVX_CB_TUNE_TRIALS, 1.0 + intSize(std::size(settings))}});
         auto inner = makeInnerModel(run.settings, model);
         inner->objectiveEnvs = model.objectiveEnvs;
         std::vector<int> values;
@@ -32,7 +32,7 @@ void tune(Run &run) {
             values.push_back(k == 0 ? intParam(model.env, names[i]) : settings[k - 1][i]);
             setParam(inner->env, names[i], values[i]);
         }
-        double share = (run.timeLimit - run.elapsed()) / (1.0 + intSize(settings.size() - k));
+        double share = (run.timeLimit - run.elapsed()) / (1.0 + intSize(std::size(settings) - k));
         int status = 0;
         if (!run.stopped())
             status = solveInside(run, *inner, std::min(share, dblParam(model.env, "TimeLimit")));

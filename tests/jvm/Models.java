@@ -14,8 +14,13 @@ final class Models {
     /** An environment that leaves the console alone. */
     static KVXEnv quietEnv() {
         KVXEnv env = KVXEnv.empty();
-        env.params().set("LogToConsole", 0);
-        env.start();
+        try {
+            env.params().set("LogToConsole", 0);
+            env.start();
+        } catch (RuntimeException | Error e) {
+            env.close();
+            throw e;
+        }
         return env;
     }
 

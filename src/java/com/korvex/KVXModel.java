@@ -458,12 +458,12 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
             return;
         try {
             if (present.hasFailed())
-                abandon();
+                abandon(present);
             else
                 callBack(present);
         } catch (Throwable t) {
             try {
-                abandon(); // First, since it takes no memory.
+                abandon(present); // First, since it takes no memory.
                 present.thrown.add(t);
             } catch (Throwable exhaustion) {
                 present.exhaustion = exhaustion; // The next callback tries again.
@@ -472,7 +472,8 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     }
 
     /** Ends the run. A solution that the callback might have refused must not become the result. */
-    private void abandon() {
+    private void abandon(Run present) {
+        present.terminated = true;
         KorvexJni.terminate(cbmodel);
         if (where == KVX.CB_MIPSOL) // Nothing satisfies 0 >= 1.
             KorvexJni.cbcutorlazy(cbdata, 0, NO_INDICES, NO_VALUES, KVX.GREATER_EQUAL, 1, 0);

@@ -67,13 +67,24 @@ final class Log {
             action.run();
         } finally {
             running.remove(model);
-            leave(run.hasTurn);
+            if (!run.isPaused)
+                leave(run.hasTurn);
         }
     }
 
-    void pause(Run run) { leave(run.hasTurn); }
+    void pause(Run run) {
+        giveBack(run.hasTurn);
+        run.isPaused = true;
+        settleIfNeeded();
+    }
 
-    void resume(Run run) { run.hasTurn = enter(run); }
+    /** If that fails, the run stays paused: it has nothing to give back. */
+    void resume(Run run) {
+        if (!run.isPaused)
+            return;
+        run.hasTurn = enter(run);
+        run.isPaused = false;
+    }
 
     /**
      * Waits for the turn and binds the log to this thread. Returns false, without the turn, if
@@ -122,11 +133,19 @@ final class Log {
     }
 
     private void leave(boolean hasTurn) {
+        giveBack(hasTurn);
+        settleIfNeeded();
+    }
+
+    private void giveBack(boolean hasTurn) {
         if (hasTurn) {
             turn.unlock();
         } else {
             synchronized (this) { withoutTurn--; }
         }
+    }
+
+    private void settleIfNeeded() {
         if (consumer == null ? bound != null : bound == null)
             settle();
     }

@@ -15,6 +15,8 @@ final class Run {
 
     /** Whether it has the log's turn; of its own thread. */
     boolean hasTurn;
+    /** Whether it has given back the turn, or its want of one, for the length of a callback. */
+    boolean isPaused;
 
     /** Guarded by the model. */
     boolean over;

@@ -12,7 +12,15 @@ final class Thrown {
         if (first == null)
             first = throwable;
         else if (first != throwable)
+            suppress(throwable);
+    }
+
+    private void suppress(Throwable throwable) {
+        try {
             first.addSuppressed(throwable);
+        } catch (VirtualMachineError e) {
+            // No memory or stack is left for more than the first.
+        }
     }
 
     synchronized boolean pending() { return first != null; }
