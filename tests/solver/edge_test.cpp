@@ -58,7 +58,8 @@ TEST(Edge, VerdictsThatAreEasilyMissed) {
     std::vector<Verdict> cases = {
         {semi, "Presolve", 1, KVX_STATUS_OPTIMAL, 3},
         {free, "Presolve", 0, KVX_STATUS_OPTIMAL, -124},
-        {large('C', 1, inf, 1, 1e19), "Presolve", 1, KVX_STATUS_OPTIMAL},
+        {large('C', 1, inf, 1, 1e14), "Presolve", 1, KVX_STATUS_OPTIMAL},
+        {large('C', 1, 1, 1e-300, 1), "Presolve", 1, KVX_ERROR_NOT_SUPPORTED},
         {large('I', 1, 1e14, 1, 1e14), "Presolve", 1, KVX_STATUS_OPTIMAL},
         {large('C', 1e30, 1, 1, 1), "Presolve", 1, KVX_ERROR_NOT_SUPPORTED},
         {large('C', 1, 1, 1e26, 1), "Presolve", 1, KVX_ERROR_NOT_SUPPORTED},
