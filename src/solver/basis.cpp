@@ -1,4 +1,5 @@
 // Linear systems with the basis matrix of a solved linear model.
+#include "assertion.h"
 #include "input.h"
 
 #include <CoinFactorization.hpp>
@@ -6,6 +7,7 @@
 
 #include <cmath>
 #include <numeric>
+#include <utility>
 
 using namespace korvex;
 
@@ -30,8 +32,11 @@ struct korvex::Basis {
         constexpr int outOfMemory = -99; // for which more can be asked
         int status = rows > 0 ? outOfMemory : 0;
         for (double area = 1; status == outOfMemory && area < 1e3; area *= 2) {
-            factorization.areaFactor(area);
-            status = factorization.factorize(matrix, rowPosition.data(), position.data());
+            factorization->areaFactor(area);
+            auto factorize = [&] {
+                status = factorization->factorize(matrix, rowPosition.data(), position.data());
+            };
+            protect(factorize, factorization);
         }
         auto isBasic = [](int place) { return place >= 0; };
         if (status != 0 || std::count_if(position.begin(), position.end(), isBasic) != rows)
@@ -51,17 +56,18 @@ struct korvex::Basis {
         vector.reserve(rows);
         for (auto [index, value] : b)
             vector.quickInsert(index, value);
-        if (transposed)
-            factorization.updateColumnTranspose(&work, &vector);
-        else
-            factorization.updateColumn(&work, &vector);
+        auto update = [&] {
+            transposed ? factorization->updateColumnTranspose(&work, &vector)
+                       : factorization->updateColumn(&work, &vector);
+        };
+        protect(update, factorization);
         return {vector.denseVector(), vector.denseVector() + rows};
     }
 
     const int rows;
     CoinPackedMatrix matrix; // by columns, those of the logicals behind those of the variables
     std::vector<int> head;   // the basic column of each position
-    CoinFactorization factorization;
+    std::unique_ptr<CoinFactorization> factorization = std::make_unique<CoinFactorization>();
 };
 
 namespace {
@@ -71,9 +77,11 @@ template <class Use>
 int withBasis(KVXmodel *model, Use use) {
     return guardedRead(model, [&] {
         refuseDuringRun(*model);
-        if (!model->basis)
-            model->basis = std::make_shared<Basis>(*model);
-        use(*model->basis);
+        auto basis = std::exchange(model->basis, nullptr);
+        if (!basis)
+            basis = std::make_shared<Basis>(*model);
+        use(*basis);
+        model->basis = std::move(basis);
     });
 }
 

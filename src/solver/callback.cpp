@@ -1,7 +1,7 @@
 // What a callback can ask a run for and tell it.
 #include "input.h"
+#include "optimize.h"
 #include "params.h"
-#include "run.h"
 
 using namespace korvex;
 
@@ -56,6 +56,11 @@ Constraint readRow(const Run &run, int length, const int *ind, const double *val
     Constraint row;
     std::tie(row.lower, row.upper, row.sense) = sidesOf(sense, rhs, 0).tuple();
     row.row = readList(length, ind, val, run.model.vars.size(), "variable");
+    if (std::abs(rhs) < KVX_INFINITY && !isSolvable(rhs))
+        refuseNumber(rhs, "the right-hand side");
+    for (auto [var, value] : row.row)
+        if (!isSolvable(value))
+            refuseNumber(value, "the coefficient of " + run.model.vars[at(var)].name);
     return row;
 }
 

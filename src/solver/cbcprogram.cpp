@@ -1,5 +1,7 @@
 #include "cbcprogram.h"
 
+#include "assertion.h"
+
 #include <CbcSolver.hpp>
 
 #include <mutex>
@@ -22,6 +24,7 @@ struct Conduct {
 
     // Returns whether the program ends.
     static int stage(CbcModel *model, int number) {
+        CalledByCoin here;
         enum { isRelaxed = 1, isPreprocessed, beforeSearch, afterSearch, isPostprocessed };
         Conduct &conduct = *static_cast<Conduct *>(model->getApplicationData());
         switch (number) {
@@ -49,21 +52,25 @@ struct Conduct {
 
 } // namespace
 
-CbcProgram::Result CbcProgram::conduct(CbcModel &model) {
+CbcProgram::Result CbcProgram::conduct(std::unique_ptr<CbcModel> &model) {
     Conduct conduct(*this);
-    CbcSolverUsefulData data;
-    data.useSignalHandler_ = false;
-    data.noPrinting_ = true;
-    model.setApplicationData(&conduct);
-    CbcMain0(model, data);
+    auto data = std::make_unique<CbcSolverUsefulData>();
+    data->useSignalHandler_ = false;
+    data->noPrinting_ = true;
+    model->setApplicationData(&conduct);
     std::vector<const char *> arguments = options;
     arguments.insert(arguments.begin(), "cbc");
     arguments.insert(arguments.end(), {"-solve", "-quit"});
-    CbcMain1(static_cast<int>(arguments.size()), arguments.data(), model, Conduct::stage, data);
+    const int count = static_cast<int>(arguments.size());
+    auto solve = [&] {
+        CbcMain0(*model, *data);
+        CbcMain1(count, arguments.data(), *model, Conduct::stage, *data);
+    };
+    protect(solve, model, data);
     constexpr int seenInfeasible = 1;
-    return conduct.isDone                                                     ? searched
-           : model.status() == 0 && model.secondaryStatus() == seenInfeasible ? infeasible
-                                                                              : failed;
+    return conduct.isDone                                                       ? searched
+           : model->status() == 0 && model->secondaryStatus() == seenInfeasible ? infeasible
+                                                                                : failed;
 }
 
 } // namespace korvex

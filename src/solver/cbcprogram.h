@@ -5,6 +5,7 @@
 #include <CbcModel.hpp>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -23,7 +24,7 @@ struct CbcProgram {
 
     enum Result { searched, infeasible, failed };
     // infeasible: the program saw before the search that there are no solutions.
-    Result conduct(CbcModel &model);
+    Result conduct(std::unique_ptr<CbcModel> &model);
 };
 
 } // namespace korvex

@@ -1,4 +1,5 @@
 // Derived models: each is made as data first and becomes a model of its own.
+#include "assertion.h"
 #include "input.h"
 #include "optimize.h"
 
@@ -70,21 +71,23 @@ ModelData presolved(const KVXmodel &model) {
     refuseUnlessLinear(model, "CBI", "presolve");
     const Problem problem(model);
     problem.checkNumbers(model);
-    ClpSimplex lp;
+    auto owner = std::make_unique<ClpSimplex>();
+    ClpSimplex &lp = *owner;
     problem.load(lp);
     lp.scaling(0);
     std::fill_n(lp.objective(), problem.cost.size(), 0.0);
-    lp.primal();
+    protect([&] { lp.primal(); }, owner);
     if (lp.status() != 0 || model.vars.empty() || model.constrs.empty())
         return model;
     problem.load(lp);
     for (size_t j = 0; j < problem.integer.size(); j++)
         if (problem.integer[j])
             lp.setInteger(intSize(j));
-    ClpPresolve presolve;
-    presolve.setDoDual(false);
-    presolve.setDoImpliedFree(false);
-    std::unique_ptr<ClpSimplex> smaller(presolve.presolvedModel(lp, 1e-8, true));
+    auto presolve = std::make_unique<ClpPresolve>();
+    presolve->setDoDual(false);
+    presolve->setDoImpliedFree(false);
+    std::unique_ptr<ClpSimplex> smaller;
+    protect([&] { smaller.reset(presolve->presolvedModel(lp, 1e-8, true)); }, presolve, owner);
     if (!smaller)
         return model;
     ModelData data;

@@ -1,4 +1,5 @@
 // Mixed-integer models: starts, the search by Cbc, and what the callback has a say in.
+#include "assertion.h"
 #include "cbcprogram.h"
 #include "guard.h"
 #include "optimize.h"
@@ -55,6 +56,7 @@ struct TreeWatch : CbcEventHandler {
     TreeWatch(Mip &mip, const CbcModel *whole) : mip(mip), whole(whole) {}
     using CbcEventHandler::event;
     CbcAction event(CbcEvent event) override {
+        CalledByCoin here;
         if (model_ == whole)
             mip.follow(*model_, event);
         return mip.run.poll() && !mip.run.isWindingUp ? stop : noAction;
@@ -69,6 +71,7 @@ struct TreeWatch : CbcEventHandler {
 struct NodeWatch : CglCutGenerator {
     explicit NodeWatch(Mip &mip) : mip(mip) {}
     void generateCuts(const OsiSolverInterface &solver, OsiCuts &cuts, const CglTreeInfo) override {
+        CalledByCoin here;
         if (solver.getNumCols() == intSize(mip.problem.cost.size()))
             mip.node(solver.getColSolution(), cuts);
     }
@@ -152,7 +155,8 @@ bool Mip::complete(std::vector<double> &x, double &objective) {
 }
 
 bool Mip::solveRest(std::vector<double> &x) {
-    ClpSimplex lp;
+    auto owner = std::make_unique<ClpSimplex>();
+    ClpSimplex &lp = *owner;
     problem.load(lp);
     SimplexWatch watch(run, false);
     lp.passInEventHandler(&watch);
@@ -161,7 +165,7 @@ bool Mip::solveRest(std::vector<double> &x) {
             x[j] = std::clamp(x[j], problem.lower[j], problem.upper[j]);
             lp.setColumnBounds(intSize(j), x[j], x[j]);
         }
-    lp.dual();
+    protect([&] { lp.dual(); }, owner);
     if (lp.status() != 0)
         return false;
     x.assign(lp.primalColumnSolution(), lp.primalColumnSolution() + x.size());
@@ -169,9 +173,9 @@ bool Mip::solveRest(std::vector<double> &x) {
         return true;
     OsiClpSolverInterface solver(&lp);
     markIntegers(solver);
-    CbcModel cbc(solver);
-    cbc.passInMessageHandler(&problem.silence);
-    addSets(cbc);
+    auto cbc = std::make_unique<CbcModel>(solver);
+    cbc->passInMessageHandler(&problem.silence);
+    addSets(*cbc);
     bool isFound = false;
     CbcProgram completion = program(false);
     completion.begin = [this](CbcModel &searched) {
@@ -242,8 +246,8 @@ void Mip::node(const double *relaxation, OsiCuts &cuts) {
     for (const Constraint &row : run.cuts) {
         OsiRowCut cut;
         cut.setRow(packed(row.row));
-        cut.setLb(row.lower);
-        cut.setUb(row.upper);
+        cut.setLb(bound(row.lower));
+        cut.setUb(bound(row.upper));
         cuts.insert(cut);
     }
 }
@@ -327,14 +331,14 @@ CbcProgram Mip::program(bool preprocess) const {
 // With preprocessing Cbc searches a model of other columns, whose solutions are known in the end
 // only: neither callbacks nor sets can do with that.
 int Mip::search(OsiSolverInterface &solver, bool preprocess) {
-    CbcModel cbc(solver);
-    cbc.passInMessageHandler(&problem.silence);
-    addSets(cbc);
+    auto cbc = std::make_unique<CbcModel>(solver);
+    cbc->passInMessageHandler(&problem.silence);
+    addSets(*cbc);
     isReduced = preprocess;
     remembered.clear();
     if (preprocess && !run.best.empty())
-        cbc.setBestSolution(run.best.data(), intSize(run.best.size()),
-                            run.sense * run.bestObjective);
+        cbc->setBestSolution(run.best.data(), intSize(run.best.size()),
+                             run.sense * run.bestObjective);
     const int solutions = run.solutions;
     const double bestObjective = run.bestObjective;
     int status = KVX_STATUS_NUMERIC;
@@ -392,8 +396,7 @@ int Mip::verdict(const CbcModel &cbc) {
 }
 
 int Mip::solveOnce() {
-    ClpSimplex lp;
-    Outcome relaxation = solveLp(run, problem, lp);
+    Outcome relaxation = solveLp(run, problem);
     if (relaxation.status == KVX_STATUS_UNBOUNDED) {
         if (!problem.sets.empty()) // A ray of the relaxation may break a set and proves nothing.
             fail(KVX_ERROR_NOT_SUPPORTED, "the model's relaxation is unbounded: with sets, or what "

@@ -12,8 +12,9 @@ namespace {
 
 constexpr double integerTolerance = 1e-9; // of an integer variable's bounds
 
-// COIN's solvers end the process, by assertions, when numbers are a good deal larger than these.
-constexpr double largestNumber = 1e15, largestInteger = 1e15, smallestNumber = 1e-20;
+// COIN's solvers assert what doesn't hold for a good deal larger numbers, or for quotients by
+// smaller ones.
+constexpr double largestNumber = 1e15, smallestNumber = 1e-20;
 
 double excess(double value, double lower, double upper) {
     double below = (lower - value) / std::max(1.0, std::abs(lower));
@@ -124,35 +125,37 @@ Problem::Problem(const ModelData &model)
     matrix.setDimensions(intSize(rowLower.size()), intSize(cost.size()));
 }
 
+bool isSolvable(double value) {
+    const double size = std::abs(value);
+    return size == 0 || (size >= smallestNumber && size <= largestNumber);
+}
+
+void refuseNumber(double value, const std::string &what) {
+    fail(KVX_ERROR_NOT_SUPPORTED,
+         "%s is %s: only numbers up to %s, and from %s on or 0, can be solved", what.c_str(),
+         toText(value).c_str(), toText(largestNumber).c_str(), toText(smallestNumber).c_str());
+}
+
 void Problem::checkNumbers(const ModelData &model) const {
-    auto check = [](double value, double most, const char *what, const auto &elements, size_t k) {
-        // Clp divides by the small ones, and asserts that what comes out is a number.
-        const double size = std::abs(value);
-        if (size <= most && (size >= smallestNumber || size == 0))
-            return;
-        std::string name = k < elements.size() ? elements[k].name : "a reformulation's element";
-        fail(KVX_ERROR_NOT_SUPPORTED,
-             "%s of %s is %s: only numbers up to %s, and from %s on or 0, can be solved", what,
-             name.c_str(), toText(value).c_str(), toText(most).c_str(),
-             toText(smallestNumber).c_str());
+    auto check = [](double value, const char *what, const auto &elements, size_t k) {
+        if (!isSolvable(value))
+            refuseNumber(value, what + (k < elements.size() ? " of " + elements[k].name
+                                                            : " of a reformulation's element"));
     };
     auto finite = [](double bound) { return std::abs(bound) == COIN_DBL_MAX ? 0 : bound; };
-    const bool hasIntegers = std::count(integer.begin(), integer.end(), true) > 0;
-    if (std::abs(constant) > largestNumber)
-        fail(KVX_ERROR_NOT_SUPPORTED,
-             "the objective's constant is %s: only numbers up to %s can be solved",
-             toText(constant).c_str(), toText(largestNumber).c_str());
+    if (!isSolvable(constant))
+        refuseNumber(constant, "the objective's constant");
     for (size_t j = 0; j < cost.size(); j++) {
-        check(cost[j], largestNumber, "the cost", model.vars, j);
+        check(cost[j], "the cost", model.vars, j);
         for (double bound : {finite(lower[j]), finite(upper[j])})
-            check(bound, integer[j] ? largestInteger : largestNumber, "a bound", model.vars, j);
+            check(bound, "a bound", model.vars, j);
     }
     for (size_t i = 0; i < rowLower.size(); i++)
         for (double side : {finite(rowLower[i]), finite(rowUpper[i])})
-            check(side, hasIntegers ? largestInteger : largestNumber, "a side", model.constrs, i);
+            check(side, "a side", model.constrs, i);
     for (int j = 0; j < matrix.getNumCols(); j++)
         for (auto k = matrix.getVectorFirst(j); k < matrix.getVectorLast(j); k++)
-            check(matrix.getElements()[k], largestNumber, "a coefficient", model.constrs,
+            check(matrix.getElements()[k], "a coefficient", model.constrs,
                   at(matrix.getIndices()[k]));
 }
 
@@ -230,8 +233,7 @@ Outcome solveProblem(Run &run, const Problem &problem) {
     } else if (problem.isMip) {
         outcome = solveMip(run, problem);
     } else {
-        ClpSimplex lp;
-        outcome = solveLp(run, problem, lp);
+        outcome = solveLp(run, problem);
         if (!outcome.x.empty()) {
             run.best = outcome.x;
             run.bestObjective = run.bound = outcome.objective;

@@ -31,7 +31,7 @@ ModelData reformulated(const KVXmodel &model);
 struct Problem {
     explicit Problem(const ModelData &model);
 
-    // Refuses numbers that are too large for COIN's solvers. The model tells names.
+    // Refuses numbers that COIN's solvers can't work with. The model tells names.
     void checkNumbers(const ModelData &model) const;
 
     void load(ClpSimplex &lp) const;
@@ -64,6 +64,10 @@ struct Problem {
 // A bound or side as COIN's solvers take it.
 double bound(double value);
 
+// Whether COIN's solvers can work with a finite number.
+bool isSolvable(double value);
+[[noreturn]] void refuseNumber(double value, const std::string &what);
+
 CoinPackedVector packed(const std::vector<Entry> &entries);
 
 // How far a point violates a row, relative to the size of the side that it violates.
@@ -89,8 +93,8 @@ struct SimplexWatch : ClpEventHandler {
     bool itself;
 };
 
-// Solves the problem without its integrality; lp is left as it was solved.
-Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp);
+// Solves the problem without its integrality.
+Outcome solveLp(Run &run, const Problem &problem);
 
 Outcome solveMip(Run &run, const Problem &problem);
 

@@ -1,6 +1,7 @@
 // Linear models, by Clp.
 #include "optimize.h"
 
+#include "assertion.h"
 #include "params.h"
 
 #include <ClpSolve.hpp>
@@ -10,6 +11,7 @@
 namespace korvex {
 
 int SimplexWatch::event(Event event) {
+    CalledByCoin here;
     if (!itself || !model_) // The barrier method has no simplex model.
         return run.poll() && !run.isWindingUp ? 0 : -1;
     if (event == presolveSize) {
@@ -115,7 +117,7 @@ int basisStatus(ClpSimplex::Status status, double value, double lower, double up
 
 } // namespace
 
-Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
+Outcome solveLp(Run &run, const Problem &problem) {
     const size_t columns = problem.cost.size();
     Outcome outcome;
     for (size_t j = 0; j < columns; j++)
@@ -123,13 +125,15 @@ Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
             outcome.status = KVX_STATUS_INFEASIBLE;
             return outcome;
         }
+    auto owner = std::make_unique<ClpSimplex>();
+    ClpSimplex &lp = *owner;
     problem.load(lp);
     lp.setPrimalTolerance(dblParam(run.settings, "FeasibilityTol"));
     lp.setDualTolerance(dblParam(run.settings, "OptimalityTol"));
     lp.setRandomSeed(1 + intParam(run.settings, "Seed") % 1000000);
     SimplexWatch watch(run, true);
     lp.passInEventHandler(&watch);
-    solve(lp, run, problem);
+    protect([&] { solve(lp, run, problem); }, owner);
     auto isSettled = [&] {
         outcome.x.assign(lp.primalColumnSolution(), lp.primalColumnSolution() + columns);
         return lp.status() == optimal && problem.violation(outcome.x) <= run.tolerance() &&
@@ -137,7 +141,7 @@ Outcome solveLp(Run &run, const Problem &problem, ClpSimplex &lp) {
     };
     // What they find may also be off by more than the tolerance once it is scaled back.
     if (!isSettled() && !run.stopped())
-        solvePlainly(lp, run, problem);
+        protect([&] { solvePlainly(lp, run, problem); }, owner);
     run.earlierIterations = run.iterations =
         std::max(run.iterations, run.earlierIterations + lp.numberIterations());
     if (!isSettled()) {
