@@ -4,6 +4,7 @@
 
 #include <CbcSolver.hpp>
 
+#include <chrono>
 #include <mutex>
 
 namespace korvex {
@@ -12,15 +13,24 @@ namespace {
 // The program reads its command line by way of variables that all threads share, so one at a time
 // does that. It is left after the search, before it reads on; only when it sees early that there
 // are no solutions it reads on, to no effect.
-std::mutex commandLine;
+std::timed_mutex commandLine;
 
 struct Conduct {
     CbcProgram &program;
-    std::unique_lock<std::mutex> lock{commandLine};
+    std::unique_lock<std::timed_mutex> lock{commandLine, std::defer_lock};
     bool isDone = false;
 
-    explicit Conduct(CbcProgram &program) : program(program) { program.holdUp(true); }
+    explicit Conduct(CbcProgram &program) : program(program) {}
     ~Conduct() { program.holdUp(false); }
+
+    // Returns whether it is this program's turn.
+    bool begin() {
+        while (!lock.try_lock_for(std::chrono::milliseconds(10)))
+            if (program.isToEnd())
+                return false;
+        program.holdUp(true);
+        return true;
+    }
 
     // Returns whether the program ends.
     static int stage(CbcModel *model, int number) {
@@ -54,6 +64,8 @@ struct Conduct {
 
 CbcProgram::Result CbcProgram::conduct(std::unique_ptr<CbcModel> &model) {
     Conduct conduct(*this);
+    if (!conduct.begin())
+        return failed;
     auto data = std::make_unique<CbcSolverUsefulData>();
     data->useSignalHandler_ = false;
     data->noPrinting_ = true;

@@ -18,6 +18,8 @@ struct CbcProgram {
     // model in terms of the original columns; between them, when the search is over.
     std::function<void(CbcModel &)> begin, end;
     std::function<void()> afterSearch = [] {};
+    // Called every now and then while another thread's program holds this one up; true ends it.
+    std::function<bool()> isToEnd = [] { return false; };
     // Called with true when other threads' programs begin to wait for this one, and with false when
     // they go on. In between nobody may be called who might wait for such a thread.
     std::function<void(bool)> holdUp = [](bool) {};

@@ -317,6 +317,7 @@ void Mip::addSets(CbcModel &cbc) const {
 
 CbcProgram Mip::program(bool preprocess) const {
     CbcProgram result;
+    result.isToEnd = [this] { return run.poll(); };
     result.holdUp = [this](bool isHeldUp) { run.isQuiet = isHeldUp; };
     auto option = [&](const char *name, bool isOn) {
         if (!isOn)

@@ -50,8 +50,6 @@ final class Hostile {
                                              1e-300,
                                              2147483648.0,
                                              1e9};
-    /** Leaves out numbers that the mathematics may choke on. */
-    private static final boolean TAME = Boolean.getBoolean("korvex.tame");
     private static final String CHARS = "<>=CBISN\0\uffff\ud800\u0142 1";
 
     private final Fuzz.World world;
@@ -115,9 +113,7 @@ final class Hostile {
     }
 
     private double number() {
-        double value = once(6) ? DOUBLES[random.nextInt(DOUBLES.length)] : random.nextInt(21) - 10;
-        double size = Math.abs(value);
-        return TAME && (size > 1e9 && size < 1e100 || size > 0 && size < 1e-9) ? 1e9 : value;
+        return once(6) ? DOUBLES[random.nextInt(DOUBLES.length)] : random.nextInt(21) - 10;
     }
 
     private String text() {

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <thread>
 
+#include <unistd.h>
+
 namespace {
 
 struct Watch {
@@ -146,6 +148,41 @@ TEST(Run, SeveralAtOnceDontDisturbEachOther) {
     for (std::thread &thread : threads)
         thread.join();
     EXPECT_EQ(alone, together);
+}
+
+int solveOthers() {
+    auto solve = [] {
+        Env env;
+        EXPECT_EQ(-1, solved(Data{{-1}, {0}, {1}, "I", {{{2}, 0, 3}}}.build(env)).second);
+    };
+    solve();
+    std::thread(solve).join();
+    return 0;
+}
+
+// Cbc's programs read their command lines one after another, relaxations included: one that is
+// called meanwhile must not wait for another.
+TEST(Run, CallsNobodyWhoWaitsForAnotherRun) {
+    alarm(30);
+    Env env;
+    Random random(1);
+    Data large{{}, {}, {}, std::string(800, 'I'), std::vector<Row>(500, Row{{}, -inf, 1e5})};
+    for (int j = 0; j < 800; j++) {
+        large.obj.push_back(-random(100, 200));
+        for (Row &row : large.rows)
+            row.val.push_back(random(1, 99));
+    }
+    Model model = large.build(env);
+    KVXsetdblparam(KVXgetenv(model.get()), "LogInterval", 0.1);
+    KVXsetdblparam(KVXgetenv(model.get()), "TimeLimit", 2);
+    KVXsetlogcallbackfuncenv(
+        KVXgetenv(model.get()), [](const char *, void *) { return solveOthers(); }, nullptr);
+    auto poll = [](KVXmodel *, void *, int where, void *) {
+        return where == KVX_CB_POLLING ? solveOthers() : 0;
+    };
+    MUST(model, KVXsetcallbackfunc(model.get(), poll, nullptr));
+    EXPECT_EQ(KVX_STATUS_TIME_LIMIT, solved(model).first);
+    alarm(0);
 }
 
 } // namespace
