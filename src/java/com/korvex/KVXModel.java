@@ -30,6 +30,11 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     /** The empty row of {@link #abandon}, made while there is memory. */
     private static final int[] NO_INDICES = {};
     private static final double[] NO_VALUES = {};
+    static {
+        // What abandon calls is linked now: the first call of a native takes memory.
+        KorvexJni.terminate(0);
+        KorvexJni.cbcutorlazy(0, 0, NO_INDICES, NO_VALUES, KVX.GREATER_EQUAL, 1, 0);
+    }
 
     private volatile KVXCallback callback;
 
