@@ -9,6 +9,7 @@ import java.util.List;
 import java.util.regex.*;
 import java.util.stream.*;
 import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.io.TempDir;
 import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.MethodSource;
 
@@ -138,7 +139,7 @@ class AttributeTest extends EnvCase {
     }
 
     @Test
-    void parameters() {
+    void parameters(@TempDir Path directory) {
         String name = "/tmp/"
                       + "long".repeat(200) + "\u00e9"; // needs more than one buffer
         KVXParams params = env.params();
@@ -150,11 +151,19 @@ class AttributeTest extends EnvCase {
         KVXException refused = assertThrows(KVXException.class, () -> params.set("Threads", -1));
         assertEquals(KVX.ERROR_VALUE_OUT_OF_RANGE, refused.status());
         assertTrue(refused.getMessage().contains("Threads"), refused::getMessage);
-        assertEquals(3, params.intInfo("Threads").value());
+        assertEquals("3 12.5", params.intInfo("Threads").value() + " " +
+                                   params.doubleInfo("TimeLimit").value());
         String cut = params.stringInfo("ResultFile").value();
         assertTrue(name.startsWith(cut) && cut.length() > 500, cut);
+        String file = directory.resolve("some.prm").toString();
+        params.write(file);
         params.reset();
         assertEquals("", params.getString("ResultFile"));
+        params.read(file);
+        assertEquals(3, params.getInt("Threads"));
+        String log = directory.resolve("nowhere/log").toString();
+        refused = assertThrows(KVXException.class, () -> new KVXEnv(log));
+        assertTrue(refused.getMessage().contains(log), refused::getMessage);
     }
 
     @Test

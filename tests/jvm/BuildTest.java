@@ -145,6 +145,7 @@ class BuildTest extends EnvCase {
         assertEquals(5, model.getInt(KVXAttribute.NUM_NZS));
         assertEquals("3 0", model.variables().indexOf("z") + " " + rows.indexOf("top"));
         Models.fails(KVX.ERROR_NOT_FOUND, () -> rows.indexOf("z"));
+        assertEquals(new SparseVector(ints(0), 4), rows.rows(1, 2).list(1));
         Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> rows.rows(1, 3));
         // A variable with coefficients in rows that there are, one without any, and a row likewise.
         assertEquals(4, model.variables().add(Columns.of(0, 1).coefficients(SparseMatrix.of(
@@ -152,7 +153,9 @@ class BuildTest extends EnvCase {
         assertEquals(matrix(ints(0, 2), ints(1, 2), 2, 3), model.variables().columns(4, 2));
         assertEquals(3, rows.add(Rows.of(null, new char[] {'='}, 0)));
         assertEquals(0, rows.row(3).size());
-        assertEquals(vector(1, 3, 3, 1), new SparseVector(ints(3, 1, 2, 1), 1, 2, 0, 1).cleaned());
+        SparseVector untidy = new SparseVector(ints(3, 1, 2, 1), 1, 2, 0, 1);
+        assertEquals(vector(1, 3, 3, 1), untidy.cleaned());
+        assertEquals(3, untidy.ind()[0]); // it stays as it was
         assertEquals(new Triplets(ints(0, 1), ints(2, 0), 4, 1),
                      new Triplets(ints(1, 0, 0), ints(0, 2, 2), 1, 1, 3).cleaned());
     }
@@ -160,9 +163,12 @@ class BuildTest extends EnvCase {
     @Test
     void deletionRenumbers() {
         GeneralConstraints general = model.generalConstraints();
-        general.add(GeneralConstraint.sin(0, 3), null, "way=1");
-        assertEquals("way=1", model.getString(KVXAttribute.GEN_CONSTR_OPTIONS, 0));
-        general.delete(0);
+        for (GeneralConstraint curve : List.of(GeneralConstraint.sin(0, 3),
+                                               GeneralConstraint.exp(0, 3))) {
+            general.add(curve, null, "way=1");
+            assertEquals("way=1", model.getString(KVXAttribute.GEN_CONSTR_OPTIONS, 0));
+            general.delete(0);
+        }
         for (String name : new String[] {"first", "second"})
             general.add(GeneralConstraint.abs(0, 3), name);
         general.delete(0);
@@ -319,6 +325,7 @@ class BuildTest extends EnvCase {
         wrong("U+0000", () -> model.variables().add(0, 1, 1, 'C', "a\0b"));
         wrong("U+0000", () -> model.set("VarName", 0, "\0"));
         wrong("U+0000", () -> model.set("VarName", 0, new String[] {"a", "\0"}));
+        wrong("U+0000", () -> model.set("VarName", ints(0), new String[] {"\0"}));
         wrong("U+0000", () -> new KVXModel(env, "\0"));
         wrong("U+0000", () -> Goal.of(SparseVector.ones(1)).name("\0"));
         wrong("options", () -> general.add(GeneralConstraint.abs(0, 1), null, "x"));

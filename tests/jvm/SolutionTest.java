@@ -141,7 +141,12 @@ class SolutionTest extends EnvCase {
 
     @Test
     void aBatchEndsWithTheSameSolution(@TempDir Path directory) throws Exception {
-        String id = model.optimizeBatch();
+        String id = model.optimizeBatch(), objective = "\"objective\": 1073.18";
+        assertTrue(model.jsonSolution().contains(objective));
+        String start = directory.resolve("bakery.mst").toString();
+        model.write(start);
+        model.read(start);
+        assertArrayEquals(model.getDoubles("X"), model.getDoubles("Start"));
         Path file = directory.resolve("batch.json");
         try (KVXBatch batch = new KVXBatch(env, id)) {
             while (batch.getInt("BatchStatus") != KVX.BATCH_COMPLETED) {
@@ -149,11 +154,27 @@ class SolutionTest extends EnvCase {
                 batch.update();
             }
             assertEquals(id, batch.getString("BatchID"));
-            assertTrue(batch.jsonSolution().contains("\"objective\": 1073.18"));
+            assertTrue(batch.jsonSolution().contains(objective));
             batch.writeJsonSolution(file.toString());
             assertEquals(batch.jsonSolution(), Files.readString(file));
             batch.discard();
         }
         Models.fails(KVX.ERROR_NOT_FOUND, () -> new KVXBatch(env, id));
+    }
+
+    @Test
+    void aBatchIsAbortedAndTriedAgain() {
+        try (KVXModel split = endless(); KVXBatch batch = new KVXBatch(env, split.optimizeBatch())) {
+            for (int round = 0; round < 2; round++) {
+                batch.abort();
+                batch.update();
+                assertEquals(KVX.BATCH_ABORTED, batch.getInt("BatchStatus"));
+                batch.retry();
+                batch.update();
+                assertEquals(KVX.BATCH_RUNNING, batch.getInt("BatchStatus"));
+            }
+            batch.abort();
+            batch.discard();
+        }
     }
 }
