@@ -163,8 +163,8 @@ class BuildTest extends EnvCase {
     @Test
     void deletionRenumbers() {
         GeneralConstraints general = model.generalConstraints();
-        for (GeneralConstraint curve : List.of(GeneralConstraint.sin(0, 3),
-                                               GeneralConstraint.exp(0, 3))) {
+        for (GeneralConstraint curve :
+             List.of(GeneralConstraint.sin(0, 3), GeneralConstraint.exp(0, 3))) {
             general.add(curve, null, "way=1");
             assertEquals("way=1", model.getString(KVXAttribute.GEN_CONSTR_OPTIONS, 0));
             general.delete(0);

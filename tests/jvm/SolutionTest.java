@@ -143,7 +143,7 @@ class SolutionTest extends EnvCase {
     void aBatchEndsWithTheSameSolution(@TempDir Path directory) throws Exception {
         String id = model.optimizeBatch(), objective = "\"objective\": 1073.18";
         assertTrue(model.jsonSolution().contains(objective));
-        String start = directory.resolve("bakery.mst").toString();
+        String start = directory.resolve("bakery.sol").toString();
         model.write(start);
         model.read(start);
         assertArrayEquals(model.getDoubles("X"), model.getDoubles("Start"));
@@ -164,7 +164,8 @@ class SolutionTest extends EnvCase {
 
     @Test
     void aBatchIsAbortedAndTriedAgain() {
-        try (KVXModel split = endless(); KVXBatch batch = new KVXBatch(env, split.optimizeBatch())) {
+        try (KVXModel split = endless();
+             KVXBatch batch = new KVXBatch(env, split.optimizeBatch())) {
             for (int round = 0; round < 2; round++) {
                 batch.abort();
                 batch.update();

@@ -39,7 +39,8 @@ class SolveTest {
                 Launch run = Launch.java("Solve", args);
                 assertEquals(row[0] + " " + row[1], run.status() + " " + run.value("Status"));
                 assertEquals("", run.err());
-                assertEquals(row[0].equals("3"), run.value("Objective").equals("-"));
+                if (!row[1].equals("time_limit")) // then it depends on the machine
+                    assertEquals(row[0].equals("3"), run.value("Objective").equals("-"));
                 if (row[1].equals("optimal"))
                     assertEquals(1073.1891891891892, Double.parseDouble(run.value("Objective")),
                                  1e-6);
@@ -124,13 +125,17 @@ class SolveTest {
     @Test
     void anInterruptionStillReports() throws Exception {
         for (String mode : List.of("--async", "--log")) {
-            Launch run =
-                Launch.of(Launch.javaCommand(Launch.LIB, "Solve", mode), (process, out) -> {
+            Launch run = null; // later and later, until there is a solution to report
+            for (int wait = 500; run == null || run.value("Objective").equals("-"); wait *= 2) {
+                assertTrue(wait < 20_000, "no solution in time");
+                int pause = wait;
+                run = Launch.of(Launch.javaCommand(Launch.LIB, "Solve", mode), (process, out) -> {
                     while (!Files.readString(out).contains("Model:"))
                         Thread.sleep(20);
-                    Thread.sleep(1500); // enough for a first solution
+                    Thread.sleep(pause);
                     Launch.of("sh", "-c", "kill -INT " + process.pid());
                 });
+            }
             assertEquals("4 interrupted", run.status() + " " + run.value("Status"));
             double objective = Double.parseDouble(run.value("Objective"));
             assertTrue(objective >= 7830.925 && objective < 12000, run.value("Objective"));

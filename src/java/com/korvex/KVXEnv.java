@@ -9,7 +9,8 @@ import java.util.function.Consumer;
  * that uses it is closed, too. A use after that throws {@link IllegalStateException}.
  *
  * <p><b>Threads.</b> Any thread may use an environment: it waits while another one does, which is
- * never for the length of a run. Runs of different models go on at once.
+ * never for the length of a run, but for that of reading or deriving a model. Runs of different
+ * models go on at once.
  *
  * <p><b>The log and threads.</b> Lines reach the consumer of {@link #setLog} from the thread that
  * makes them: the Java thread whose call logs, or a thread of the solver's own. The native binding
@@ -18,7 +19,11 @@ import java.util.function.Consumer;
  * others have their turn during its callbacks, of which the solver makes some even if there is no
  * {@link KVXCallback}. Use an environment a thread where runs that log are to go on at full speed
  * side by side. Set the consumer before a run begins: one that is set while runs go on that had
- * none gets lines once all of these have ended or come to a callback.
+ * none gets lines once all of these have ended or come to a callback. Reading and deriving models
+ * and
+ * {@link KVXModel#relaxFeasibility} have the turn, the first two the environment, too, from
+ * beginning to end. A virtual thread that has to wait for a model inside such a call may lose that
+ * call's lines; its runs lose none.
  */
 public final class KVXEnv implements AutoCloseable {
     final Handle handle;
@@ -136,8 +141,9 @@ public final class KVXEnv implements AutoCloseable {
      * Sends the log's lines to a consumer, or to none. When this returns, the former consumer isn't
      * at work on another thread and gets no more lines. If a consumer throws, the runs that are
      * going on in this environment are terminated and throw on what it threw, or else the call that
-     * logged does; it gets no more lines of that run. While it is at work, everything that may log
-     * or would have to wait for another thread throws {@link IllegalStateException}.
+     * logged does (not one of {@link KorvexJni}); it gets no more lines of that run. While it is at
+     * work, everything that may log or would have to wait for another thread throws {@link
+     * IllegalStateException}.
      *
      * @param consumer receives each line without its line feed, one at a time; null for none
      * @throws IllegalStateException inside a log's consumer, and inside a callback on a thread of

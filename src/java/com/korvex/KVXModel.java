@@ -277,7 +277,7 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     private void run(Driver driver) {
         Run run = begin(Thread.currentThread());
         conduct(run, driver);
-        run.thrown.rethrow();
+        run.rethrow();
     }
 
     /**
@@ -287,14 +287,14 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      * @throws KVXException if the solver fails
      */
     public void optimizeAsync() {
-        Thread thread = new Thread(
-            ()
-                -> conduct(run,
-                           (model, useCallback,
-                            error) -> jnioptimize(model, useCallback, 0, null, error, 0)),
-            "korvex-run-" + THREADS.incrementAndGet());
+        Run[] begun = new Run[1];
+        Driver driver =
+            (model, useCallback, error) -> jnioptimize(model, useCallback, 0, null, error, 0);
+        Thread thread =
+            new Thread(() -> conduct(begun[0], driver), "korvex-run-" + THREADS.incrementAndGet());
         thread.setDaemon(true);
         Run run = begin(thread);
+        begun[0] = run;
         try {
             thread.start();
         } catch (Throwable t) {
@@ -316,9 +316,10 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
                 throw new IllegalStateException(
                     "a run of the model is going on, or sync hasn't waited for its end");
             check(model, KorvexJni.updatemodel(model));
-            run = new Run(thread, model, callback, count(model, "NumVars"));
+            Run begun = new Run(thread, model, callback, count(model, "NumVars"));
             handle.run(thread);
-            return run;
+            run = begun; // At last: what fails before leaves no run behind.
+            return begun;
         } catch (Throwable t) {
             handle.release();
             throw t;
@@ -328,7 +329,7 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     private void conduct(Run run, Driver driver) {
         try {
             String[] error = new String[1];
-            env.log.during(this, run, () -> {
+            env.log.during(run, () -> {
                 // The callback gives other threads their turn of the log, too.
                 boolean useCallback = run.callback != null || run.hasTurn;
                 int status = driver.run(run.model, useCallback ? 1 : 0, error);
@@ -344,8 +345,6 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
 
     /** Ends it; then an asynchronous one can be waited for. */
     void end(Run run) {
-        if (run.exhaustion != null)
-            run.thrown.add(run.exhaustion);
         if (!run.asynchronous())
             forget(run);
         handle.release();
@@ -407,7 +406,7 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
         if (interrupted)
             Thread.currentThread().interrupt();
         if (forget(run))
-            run.thrown.rethrow();
+            run.rethrow();
     }
 
     /**
@@ -439,19 +438,6 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
         } finally {
             handle.unpin();
         }
-    }
-
-    /**
-     * Ends the run that is going on because of a throwable, and keeps that for whoever waits.
-     * Returns whether a run is going on.
-     */
-    boolean fail(Throwable throwable) {
-        Run present = run;
-        if (present == null)
-            return false;
-        present.thrown.add(throwable);
-        terminate();
-        return true;
     }
 
     private boolean inCallback() { return callbackThread == Thread.currentThread(); }

@@ -18,11 +18,11 @@ final class Log {
     // Fair, so that a run doesn't take the turn again before one who waits for it.
     private final ReentrantLock turn = new ReentrantLock(true);
     private final Object delivery = new Object();
-    private final Set<KVXModel> running = ConcurrentHashMap.newKeySet();
-    private final Thrown thrown = new Thrown();
+    private final Set<Run> running = ConcurrentHashMap.newKeySet();
 
     private volatile Consumer<String> consumer;
-    private volatile boolean failed;  // the consumer has thrown
+    private boolean failed;           // the consumer has thrown; guarded by delivery
+    private volatile Thrown call;     // where what it throws goes if there is no run
     private volatile Thread bound;    // null: no record is bound
     private volatile boolean strayed; // a line has come from another thread than that
     private int withoutTurn; // threads that may log and didn't take the turn; guarded by this
@@ -47,29 +47,41 @@ final class Log {
     /** Does something that may log on this thread. */
     void during(Runnable action) {
         Inside.refuseConsumer();
+        Thrown thrown = new Thrown();
         boolean hasTurn = enter(null);
         try {
-            failed = false;
+            if (hasTurn) {
+                listenAgain();
+                call = thrown;
+            }
             action.run();
         } finally {
+            if (hasTurn)
+                call = null;
             leave(hasTurn);
         }
         thrown.rethrow();
     }
 
     /** The same for a run, which gives the turn back in between. */
-    void during(KVXModel model, Run run, Runnable action) {
+    void during(Run run, Runnable action) {
         Inside.refuseConsumer();
         run.hasTurn = enter(run);
         try {
-            failed = false;
-            running.add(model);
+            if (run.hasTurn)
+                listenAgain();
+            running.add(run);
             action.run();
         } finally {
-            running.remove(model);
+            run.nativeCallReturned();
+            running.remove(run);
             if (!run.isPaused)
                 leave(run.hasTurn);
         }
+    }
+
+    private void listenAgain() {
+        synchronized (delivery) { failed = false; }
     }
 
     void pause(Run run) {
@@ -166,7 +178,7 @@ final class Log {
     private synchronized void bindHere() {
         Thread here = Thread.currentThread();
         boolean wanted = consumer != null && withoutTurn == 0;
-        if (wanted ? bound == here && !strayed : bound == null)
+        if (wanted ? bound == here && !strayed && !isVirtual(here) : bound == null)
             return;
         bound = null;
         int status = env.bind(wanted);
@@ -176,8 +188,14 @@ final class Log {
         bound = wanted ? here : null;
     }
 
+    /** Such a thread may have changed its carrier, the thread that native code knows. */
+    private static boolean isVirtual(Thread thread) {
+        return thread.getThreadGroup().getName().equals("VirtualThreads");
+    }
+
     /** Receives a line on whatever thread logs; lets nothing escape into native code. */
     void deliver(String line) {
+        Thrown present = call;
         try {
             strayed |= Thread.currentThread() != bound;
             synchronized (delivery) {
@@ -185,30 +203,31 @@ final class Log {
                     hand(line);
             }
         } catch (Throwable t) {
-            failed = true;
-            try {
-                spread(t);
-            } catch (Throwable exhaustion) {
-                thrown.add(t);
-            }
+            if (!spread(t) && present != null)
+                present.add(t);
         }
     }
 
     private void hand(String line) {
+        failed = true; // until it has returned: there may be no memory to say so afterwards
         int outside = Inside.enterConsumer();
         try {
             consumer.accept(line);
+            failed = false;
         } finally {
             Inside.leave(outside);
         }
     }
 
-    /** Ends the runs that are going on, or else lets the call that logged throw. */
-    private void spread(Throwable t) {
+    /** Ends the runs that are going on; otherwise the call that logs is to throw. */
+    private boolean spread(Throwable t) {
         boolean kept = false;
-        for (KVXModel model : running)
-            kept |= model.fail(t);
-        if (!kept)
-            thrown.add(t);
+        try {
+            for (Run run : running)
+                kept |= run.fail(t);
+        } catch (Throwable exhaustion) {
+            // What could be told was told.
+        }
+        return kept;
     }
 }

@@ -48,8 +48,8 @@ final class NativeLibrary {
             FILE + " can't be loaded:" + library.tried + "\nName its directory with java -D" +
             PATH_PROPERTY + "=DIRECTORY. The solver, " + SOLVER_FILE +
             ", must lie beside it or in a directory of the environment variable LD_LIBRARY_PATH (" +
-            System.getenv("LD_LIBRARY_PATH") + "). Libraries in jars are unpacked into " +
-            cacheDirectory() +
+            System.getenv("LD_LIBRARY_PATH") + "). Libraries in jars are unpacked into a cache, " +
+            System.getProperty(CACHE_PROPERTY, "korvex in the user's cache directory") +
             "; if nothing may be executed there, name another directory with -D" + CACHE_PROPERTY +
             "=DIRECTORY.");
     }
@@ -62,7 +62,7 @@ final class NativeLibrary {
                 loadCopyOfLoaded(e);
             }
             return true;
-        } catch (IOException | UnsatisfiedLinkError e) {
+        } catch (IOException | InvalidPathException | UnsatisfiedLinkError e) {
             tried.append("\n  ").append(place).append(": ").append(e.getMessage());
             return false;
         }

@@ -18,6 +18,9 @@ final class Run {
     /** Whether it has given back the turn, or its want of one, for the length of a callback. */
     boolean isPaused;
 
+    /** Whether the native call is yet to return; guarded by this. */
+    private boolean isNative = true;
+
     /** Guarded by the model. */
     boolean over;
 
@@ -31,4 +34,26 @@ final class Run {
     boolean asynchronous() { return thread != starter; }
 
     boolean hasFailed() { return exhaustion != null || thrown.pending(); }
+
+    /**
+     * Ends it because of a throwable. Returns whether it isn't past that: a request to terminate
+     * that came later would end the next run.
+     */
+    synchronized boolean fail(Throwable throwable) {
+        if (isNative) {
+            thrown.add(throwable);
+            terminated = true;
+            KorvexJni.terminate(model);
+        }
+        return isNative;
+    }
+
+    synchronized void nativeCallReturned() { isNative = false; }
+
+    /** Throws on what went wrong. */
+    void rethrow() {
+        if (exhaustion != null)
+            thrown.add(exhaustion);
+        thrown.rethrow();
+    }
 }
