@@ -19,11 +19,16 @@ bool comesToItsEnd(const std::function<void()> &work);
 // Runs what COIN does with some objects, each owned by a std::unique_ptr. If it doesn't come to its
 // end nobody knows what state they are in, so they are never destructed.
 template <class... Objects>
+bool survives(const std::function<void()> &work, std::unique_ptr<Objects> &...objects) {
+    const bool isDone = comesToItsEnd(work);
+    if (!isDone)
+        (static_cast<void>(objects.release()), ...);
+    return isDone;
+}
+template <class... Objects>
 void protect(const std::function<void()> &work, std::unique_ptr<Objects> &...objects) {
-    if (comesToItsEnd(work))
-        return;
-    (static_cast<void>(objects.release()), ...);
-    failByAssertion();
+    if (!survives(work, objects...))
+        failByAssertion();
 }
 
 // Stands at the start of every function that COIN calls: a jump must not leave its frame, let alone

@@ -52,7 +52,7 @@ void solvePlainly(ClpSimplex &lp, const Run &run, const Problem &problem) {
         lp.primal();
 }
 
-// Clp's barrier method ends the process when its iterates diverge, or calls points around 1e20
+// Clp's barrier method gives up, slowly, when its iterates diverge, or calls points around 1e20
 // optimal. So it gets a problem that has points inside all of its bounds, in a box; primal simplex
 // goes on without.
 void solveByBarrier(ClpSimplex &lp, const Run &run, const Problem &problem) {
@@ -125,44 +125,49 @@ Outcome solveLp(Run &run, const Problem &problem) {
             outcome.status = KVX_STATUS_INFEASIBLE;
             return outcome;
         }
-    auto owner = std::make_unique<ClpSimplex>();
-    ClpSimplex &lp = *owner;
-    problem.load(lp);
-    lp.setPrimalTolerance(dblParam(run.settings, "FeasibilityTol"));
-    lp.setDualTolerance(dblParam(run.settings, "OptimalityTol"));
-    lp.setRandomSeed(1 + intParam(run.settings, "Seed") % 1000000);
     SimplexWatch watch(run, true);
-    lp.passInEventHandler(&watch);
-    protect([&] { solve(lp, run, problem); }, owner);
-    auto isSettled = [&] {
-        outcome.x.assign(lp.primalColumnSolution(), lp.primalColumnSolution() + columns);
-        return lp.status() == optimal && problem.violation(outcome.x) <= run.tolerance() &&
-               problem.isOptimal(outcome.x, lp.dualRowSolution(), run.tolerance());
+    std::unique_ptr<ClpSimplex> lp;
+    auto attempt = [&](auto solve) { // Leaves no lp when Clp gives up.
+        lp = std::make_unique<ClpSimplex>();
+        problem.load(*lp);
+        lp->setPrimalTolerance(dblParam(run.settings, "FeasibilityTol"));
+        lp->setDualTolerance(dblParam(run.settings, "OptimalityTol"));
+        lp->setRandomSeed(1 + intParam(run.settings, "Seed") % 1000000);
+        lp->passInEventHandler(&watch);
+        return survives([&] { solve(*lp, run, problem); }, lp);
     };
+    auto isSettled = [&] {
+        if (!lp)
+            return false;
+        outcome.x.assign(lp->primalColumnSolution(), lp->primalColumnSolution() + columns);
+        return lp->status() == optimal && problem.violation(outcome.x) <= run.tolerance() &&
+               problem.isOptimal(outcome.x, lp->dualRowSolution(), run.tolerance());
+    };
+    attempt(solve);
     // What they find may also be off by more than the tolerance once it is scaled back.
-    if (!isSettled() && !run.stopped())
-        protect([&] { solvePlainly(lp, run, problem); }, owner);
+    if (!isSettled() && !run.stopped() && !attempt(solvePlainly))
+        failByAssertion();
     run.earlierIterations = run.iterations =
-        std::max(run.iterations, run.earlierIterations + lp.numberIterations());
+        std::max(run.iterations, run.earlierIterations + (lp ? lp->numberIterations() : 0));
     if (!isSettled()) {
         outcome.x.clear();
-        outcome.status = run.stopped()               ? run.stopped()
-                         : lp.status() == infeasible ? KVX_STATUS_INFEASIBLE
-                         : lp.status() == unbounded  ? KVX_STATUS_UNBOUNDED
-                                                     : KVX_STATUS_NUMERIC;
+        outcome.status = run.stopped()                ? run.stopped()
+                         : lp->status() == infeasible ? KVX_STATUS_INFEASIBLE
+                         : lp->status() == unbounded  ? KVX_STATUS_UNBOUNDED
+                                                      : KVX_STATUS_NUMERIC;
         return outcome;
     }
     outcome.status = KVX_STATUS_OPTIMAL;
     outcome.objective = problem.objective(outcome.x);
     for (size_t j = 0; j < columns; j++) { // The zero makes a negative zero positive.
-        outcome.reducedCosts.push_back(problem.sense * lp.dualColumnSolution()[j] + 0.0);
-        outcome.basis.push_back(basisStatus(lp.getColumnStatus(intSize(j)), outcome.x[j],
+        outcome.reducedCosts.push_back(problem.sense * lp->dualColumnSolution()[j] + 0.0);
+        outcome.basis.push_back(basisStatus(lp->getColumnStatus(intSize(j)), outcome.x[j],
                                             problem.lower[j], problem.upper[j]));
     }
     for (size_t i = 0; i < problem.rowLower.size(); i++) {
-        outcome.duals.push_back(problem.sense * lp.dualRowSolution()[i] + 0.0);
-        outcome.rowBasis.push_back(basisStatus(lp.getRowStatus(intSize(i)),
-                                               lp.primalRowSolution()[i], problem.rowLower[i],
+        outcome.duals.push_back(problem.sense * lp->dualRowSolution()[i] + 0.0);
+        outcome.rowBasis.push_back(basisStatus(lp->getRowStatus(intSize(i)),
+                                               lp->primalRowSolution()[i], problem.rowLower[i],
                                                problem.rowUpper[i]));
     }
     return outcome;
