@@ -6,6 +6,7 @@ import java.util.*;
 import java.util.concurrent.*;
 import java.util.concurrent.atomic.*;
 import org.junit.jupiter.api.*;
+import org.junit.jupiter.api.function.Executable;
 import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.ValueSource;
 
@@ -27,7 +28,13 @@ class RunTest extends EnvCase {
                 double off = x[20] + x[21] + x[22] + x[23];
                 assertEquals(context.getDouble(KVX.CB_MIPSOL_OBJ), off, 1e-6);
                 Models.fails(KVX.ERROR_WRONG_INFO_TYPE, () -> context.getInt(KVX.CB_MIPSOL_OBJ));
+                wrong(() -> context.propose(new double[x.length - 1]));
+                wrong(() -> context.addCut(new int[1], new double[2], '<', 1));
+                Thread other = new Thread(() -> refused(context::runtime), "other");
+                other.setUncaughtExceptionHandler((thread, thrown) -> best.set(null));
                 best.set(x);
+                other.start();
+                assertDoesNotThrow(() -> other.join());
             });
             run(model, async);
             assertArrayEquals(best.get(), model.getDoubles("X", 0, 24), 1e-6);
@@ -41,6 +48,8 @@ class RunTest extends EnvCase {
         assertEquals(1, callers.size());
         refused(kept.get()::runtime);
     }
+
+    private static void wrong(Executable use) { assertThrows(IllegalArgumentException.class, use); }
 
     /** It ends the run and is thrown on, whether a callback or the log's consumer has thrown it. */
     @ParameterizedTest

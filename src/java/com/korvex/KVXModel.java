@@ -14,7 +14,8 @@ import java.util.function.LongUnaryOperator;
  * IllegalStateException}.
  * {@link #terminate} and {@link #close} may be called by any thread at any moment: what another
  * thread is doing in the model is ended, and its last call to return frees the native half. A use
- * after closing throws {@link IllegalStateException}.
+ * after closing throws {@link IllegalStateException}. A run that a virtual thread makes is
+ * conducted by a daemon thread of its own, as after {@link #optimizeAsync}.
  *
  * <p><b>Exceptions in callbacks.</b> What a callback, or the log's consumer, throws ends the run.
  * The method that started the run throws it on; after {@link #optimizeAsync} that is {@link #sync}
@@ -275,7 +276,12 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     }
 
     private void run(Driver driver) {
-        Run run = begin(Thread.currentThread());
+        Thread thread = Thread.currentThread();
+        if (Log.isVirtual(thread)) {
+            await(start(driver)); // Its carrier, which others wait for, would be blocked meanwhile.
+            return;
+        }
+        Run run = begin(thread);
         conduct(run, driver);
         run.rethrow();
     }
@@ -287,9 +293,14 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      * @throws KVXException if the solver fails
      */
     public void optimizeAsync() {
+        Run run = start(
+            (model, useCallback, error) -> jnioptimize(model, useCallback, 0, null, error, 0));
+        if (handle.isShut())
+            await(run); // Who closed the model saw nothing to wait for yet.
+    }
+
+    private Run start(Driver driver) {
         Run[] begun = new Run[1];
-        Driver driver =
-            (model, useCallback, error) -> jnioptimize(model, useCallback, 0, null, error, 0);
         Thread thread =
             new Thread(() -> conduct(begun[0], driver), "korvex-run-" + THREADS.incrementAndGet());
         thread.setDaemon(true);
@@ -302,8 +313,7 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
             forget(run);
             throw t;
         }
-        if (handle.isShut())
-            await(run); // Who closed the model saw nothing to wait for yet.
+        return run;
     }
 
     /** Begins a run by a thread, which is a user of the handle from now on. */

@@ -189,7 +189,7 @@ final class Log {
     }
 
     /** Such a thread may have changed its carrier, the thread that native code knows. */
-    private static boolean isVirtual(Thread thread) {
+    static boolean isVirtual(Thread thread) {
         return thread.getThreadGroup().getName().equals("VirtualThreads");
     }
 
