@@ -3,6 +3,8 @@
 #include "optimize.h"
 #include "params.h"
 
+#include <cmath>
+
 using namespace korvex;
 
 namespace {

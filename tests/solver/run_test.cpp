@@ -39,6 +39,7 @@ struct Watch {
         EXPECT_NE(KVX_OK, KVXcbget(cbdata, where, KVX_CB_IIS_CONSTRS, &value));
         EXPECT_NE(KVX_OK, KVXcbsetintparam(cbdata, "Seed", 1));
         EXPECT_EQ(where == KVX_CB_MIPNODE, KVXcbcut(cbdata, 0, nullptr, nullptr, '<', 1) == KVX_OK);
+        EXPECT_NE(KVX_OK, KVXcbcut(cbdata, 0, nullptr, nullptr, '<', 1e30));
         EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_RUNTIME, &value));
         return where == watch.stopWhere ? 4711 : 0;
     }
