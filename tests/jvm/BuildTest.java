@@ -128,6 +128,8 @@ class BuildTest extends EnvCase {
         model.objective().setPiecewiseLinear(3, points);
         assertEquals(points, model.objective().piecewiseLinear(3));
         assertEquals(0, model.objective().piecewiseLinear(2).size());
+        model.variables().delete(0, 1);
+        Models.fails(KVX.ERROR_DATA_NOT_AVAILABLE, () -> sos.get(0, sos.count()));
     }
 
     @Test

@@ -161,6 +161,8 @@ int KVXgetlogcallbackfuncenv(KVXenv *env, KVXlogcallback *callback, void **userd
 /**
  * Installs a log callback, or removes it with two nulls. When this returns, the former callback is
  * not running on another thread and will not be called again. Models of the environment log to it.
+ * Reading and replacing it is allowed while models run and other threads use the environment;
+ * taking it away doesn't fail.
  */
 int KVXsetlogcallbackfuncenv(KVXenv *env, KVXlogcallback callback, void *userdata);
 
