@@ -29,17 +29,15 @@ const char *NameTexts::of(const Name &name) {
     std::deque<Text> &texts = made[name.letter()];
     for (int number = intSize(texts.size()); number <= name.number(); number++) {
         Text &text = texts.emplace_back();
-        text.text[0] = name.letter();
-        *std::to_chars(text.text + 1, std::end(text.text), number).ptr = '\0';
+        const std::string_view written = Name(name.letter(), number).text(text.text);
+        text.text[written.size()] = '\0';
     }
     return texts[at(name.number())].text;
 }
 
 void forgetNames(KVXmodel &model) {
-    for (NameIndex *index : {&model.varIndex, &model.constrIndex}) {
-        index->lowest.clear();
-        index->size = 0;
-    }
+    model.varIndex.forget();
+    model.constrIndex.forget();
 }
 
 template <class Element>

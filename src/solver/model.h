@@ -17,7 +17,6 @@
 #include <mutex>
 #include <string>
 #include <thread>
-#include <unordered_map>
 #include <variant>
 #include <vector>
 
@@ -146,13 +145,6 @@ struct Deletion {
     std::vector<int> numbers; // 0, or -1 for a deleted one
     std::vector<int> counts;  // of those that stay: a binary indexed tree
     int left;                 // how many stay
-};
-
-// The elements by their names.
-struct NameIndex {
-    std::mutex mutex;
-    std::unordered_map<std::string, int> lowest;
-    size_t size = 0; // how many elements are in it
 };
 
 using ParameterValue = std::variant<int, double, std::string>;

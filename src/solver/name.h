@@ -2,14 +2,18 @@
 #ifndef KORVEX_SOLVER_NAME_H
 #define KORVEX_SOLVER_NAME_H
 
+#include <charconv>
 #include <cstdint>
 #include <cstring>
 #include <deque>
+#include <functional>
+#include <iterator>
 #include <map>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace korvex {
 
@@ -36,8 +40,16 @@ class Name {
     }
     char letter() const { return static_cast<char>(bits >> 1); } // of a name that wasn't given
     int number() const { return static_cast<int>(bits >> 9); }
+    std::string_view text(char (&room)[16]) const { // in room unless it was given
+        if (given() || empty())
+            return empty() ? "" : given();
+        room[0] = letter();
+        const char *end = std::to_chars(room + 1, std::end(room), number()).ptr;
+        return {room, static_cast<std::size_t>(end - room)};
+    }
     std::string text() const {
-        return given() ? given() : empty() ? "" : letter() + std::to_string(number());
+        char room[16];
+        return std::string(text(room));
     }
     operator std::string() const { return text(); }
 
@@ -53,7 +65,8 @@ class Name {
 };
 
 inline bool operator==(const Name &name, std::string_view text) {
-    return name.given() ? std::string_view(name.given()) == text : text.compare(name.text()) == 0;
+    char room[16];
+    return name.text(room) == text;
 }
 inline std::string operator+(std::string text, const Name &name) {
     return std::move(text) + name.text();
@@ -76,6 +89,60 @@ class NameTexts {
     };
     std::mutex mutex;
     std::map<char, std::deque<Text>> made; // by letter and number
+};
+
+// The elements of a list by their names: a hash table with open addressing, since a million names
+// shall neither be copied nor have a piece of memory each.
+class NameIndex {
+  public:
+    // The lowest index of an element with that name, or -1. Elements may have been appended, but
+    // not have changed.
+    template <class Element>
+    int find(const std::vector<Element> &elements, std::string_view name) {
+        std::lock_guard lock(mutex);
+        if (places.size() < 2 * elements.size()) {
+            std::size_t room = 16;
+            while (room < 4 * elements.size())
+                room *= 2;
+            size = 0;
+            std::vector<Place>(room).swap(places);
+        }
+        for (char room[16]; size < elements.size(); size++) {
+            const std::string_view text = elements[size].name.text(room);
+            const std::size_t hash = std::hash<std::string_view>()(text);
+            Place &place = placeOf(elements, text, hash);
+            if (place.index < 0)
+                place = {static_cast<int>(size), static_cast<std::uint32_t>(hash)};
+        }
+        if (places.empty())
+            return -1;
+        return placeOf(elements, name, std::hash<std::string_view>()(name)).index;
+    }
+    void forget() noexcept {
+        places.clear();
+        size = 0;
+    }
+
+  private:
+    struct Place {
+        int index = -1; // none
+        std::uint32_t hash = 0;
+    };
+
+    // Where the name is, or else belongs.
+    template <class Element>
+    Place &placeOf(const std::vector<Element> &elements, std::string_view name, std::size_t hash) {
+        for (std::size_t k = hash;; k++) {
+            Place &place = places[k & (places.size() - 1)];
+            if (place.index < 0 || (place.hash == static_cast<std::uint32_t>(hash) &&
+                                    elements[static_cast<std::size_t>(place.index)].name == name))
+                return place;
+        }
+    }
+
+    std::mutex mutex;
+    std::vector<Place> places; // a power of two of them
+    std::size_t size = 0;      // how many elements are in it
 };
 
 } // namespace korvex

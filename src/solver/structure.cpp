@@ -28,15 +28,10 @@ template <class Item>
 int findName(KVXmodel *model, std::vector<Item> ModelData::*items, NameIndex KVXmodel::*names,
              const char *name, int *indexP) {
     return guardedRead(model, [&] {
-        const auto &elements = model->*items;
-        NameIndex &index = model->*names;
-        std::lock_guard lock(index.mutex);
-        for (; index.size < elements.size(); index.size++)
-            index.lowest.emplace(elements[index.size].name, intSize(index.size));
-        auto found = index.lowest.find(needed(name, "name"));
-        if (found == index.lowest.end())
+        const int found = (model->*names).find(model->*items, needed(name, "name"));
+        if (found < 0)
             fail(KVX_ERROR_NOT_FOUND, "nothing is named \"%s\"", name);
-        *needed(indexP, "indexP") = found->second;
+        *needed(indexP, "indexP") = found;
     });
 }
 
