@@ -9,7 +9,7 @@ import java.nio.file.*;
 import java.util.*;
 import java.util.concurrent.*;
 import java.util.concurrent.atomic.AtomicLong;
-import java.util.function.Supplier;
+import java.util.function.*;
 import java.util.jar.JarFile;
 import java.util.stream.*;
 
@@ -50,9 +50,9 @@ final class Fuzz {
     private static boolean ours(Method m) {
         Class<?> c = m.getDeclaringClass();
         return c != Object.class && c != Throwable.class && c != Enum.class &&
-            !(c.isRecord() && Set.of("equals", "hashCode", "toString").contains(m.getName())) &&
             !(c.isRecord() &&
-              Stream.of(c.getRecordComponents()).anyMatch(r -> r.getAccessor().equals(m))) &&
+              (Set.of("equals", "hashCode", "toString").contains(m.getName()) ||
+               Stream.of(c.getRecordComponents()).anyMatch(r -> r.getAccessor().equals(m)))) &&
             !(c.isEnum() && m.getName().startsWith("value"));
     }
 
@@ -92,30 +92,19 @@ final class Fuzz {
     }
 
     private static String text(Object o) {
-        if (o == null || o instanceof Number || o instanceof Boolean)
-            return "" + o;
-        if (o instanceof Character c)
-            return "(char)" + (int)c;
-        if (o instanceof String s)
-            return s.length() > 40 ? "<" + s.length() + " characters>" : '"' + s + '"';
-        if (o.getClass().isArray()) {
-            int n = Array.getLength(o);
-            return n + IntStream.range(0, Math.min(n, 12))
-                           .mapToObj(i -> text(Array.get(o, i)))
-                           .collect(Collectors.joining(", ", "{", "}"));
-        }
-        if (o instanceof Record)
-            return o.getClass().getSimpleName() +
-                Stream.of(o.getClass().getRecordComponents())
-                    .map(c -> {
-                        try {
-                            return text(c.getAccessor().invoke(o));
-                        } catch (ReflectiveOperationException e) {
-                            throw new AssertionError(e);
-                        }
-                    })
-                    .collect(Collectors.joining(", ", "(", ")"));
-        return o.getClass().getSimpleName();
+        if (o instanceof KVXModel || o instanceof KVXCallback || o instanceof Consumer<?>)
+            return o.getClass().getSimpleName();
+        String text = o instanceof Character c ? "(char)" + (int)c
+                      : o != null && o.getClass().isArray()
+                          ? Array.getLength(o) + Models.show(o, 12)
+                          : o + "";
+        return text.length() > 200 ? text.substring(0, 200) + "..." : text;
+    }
+
+    static Object invoke(Executable method, Object target, Object[] args)
+        throws ReflectiveOperationException {
+        return method instanceof Constructor<?> c ? c.newInstance(args)
+                                                  : ((Method)method).invoke(target, args);
     }
 
     static String describe(Executable method, Object target, Object[] args) {
@@ -199,10 +188,7 @@ final class Fuzz {
                 if (System.nanoTime() - entry.getValue() < HANG_SECONDS * 1_000_000_000L)
                     continue;
                 Thread.getAllStackTraces().forEach(
-                    (thread, trace)
-                        -> System.err.println(thread + Stream.of(trace)
-                                                           .map(frame -> "\n    at " + frame)
-                                                           .collect(Collectors.joining())));
+                    (thread, trace) -> System.err.println(thread + " " + List.of(trace)));
                 finding(this, "hangs: " + entry.getKey().getName());
             }
         }
@@ -297,9 +283,7 @@ final class Fuzz {
             note(method, target, args);
             calls.incrementAndGet();
             try {
-                Object result = method instanceof Constructor<?> c
-                                    ? c.newInstance(args)
-                                    : ((Method)method).invoke(target, args);
+                Object result = invoke(method, target, args);
                 if (result != null && (result.getClass().getPackage() == KVX.class.getPackage() ||
                                        result instanceof String s && s.length() < 100))
                     world.remember(result, hostile.random);

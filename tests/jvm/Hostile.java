@@ -31,25 +31,14 @@ final class Hostile {
         1_000_000,         -1_000_000,        32767};
     private static final int[] CODES = Stream.of(KVX.class.getFields())
                                            .filter(f -> f.getType() == int.class)
-                                           .mapToInt(f -> Hostile.<Integer>constant(f))
+                                           .mapToInt(f -> (int)constant(f))
                                            .toArray();
-    private static final double[] DOUBLES = {Double.NaN,
-                                             Double.POSITIVE_INFINITY,
-                                             Double.NEGATIVE_INFINITY,
-                                             Double.MAX_VALUE,
-                                             Double.MIN_VALUE,
-                                             -0.0,
-                                             1e100,
-                                             -1e100,
-                                             1e30,
-                                             1e25,
-                                             1e15,
-                                             1e20,
-                                             -1e20,
-                                             1e-9,
-                                             1e-300,
-                                             2147483648.0,
-                                             1e9};
+    private static final double[] DOUBLES =
+        DoubleStream
+            .of(Double.NaN, Double.POSITIVE_INFINITY, Double.NEGATIVE_INFINITY, Double.MAX_VALUE,
+                Double.MIN_VALUE, -0.0, 1e100, -1e100, 1e30, 1e25, 1e15, 1e20, -1e20, 1e-9, 1e-300,
+                2147483648.0, 1e9)
+            .toArray();
     private static final String CHARS = "<>=CBISN\0\uffff\ud800\u0142 1";
 
     private final Fuzz.World world;
@@ -70,10 +59,9 @@ final class Hostile {
         return Stream.of(c.getFields()).map(Hostile::constant).toArray(String[] ::new);
     }
 
-    @SuppressWarnings("unchecked")
-    private static <T> T constant(Field field) {
+    private static Object constant(Field field) {
         try {
-            return (T)field.get(null);
+            return field.get(null);
         } catch (IllegalAccessException e) {
             throw new AssertionError(e);
         }
@@ -98,6 +86,10 @@ final class Hostile {
         } catch (IllegalStateException e) {
             // It is closed, or at work.
         }
+        return arguments(method);
+    }
+
+    private Object[] arguments(Executable method) {
         return Stream.of(method.getParameters())
             .map(p -> make(p.getType(), p.getParameterizedType()))
             .toArray();
@@ -175,12 +167,9 @@ final class Hostile {
     /** A record of the shape that its maker accepts, if a few trials find one. */
     private Object record(Executable maker) {
         for (int trial = 0; trial < 3; trial++) {
-            Object[] args = Stream.of(maker.getParameters())
-                                .map(p -> make(p.getType(), p.getParameterizedType()))
-                                .toArray();
+            Object[] args = arguments(maker);
             try {
-                return maker instanceof Constructor<?> c ? c.newInstance(args)
-                                                         : ((Method)maker).invoke(null, args);
+                return Fuzz.invoke(maker, null, args);
             } catch (InvocationTargetException e) {
                 world.judge(e.getCause(), () -> Fuzz.describe(maker, null, args));
             } catch (ReflectiveOperationException e) {

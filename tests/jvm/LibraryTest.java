@@ -6,6 +6,7 @@ import java.io.*;
 import java.lang.reflect.*;
 import java.nio.file.*;
 import java.util.*;
+import java.util.jar.JarFile;
 import java.util.regex.*;
 import java.util.spi.ToolProvider;
 import java.util.stream.*;
@@ -15,21 +16,21 @@ import org.junit.jupiter.api.Test;
 class LibraryTest {
     private static final Path LIBRARY = Launch.LIB.resolve("libkorvexjni130.so");
 
+    private static Set<String> natives(Class<?> type) {
+        return Stream.of(type.getDeclaredMethods())
+            .filter(m -> Modifier.isNative(m.getModifiers()))
+            .map(Method::getName)
+            .collect(Collectors.toCollection(TreeSet::new));
+    }
+
     @Test
     void exportsAreTheDeclaredNatives() throws Exception {
-        Set<String> declared =
-            Stream.of(KorvexJni.class, KVXModel.class, KVXEnv.class, KVXBatch.class)
-                .flatMap(c -> Stream.of(c.getDeclaredMethods()))
-                .filter(m -> Modifier.isNative(m.getModifiers()))
-                .map(m
-                     -> "Java_com_korvex_" + m.getDeclaringClass().getSimpleName() + "_" +
-                            m.getName())
-                .collect(Collectors.toCollection(TreeSet::new));
-        Set<String> exported = Launch.of("nm", "-D", "--defined-only", LIBRARY.toString())
-                                   .out()
-                                   .stream()
-                                   .map(line -> line.replaceFirst(".* ", ""))
-                                   .collect(Collectors.toCollection(TreeSet::new));
+        Set<String> declared = new TreeSet<>(), exported = new TreeSet<>();
+        for (Class<?> type : List.of(KorvexJni.class, KVXModel.class, KVXEnv.class, KVXBatch.class))
+            for (String name : natives(type))
+                declared.add("Java_com_korvex_" + type.getSimpleName() + "_" + name);
+        for (String line : Launch.of("nm", "-D", "--defined-only", LIBRARY.toString()).out())
+            exported.add(line.replaceFirst(".* ", ""));
         assertEquals(declared, exported);
     }
 
@@ -56,23 +57,18 @@ class LibraryTest {
     /** Whom the natives of KorvexJni are for: each is behind a method of another class. */
     @Test
     void everyNativeHasACheckedMethod() throws Exception {
-        TreeSet<String> natives = Stream.of(KorvexJni.class.getDeclaredMethods())
-                                      .filter(m -> Modifier.isNative(m.getModifiers()))
-                                      .map(Method::getName)
-                                      .collect(Collectors.toCollection(TreeSet::new));
+        Set<String> natives = natives(KorvexJni.class);
         StringWriter listing = new StringWriter();
-        try (FileSystem jar = FileSystems.newFileSystem(Launch.LIB.resolve("korvex.jar"));
-             Stream<Path> classes = Files.list(jar.getPath("com/korvex"))) {
-            Path directory = Files.createTempDirectory("classes");
-            List<String> args = new ArrayList<>(List.of("-v", "-p"));
-            for (Path type : (Iterable<Path>)classes::iterator)
-                if (!type.endsWith("KorvexJni.class"))
-                    args.add(Files.copy(type, directory.resolve("" + type.getFileName())) + "");
+        PrintWriter writer = new PrintWriter(listing);
+        try (JarFile jar = new JarFile(Launch.LIB.resolve("korvex.jar").toFile())) {
+            Stream<String> classes =
+                jar.stream().map(Object::toString).filter(name -> name.endsWith(".class"));
+            Stream<String> others = classes.filter(name -> !name.endsWith("/KorvexJni.class"))
+                                        .map(name -> name.replaceFirst("[.]class$", ""));
             ToolProvider.findFirst("javap").orElseThrow().run(
-                new PrintWriter(listing), new PrintWriter(listing), args.toArray(new String[0]));
-            for (String file : args.subList(2, args.size()))
-                Files.delete(Path.of(file));
-            Files.delete(directory);
+                writer, writer,
+                Stream.concat(Stream.of("-v", "-p", "-cp", jar.getName()), others)
+                    .toArray(String[] ::new));
         }
         Matcher use = Pattern.compile("com/korvex/KorvexJni\\.(\\w+):").matcher(listing + "");
         while (use.find())

@@ -66,10 +66,11 @@ final class Models {
     }
 
     /** What an array of any type holds, as text. */
-    static String show(Object array) {
-        return IntStream.range(0, Array.getLength(array))
-                   .mapToObj(i -> Array.get(array, i))
-                   .toList() +
-            "";
+    static String show(Object array) { return show(array, Integer.MAX_VALUE); }
+
+    /** The first elements alone. */
+    static String show(Object array, int most) {
+        IntStream indices = IntStream.range(0, Math.min(most, Array.getLength(array)));
+        return indices.mapToObj(i -> Array.get(array, i)).toList() + "";
     }
 }

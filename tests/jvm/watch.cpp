@@ -133,14 +133,9 @@ struct Call {
     const void *environment = nullptr;
 };
 
-void forget(KVXenv *env) {
-    remove(env, "environment");
-}
-void forget(KVXmodel *model) {
-    remove(model, "model");
-}
-void forget(KVXbatch *batch) {
-    remove(batch, "batch");
+template <class T>
+void forget(T *object) {
+    remove(object, kindOf<T>);
 }
 template <class... A>
 void forget(A...) {}
@@ -170,9 +165,9 @@ struct Watched<Name, R(A...)> {
         static const auto real = reinterpret_cast<R (*)(A...)>(dlsym(solver, Name::text));
         if (isSolvers(__builtin_return_address(0)))
             return real(arguments...);
+        const std::string_view name = Name::text;
         Call call{Name::text};
         (call.enter(arguments), ...);
-        const std::string_view name = Name::text;
         if (name == "KVXfreeenv" || name == "KVXfreemodel" || name == "KVXfreebatch")
             forget(arguments...);
         if constexpr (std::is_void_v<R>) {

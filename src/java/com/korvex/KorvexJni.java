@@ -37,7 +37,9 @@ package com.korvex;
  * the last one until those bind the log again. Lines come from {@link #message}, {@link
  * #feasrelax},
  * {@link #tunemodel}, and with some libraries from whatever makes, reads or writes a model,
- * parameters or a batch.
+ * parameters or a batch. Never bind a log in a callback on a thread of the solver's, as {@link
+ * #sync} waits for: it is attached for the callback only, and the log would stay bound to a thread
+ * that goes away.
  */
 public final class KorvexJni {
     private KorvexJni() {}
