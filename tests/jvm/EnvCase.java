@@ -24,6 +24,13 @@ abstract class EnvCase {
 
     final KVXModel endless() { return Models.marketSplit(env, 50, 5, 7); }
 
+    /** Comes down when a run of the model calls back. */
+    static CountDownLatch called(KVXModel model) {
+        CountDownLatch called = new CountDownLatch(1);
+        model.setCallback(context -> called.countDown());
+        return called;
+    }
+
     static void run(KVXModel model, boolean async) {
         if (async) {
             model.optimizeAsync();

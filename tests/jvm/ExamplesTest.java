@@ -25,9 +25,8 @@ class ExamplesTest {
         return Stream.of(rows).map(row -> dynamicTest(row[0], () -> {
                                        Launch run = Launch.java(row[0]);
                                        assertEquals("0 ", run.status() + " " + run.err());
-                                       String out = String.join("\n", run.out());
                                        for (String part : List.of(row).subList(1, row.length))
-                                           assertTrue(out.contains(part), out);
+                                           assertTrue(run.text().contains(part), run.text());
                                    }));
     }
 
@@ -43,6 +42,6 @@ class ExamplesTest {
         assertEquals("0 ", run.status() + " " + run.err());
         // The log in between tells times.
         String said = program.group(2).replaceAll("[\\d.]+ seconds", "");
-        assertEquals(said, String.join("\n", run.out()).replaceAll("[\\d.]+ seconds", "") + "\n");
+        assertEquals(said, run.text().replaceAll("[\\d.]+ seconds", "") + "\n");
     }
 }

@@ -19,7 +19,7 @@ class FuzzTest {
                                        "-XX:ErrorFile=" + error, checked ? "-Xcheck:jni" : "-ea");
         Path files = Files.createDirectories(directory.resolve("files"));
         Launch child = Launch.fresh(files, options, "com.korvex.Fuzz", seed, seconds, calls, notes);
-        String text = String.join("\n", child.out());
+        String text = child.text();
         if (child.status() != 0) {
             // The end of what it said, what it was about to call, and where it crashed.
             String noted = new String(Files.readAllBytes(notes), StandardCharsets.UTF_8);

@@ -4,6 +4,7 @@ import java.nio.charset.StandardCharsets;
 import java.nio.file.*;
 import java.util.*;
 import java.util.concurrent.TimeUnit;
+import java.util.stream.Stream;
 
 /** A program that ran: its exit status and what it wrote. */
 record Launch(int status, List<String> out, String err) {
@@ -22,6 +23,9 @@ record Launch(int status, List<String> out, String err) {
     static Launch of(List<String> command, Meddling meddling) throws Exception {
         return in(Path.of("."), command, meddling);
     }
+
+    /** All that it wrote. */
+    String text() { return String.join("\n", out); }
 
     private static Launch in(Path directory, List<String> command, Meddling meddling)
         throws Exception {
@@ -65,12 +69,11 @@ record Launch(int status, List<String> out, String err) {
     }
 
     static List<String> javaCommand(Path library, String main, String... args) {
-        List<String> command = new ArrayList<>(
+        List<String> command =
             List.of(JAVA, "--enable-native-access=ALL-UNNAMED", "-Djava.library.path=" + library,
                     "-Dkorvex.examples=" + System.getProperty("korvex.examples"), "-cp",
-                    LIB.resolve("korvex.jar") + ":" + LIB + "/*", main));
-        command.addAll(List.of(args));
-        return command;
+                    LIB.resolve("korvex.jar") + ":" + LIB + "/*", main);
+        return Stream.of(command, List.of(args)).flatMap(List::stream).toList();
     }
 
     /** The rest of the line that begins with a label. */

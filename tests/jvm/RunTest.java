@@ -134,18 +134,6 @@ class RunTest extends EnvCase {
     }
 
     @Test
-    void whatIsRefusedDoesNotRun() {
-        try (KVXModel model = Models.marketSplit(env, 5, 1, 1)) {
-            Models.fails(KVX.ERROR_INVALID_ARGUMENT, model::computeIIS);
-            assertThrows(IllegalArgumentException.class,
-                         () -> model.relaxFeasibility(0, true, new double[1], null, null));
-            assertFalse(model.isRunning());
-            model.optimize();
-            Models.fails(KVX.ERROR_INVALID_ARGUMENT, () -> KVXModel.adopt(env, 0));
-        }
-    }
-
-    @Test
     void aRunsModelIsItsCallbacksAlone() throws Exception {
         try (KVXModel model = endless(); KVXModel other = endless()) {
             CountDownLatch tried = new CountDownLatch(1);
@@ -175,8 +163,7 @@ class RunTest extends EnvCase {
     void closingEndsWhatRuns() throws Exception {
         for (boolean async : new boolean[] {true, false}) {
             KVXModel model = endless();
-            CountDownLatch called = new CountDownLatch(1);
-            model.setCallback(context -> called.countDown());
+            CountDownLatch called = called(model);
             if (async)
                 model.optimizeAsync();
             else

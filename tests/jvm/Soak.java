@@ -67,15 +67,21 @@ final class Soak {
                           good ? "" : "  FAILED");
     }
 
-    private static void join(Thread... threads) throws InterruptedException {
-        for (Thread thread : threads)
-            thread.join();
-    }
-
-    private static Thread start(Runnable task) {
-        Thread thread = new Thread(task);
+    private static Thread start(Work task) {
+        Thread thread = new Thread(() -> {
+            try {
+                task.round(0);
+            } catch (Exception e) {
+                throw new AssertionError(e);
+            }
+        });
         thread.start();
         return thread;
+    }
+
+    private static void equal(double expected, double value) {
+        if (value != expected)
+            throw new AssertionError(value + " instead of " + expected);
     }
 
     /** Argument: a divisor of the numbers of rounds. */
@@ -90,8 +96,7 @@ final class Soak {
                     model.constraints().add(all, KVX.LESS_EQUAL, 7, "row" + i);
                     model.setCallback(context -> {});
                     model.optimize();
-                    if (model.getDouble("ObjVal") != -14)
-                        throw new AssertionError("ObjVal " + model.getDouble("ObjVal"));
+                    equal(-14, model.getDouble("ObjVal"));
                     model.getStrings("VarName");
                 }
             });
@@ -100,22 +105,18 @@ final class Soak {
                     model.setCallback(context -> {});
                     int moment = random.nextInt(30);
                     model.optimizeAsync();
-                    join(start(() -> {
-                             try {
-                                 Thread.sleep(moment);
-                             } catch (InterruptedException e) {
-                                 throw new AssertionError(e);
-                             }
-                             model.terminate();
-                         }),
-                         start(model::sync), start(model::sync));
-                    if (model.getInt("Status") != KVX.STATUS_INTERRUPTED)
-                        throw new AssertionError("Status " + model.getInt("Status"));
+                    List<Thread> waiters =
+                        List.of(start(n -> model.sync()), start(n -> model.sync()));
+                    Thread.sleep(moment);
+                    model.terminate();
+                    for (Thread waiter : waiters)
+                        waiter.join();
+                    equal(KVX.STATUS_INTERRUPTED, model.getInt("Status"));
                 }
             });
             repeat("changes of the log's consumer", 2000 / part, 10_000 / part, i -> {
                 CountDownLatch logged = new CountDownLatch(1);
-                Thread logger = start(() -> {
+                Thread logger = start(n -> {
                     env.message("before");
                     logged.countDown();
                     env.message("after");
@@ -123,7 +124,7 @@ final class Soak {
                 if (i % 2 == 0)
                     logged.await();
                 env.setLog(i % 3 == 0 ? null : line -> random.nextInt());
-                join(logger);
+                logger.join();
             });
             env.setLog(null);
         }

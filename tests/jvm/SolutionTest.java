@@ -136,7 +136,9 @@ class SolutionTest extends EnvCase {
             assertTrue(reasons.contains(KVX.CB_IIS));
             assertArrayEquals(new int[] {0, 1, 1, 0, 0, 1, 1}, shifts.getInts("IISConstr", 0, 7));
         }
-        assertThrows(KVXException.class, model::computeIIS); // it is feasible
+        Models.fails(KVX.ERROR_INVALID_ARGUMENT, model::computeIIS); // it is feasible
+        assertFalse(model.isRunning());
+        Models.fails(KVX.ERROR_INVALID_ARGUMENT, () -> KVXModel.adopt(env, 0));
     }
 
     @Test

@@ -4,7 +4,7 @@ import static org.junit.jupiter.api.Assertions.*;
 import static org.junit.jupiter.api.DynamicTest.dynamicTest;
 
 import java.nio.file.*;
-import java.util.List;
+import java.util.*;
 import java.util.stream.Stream;
 import org.junit.jupiter.api.*;
 import org.junit.jupiter.api.io.TempDir;
@@ -35,8 +35,7 @@ class SolveTest {
         };
         return Stream.of(rows).map(
             row -> dynamicTest(row[1], () -> {
-                String[] args = List.of(row).subList(2, row.length).toArray(new String[0]);
-                Launch run = Launch.java("Solve", args);
+                Launch run = Launch.java("Solve", Arrays.copyOfRange(row, 2, row.length));
                 assertEquals(row[0] + " " + row[1], run.status() + " " + run.value("Status"));
                 assertEquals("", run.err());
                 if (!row[1].equals("time_limit")) // then it depends on the machine
@@ -65,15 +64,14 @@ class SolveTest {
             {"/no/such/file: can't be written", "--json", "/no/such/file"},
             {"-bogus.lp: No such file", "--", "-bogus.lp"},
         };
-        return Stream.of(rows).map(
-            row -> dynamicTest(row[0], () -> {
-                String[] args = List.of(row).subList(1, row.length).toArray(new String[0]);
-                Launch run = Launch.java("Solve", args);
-                assertEquals(2, run.status());
-                assertEquals(List.of(), run.out());
-                assertTrue(run.err().contains(row[0]), run.err());
-                assertEquals(1, run.err().lines().count(), run.err());
-            }));
+        return Stream.of(rows).map(row -> dynamicTest(row[0], () -> {
+                                       Launch run = Launch.java(
+                                           "Solve", Arrays.copyOfRange(row, 1, row.length));
+                                       assertEquals(2, run.status());
+                                       assertEquals(List.of(), run.out());
+                                       assertTrue(run.err().contains(row[0]), run.err());
+                                       assertEquals(1, run.err().lines().count(), run.err());
+                                   }));
     }
 
     @Test
@@ -83,7 +81,7 @@ class SolveTest {
         assertEquals(help, Launch.java("Solve", "-h"));
         for (String option : List.of("--set", "--time-limit", "--threads", "--async", "--quiet",
                                      "--json", "--write", "--solution", "--plot", "--help"))
-            assertTrue(String.join("\n", help.out()).contains(option), option);
+            assertTrue(help.text().contains(option), option);
     }
 
     @Test
@@ -94,7 +92,7 @@ class SolveTest {
         Launch run = Launch.java("Solve", BAKERY, "--json", json, "--write", solution, "--plot",
                                  plot.toString(), "--solution");
         assertEquals(0, run.status(), run.err());
-        assertTrue(run.out().contains("  rye = 4"), run.out().toString());
+        assertTrue(run.out().contains("  rye = 4"), run.text());
         // The axes and two lines, which end at the same height: the model is solved.
         String[] lines = Files.readString(plot).split("d=\"M");
         assertEquals(4, lines.length);
@@ -116,7 +114,7 @@ class SolveTest {
     void aConflictIsNamed() throws Exception {
         Launch run = Launch.java("Solve", SHIFTS, "--iis");
         assertEquals(3, run.status());
-        String conflict = String.join(";", run.out());
+        String conflict = run.text().replace("\n", ";");
         assertTrue(conflict.contains("one of them:;  constraint demand_tue;  constraint demand_wed;"
                                      + "  constraint limit_eva;  constraint day_off;  bound "),
                    conflict);

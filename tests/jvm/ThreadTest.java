@@ -122,8 +122,7 @@ class ThreadTest extends EnvCase {
         AtomicInteger lines = new AtomicInteger();
         KVXModel model = endless();
         for (int round = 0; round < 20; round++) {
-            CountDownLatch called = new CountDownLatch(1);
-            model.setCallback(context -> called.countDown());
+            CountDownLatch called = called(model);
             if (round % 3 != 0)
                 env.setLog(line -> lines.incrementAndGet());
             Thread runner = start(() -> run(model, async));
@@ -235,8 +234,7 @@ class ThreadTest extends EnvCase {
     static final class Unfinished {
         public static void main(String[] args) throws Exception {
             KVXModel model = Models.marketSplit(Models.quietEnv(), 50, 5, 7);
-            CountDownLatch called = new CountDownLatch(1);
-            model.setCallback(context -> called.countDown());
+            CountDownLatch called = called(model);
             model.optimizeAsync();
             called.await();
             if (!args[0].equals("0"))
