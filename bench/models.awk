@@ -97,14 +97,14 @@ function transport(from, to, i, j, left) {
         left = ""
         for (j = 1; j <= to; j++)
             left = left " + x" i "_" j "\n"
-        row(left, "<=", 100)
+        row(left, "<=", 150)
     }
     end()
 }
 BEGIN {
     knapsack(100, 5)
-    cover(200, 400)
-    place("facility-location", 20, 60, 150, 300)
+    cover(120, 240)
+    place("facility-location", 14, 45, 150, 300)
     place("assignment", 8, 48, 20, 200)
     lots(12, 16)
     transport(100, 400)
