@@ -243,6 +243,7 @@ TEST(Build, KeepsQuadraticData) {
     const char *name = nullptr;
     MUST(model, KVXgetstrattrelement(m, "QConstrName", 0, &name));
     EXPECT_STREQ("Q0", name);
+    EXPECT_NE(std::string::npos, described(m).find("QConstrRHS 5\nQConstrSense >\n"));
     MUST(model, KVXsetdblattrelement(m, "QConstrRHS", 0, 6));
     MUST(model, KVXsetcharattrelement(m, "QConstrSense", 0, '<'));
     EXPECT_NE(std::string::npos, described(m).find("QConstrRHS 6\nQConstrSense <\n"));

@@ -9,6 +9,8 @@ namespace {
 
 TEST(Env, ExplainsWhyItRefuses) {
     KVXenv *env = nullptr;
+    EXPECT_EQ(KVX_ERROR_VERSION, Env::load(env, 14, KVX_LOADENV_KEY));
+    KVXfreeenv(env);
     EXPECT_EQ(KVX_ERROR_VERSION, Env::load(env, 12, KVX_LOADENV_KEY));
     EXPECT_STREQ("the caller is version 12.0.0, the solver library 13.0.3", KVXgeterrormsg(env));
     KVXfreeenv(env);
@@ -31,12 +33,17 @@ TEST(Params, KeepTheirRangesAndSurviveAFile) {
     EXPECT_EQ(KVX_ERROR_FILE_WRITE, KVXsetstrparam(env, "LogFile", "/nowhere/log"));
 
     const std::string file = temporary("params.prm"), text(1000, 'r');
+    double gap = 0;
+    int console = 1;
+    EXPECT_EQ(KVX_OK, KVXgetdblparam(env, "MIPGap", &gap));
+    EXPECT_EQ(1e-4, gap);
+    EXPECT_EQ(KVX_OK, KVXgetintparam(env, "LogToConsole", &console));
+    EXPECT_EQ(0, console); // as the environment was loaded
     ASSERT_EQ(KVX_OK, KVXsetparam(env, "mipgap", "0.1"));
     ASSERT_EQ(KVX_OK, KVXsetstrparam(env, "ResultFile", text.c_str()));
     ASSERT_EQ(KVX_OK, KVXwriteparams(env, file.c_str()));
     ASSERT_EQ(KVX_OK, KVXresetparams(env));
     ASSERT_EQ(KVX_OK, KVXreadparams(env, file.c_str()));
-    double gap = 0;
     char buffer[1001], little[8];
     int length = 0;
     EXPECT_EQ(KVX_OK, KVXgetdblparam(env, "MIPGap", &gap));
@@ -90,6 +97,14 @@ TEST(Log, DeliversWholeLinesOfValidTextOneAtATime) {
     EXPECT_EQ(expected, listener.lines);
     ASSERT_EQ(KVX_OK, KVXsetstrparam(env, "LogFile", ""));
     EXPECT_EQ(expected.size(), contents(file).size());
+    {
+        Env ending;
+        Listener last{ending, "xx"};
+        KVXsetlogcallbackfuncenv(ending, Listener::hear, &last);
+        KVXmsg(ending, "unfinished");
+        KVXfreeenv(std::exchange(ending.env, nullptr));
+        EXPECT_EQ("xxunfinished|", last.lines);
+    }
     listener.removesItself = true;
     KVXmsg(env, "\nunheard\n");
     EXPECT_EQ(expected + "rest|", listener.lines);
