@@ -35,14 +35,14 @@ struct Relaxation {
         auto relax = [&](double side, const char *prefix, double sign) {
             if (std::abs(side) >= KVX_INFINITY)
                 return;
-            double cost = penalty == sum ? weight : 0;
+            double cost = penalty == count ? 0 : weight;
             int index = addVariable(prefix + constr.name, KVX_INFINITY, cost);
             data.rows.add(i, {index, sign});
             oneOf.members.push_back({index, -sign});
         };
         relax(constr.lower, "below_", 1);
         relax(constr.upper, "above_", -1);
-        if (penalty == sum || oneOf.members.empty())
+        if (penalty != count || oneOf.members.empty())
             return;
         // A variable that is 1 if and only if nothing is violated: it saves the weight.
         oneOf.members.push_back({addVariable("kept_" + constr.name, 1, -weight), 2});
@@ -74,11 +74,15 @@ struct Relaxation {
         result.objsense = KVX_MINIMIZE;
         result.objcon = constant;
         for (auto [var, cost] : costs)
-            result.vars[at(var)].obj = cost;
+            if (penalty == squares)
+                result.products[{var, var}] = cost;
+            else
+                result.vars[at(var)].obj = cost;
         return result;
     }
 
-    // The least penalty; a constraint keeps it.
+    // The least penalty; a constraint keeps it, or bounds do: the violations with the least sum of
+    // squares are the same in all points that have it.
     double keepLeastPenalty(Run &run) {
         auto inner = makeInnerModel(run.settings, withPenaltyAsObjective());
         setParam(inner->env, "MIPGap", 0);
@@ -87,11 +91,16 @@ struct Relaxation {
             fail(KVX_ERROR_INVALID_ARGUMENT, "the violations that the weights allow aren't enough");
         if (status != KVX_STATUS_OPTIMAL)
             fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the least penalty wasn't found: status %d", status);
-        Constraint constr;
-        constr.name = "penalty";
-        constr.row = costs;
-        constr.upper = inner->solution.objval - constant;
-        addConstraint(data, constr);
+        if (penalty == squares) {
+            for (auto [var, cost] : costs)
+                data.vars[at(var)].ub = inner->solution.x[at(var)] + run.tolerance() / 10;
+        } else {
+            Constraint constr;
+            constr.name = "penalty";
+            constr.row = costs;
+            constr.upper = inner->solution.objval - constant;
+            addConstraint(data, constr);
+        }
         for (Objective &objective : data.objectives)
             objective.coefs.resize(data.vars.size());
         return std::max(0.0, inner->solution.objval);
@@ -117,8 +126,6 @@ int KVXfeasrelax(KVXmodel *model, int penalty, int minrelax, const double *lbpen
         if (penalty < sum || penalty > count || minrelax < 0 || minrelax > 1)
             fail(KVX_ERROR_INVALID_ARGUMENT, "there is no penalty %d or no minrelax %d", penalty,
                  minrelax);
-        if (penalty == squares)
-            fail(KVX_ERROR_NOT_SUPPORTED, "squared violations make the objective quadratic");
         const size_t vars = model->vars.size(), constrs = model->constrs.size();
         checkWeights(lbpen, vars);
         checkWeights(ubpen, vars);

@@ -67,10 +67,10 @@ void store(Run &run, const Outcome &outcome) {
         solution.duals.resize(model.constrs.size());
         solution.reducedCosts = outcome.reducedCosts;
         solution.reducedCosts.resize(model.vars.size());
-        model.hasBasis = true;
-        for (size_t j = 0; j < model.vars.size(); j++)
+        model.hasBasis = !outcome.basis.empty();
+        for (size_t j = 0; model.hasBasis && j < model.vars.size(); j++)
             model.vars[j].basis = outcome.basis[j];
-        for (size_t i = 0; i < model.constrs.size(); i++)
+        for (size_t i = 0; model.hasBasis && i < model.constrs.size(); i++)
             model.constrs[i].basis = outcome.rowBasis[i];
     }
 }
@@ -110,6 +110,8 @@ Problem::Problem(const ModelData &model)
         rowLower.push_back(bound(constr.lower));
         rowUpper.push_back(bound(constr.upper));
     }
+    for (auto [pair, value] : model.products)
+        products[pair] = sense * value;
     for (Sos &set : sets)
         std::stable_sort(set.members.begin(), set.members.end(),
                          [](Entry a, Entry b) { return a.value < b.value; });
@@ -150,6 +152,8 @@ void Problem::checkNumbers(const ModelData &model) const {
         for (double bound : {finite(lower[j]), finite(upper[j])})
             check(bound, "a bound", model.vars, j);
     }
+    for (auto [pair, value] : products)
+        check(value, "a quadratic coefficient", model.vars, at(pair.first));
     for (size_t i = 0; i < rowLower.size(); i++)
         for (double side : {finite(rowLower[i]), finite(rowUpper[i])})
             check(side, "a side", model.constrs, i);
@@ -178,7 +182,18 @@ double Problem::objective(const std::vector<double> &x) const {
     double value = constant;
     for (size_t j = 0; j < cost.size(); j++)
         value += cost[j] * x[j];
+    for (auto [pair, factor] : products)
+        value += factor * x[at(pair.first)] * x[at(pair.second)];
     return sense * value + 0.0; // no negative zero
+}
+
+std::vector<double> Problem::gradient(const std::vector<double> &x) const {
+    std::vector<double> result = cost;
+    for (auto [pair, factor] : products) {
+        result[at(pair.first)] += factor * x[at(pair.second)];
+        result[at(pair.second)] += factor * x[at(pair.first)];
+    }
+    return result;
 }
 
 double Problem::violation(const std::vector<double> &x) const {
@@ -206,8 +221,9 @@ bool Problem::isOptimal(const std::vector<double> &x, const double *multipliers,
     for (size_t i = 0; i < activity.size(); i++)
         if (!fits(multipliers[i], 1, activity[i], rowLower[i], rowUpper[i]))
             return false;
+    const std::vector<double> slope = gradient(x);
     for (int j = 0; j < matrix.getNumCols(); j++) {
-        double reduced = cost[at(j)], scale = 1 + std::abs(reduced);
+        double reduced = slope[at(j)], scale = 1 + std::abs(reduced);
         for (auto k = matrix.getVectorFirst(j); k < matrix.getVectorLast(j); k++) {
             double part = matrix.getElements()[k] * multipliers[matrix.getIndices()[k]];
             reduced -= part;
@@ -233,7 +249,7 @@ Outcome solveProblem(Run &run, const Problem &problem) {
     } else if (problem.isMip) {
         outcome = solveMip(run, problem);
     } else {
-        outcome = solveLp(run, problem);
+        outcome = problem.products.empty() ? solveLp(run, problem) : solveQuadratic(run, problem);
         if (!outcome.x.empty()) {
             run.best = outcome.x;
             run.bestObjective = run.bound = outcome.objective;
@@ -254,6 +270,8 @@ void optimize(Run &run) {
         run.say("The parameter Threads is %d, but one thread does the run", threads);
     refuseQuadratic(model);
     const Problem problem(reformulated(model)); // what is refused leaves the former solution
+    if (!problem.products.empty())
+        refuseUnlessConvex(model, problem);
     Solution &solution = model.solution = {};
     store(run,
           model.objectives.empty() ? solveProblem(run, problem) : solveObjectives(run, problem));

@@ -18,7 +18,7 @@ class Silence : public CoinMessageHandler {
     CoinMessageHandler *clone() const override { return new Silence(*this); }
 };
 
-// Refuses what isn't linear, nor can be made so; the text names it.
+// Refuses what is quadratic and can't be solved; the text names it.
 void refuseQuadratic(const ModelData &model);
 
 // An equivalent model without general constraints, piecewise-linear objective terms and
@@ -26,8 +26,9 @@ void refuseQuadratic(const ModelData &model);
 // and SOS are those of the model.
 ModelData reformulated(const KVXmodel &model);
 
-// A linear model, with integer columns or without, as a minimisation. COIN's solvers don't take
-// models without rows or columns: such a model gets a free row or a column that is fixed at 0.
+// A model with linear constraints, with integer columns or without, as a minimisation. COIN's
+// solvers don't take models without rows or columns: such a model gets a free row or a column that
+// is fixed at 0.
 struct Problem {
     explicit Problem(const ModelData &model);
 
@@ -42,6 +43,9 @@ struct Problem {
     // The objective value of a point in the model's own sense.
     double objective(const std::vector<double> &x) const;
 
+    // What the objective to be minimised changes by, per unit of each column.
+    std::vector<double> gradient(const std::vector<double> &x) const;
+
     // The largest violation of a bound or row, relative to the size of what it violates.
     double violation(const std::vector<double> &x) const;
 
@@ -55,6 +59,7 @@ struct Problem {
     double constant;
     std::vector<double> cost, lower, upper, rowLower, rowUpper;
     std::vector<char> integer;
+    Products products;     // of the objective
     std::vector<Sos> sets; // members by increasing weight
     bool isMip = false;
     CoinPackedMatrix matrix; // by columns
@@ -97,6 +102,12 @@ struct SimplexWatch : ClpEventHandler {
 Outcome solveLp(Run &run, const Problem &problem);
 
 Outcome solveMip(Run &run, const Problem &problem);
+
+// Refuses a quadratic objective that isn't convex, or with integers or sets. The model tells names.
+void refuseUnlessConvex(const ModelData &model, const Problem &problem);
+
+// Solves a problem with a convex quadratic objective.
+Outcome solveQuadratic(Run &run, const Problem &problem);
 
 // Solves the problem by what it takes; its solution is the run's best.
 Outcome solveProblem(Run &run, const Problem &problem);

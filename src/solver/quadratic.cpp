@@ -22,8 +22,10 @@ void refuseQuadratic(const ModelData &model) {
         fail(KVX_ERROR_NOT_SUPPORTED,
              "several objectives with the piecewise-linear term of variable %s can't be solved",
              model.vars[at(model.pwl.begin()->first)].name.text().c_str());
-    if (!model.products.empty())
-        fail(KVX_ERROR_NOT_SUPPORTED, "the quadratic terms of the objective can't be solved");
+    if (!model.objectives.empty() && !model.products.empty())
+        fail(KVX_ERROR_NOT_SUPPORTED,
+             "several objectives and the quadratic terms of variable %s can't be solved",
+             model.vars[at(model.products.begin()->first.first)].name.text().c_str());
 }
 
 static void storeProducts(int *countP, int *row, int *col, double *val, const Products &products) {

@@ -21,6 +21,7 @@ class ExamplesTest {
              "violation: 5.0 hours, then the cost is 1475.0"},
             {"Batch", "\"objective\": 1073.18"},
             {"Tableau", "wood: chairs -0.120", "wood: tables +0.080", "worth: 1.00"},
+            {"Portfolio", "shares: 24.9 %", "deviation: 6.86 %"},
         };
         return Stream.of(rows).map(row -> dynamicTest(row[0], () -> {
                                        Launch run = Launch.java(row[0]);

@@ -225,7 +225,7 @@ TEST(Build, KeepsQuadraticData) {
     };
     MUST(model, KVXgetq(m, &num, ind, second, values));
     EXPECT_EQ("01 4;02 4;11 2;", terms());
-    expectRefusal(model, "quadratic terms");
+    expectRefusal(model, "convex");
     const double minus[] = {-4, 1};
     MUST(model, KVXaddqpterms(m, 2, row, col, minus));
     MUST(model, KVXgetq(m, &num, ind, second, values));

@@ -41,7 +41,8 @@ int KVXaddrangeconstrs(KVXmodel *model, int numconstrs, int numnz, const int *be
 
 /** Adds terms qval[k] * x[qrow[k]] * x[qcol[k]] to the objective. Terms with the same two
  * variables, in either order, are one, whose coefficients are summed; it is gone when that makes 0.
- * (The development solver takes and keeps all that is quadratic, but can't solve it.) */
+ * (The development solver takes and keeps all that is quadratic, and solves convex objectives, or
+ * concave ones to be maximised, over continuous variables.) */
 int KVXaddqpterms(KVXmodel *model, int numqnz, const int *qrow, const int *qcol,
                   const double *qval);
 /** Removes the objective's quadratic terms. */

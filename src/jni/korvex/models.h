@@ -82,8 +82,7 @@ int KVXsinglescenariomodel(KVXmodel *model, KVXmodel **newP);
 
 /**
  * Turns the model into its feasibility relaxation.
- * @param penalty 0: sum of violations; 1: sum of squares (refused by the development solver);
- *        2: number of violations
+ * @param penalty 0: sum of violations; 1: sum of squares; 2: number of violations
  * @param minrelax 0: minimise the penalty alone; 1: find the least penalty, then the best
  *        original objective at that penalty
  * @param lbpen,ubpen NumVars weights for violated lower and upper bounds, or null: bounds are kept;
