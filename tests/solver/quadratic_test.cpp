@@ -48,9 +48,14 @@ TEST(Quadratic, OptimaSatisfyTheConditions) {
     for (unsigned seed = 0; seed < 150; seed++) {
         SCOPED_TRACE(seed);
         Random random(seed);
-        const size_t vars = 6, rows = 5;
-        const Data data = randomData(random, vars, rows, "C");
-        const Form form(random, vars, 6);
+        const size_t vars = 6;
+        const int rows = seed % 3 ? 5 : 2;
+        Data data = randomData(random, 6, rows, "C");
+        if (rows == 2) {
+            data.lb.assign(vars, -inf);
+            data.ub.assign(vars, inf);
+        }
+        const Form form(random, vars, seed % 2 ? 6 : 1);
         Model model = data.build(env);
         form.addTo(model, data.sense);
         auto [status, objective] = solved(model);
@@ -72,7 +77,8 @@ TEST(Quadratic, OptimaSatisfyTheConditions) {
         }
         ASSERT_EQ(KVX_STATUS_OPTIMAL, status);
         optimal++;
-        const Vector x = dblAttrs(model, "X", vars), duals = dblAttrs(model, "Dual", rows),
+        const Vector x = dblAttrs(model, "X", vars),
+                     duals = dblAttrs(model, "Dual", data.rows.size()),
                      reduced = dblAttrs(model, "ReducedCost", vars);
         EXPECT_TRUE(data.holds(x, 1e-5));
         const double value = data.constant + product(data.obj, x) + data.sense * form.at(x);
@@ -86,7 +92,7 @@ TEST(Quadratic, OptimaSatisfyTheConditions) {
                 << price << " at " << at << " for " << side;
         };
         Vector rest = form.gradient(x, data.sense);
-        for (size_t i = 0; i < rows; i++) {
+        for (size_t i = 0; i < duals.size(); i++) {
             const Row &row = data.rows[i];
             fits(duals[i], product(row.val, x), row.lower, row.upper);
             for (size_t j = 0; j < vars; j++)
