@@ -111,16 +111,17 @@ TEST(Quadratic, RefusesByName) {
     Env env;
     struct Refused {
         const char *types;
-        int i, j;
-        double value;
+        double terms[3]; // of the first variable's square, the product, the second one's square
         const char *text;
     };
-    for (auto [types, i, j, value, text] : {Refused{"CC", 1, 1, -1, "C1"},
-                                            {"CC", 0, 1, 2, "C0"},
-                                            {"CI", 0, 0, 1, "C1"},
-                                            {"CS", 0, 0, 1, "sets"}}) {
+    const int row[] = {0, 0, 1}, col[] = {0, 1, 1};
+    for (auto &[types, terms, text] : {Refused{"CC", {0, 0, -1}, "C1"},
+                                       {"CC", {0, 2, 0}, "C0"},
+                                       {"CC", {1, 3, 1}, "convex"},
+                                       {"CI", {1, 0, 0}, "C1"},
+                                       {"CS", {1, 0, 0}, "sets"}}) {
         Model model = Data{{1, 1}, {0, 2}, {9, 9}, types, {}}.build(env);
-        MUST(model, KVXaddqpterms(model.get(), 1, &i, &j, &value));
+        MUST(model, KVXaddqpterms(model.get(), 3, row, col, terms));
         EXPECT_EQ(KVX_ERROR_NOT_SUPPORTED, KVXoptimize(model.get()));
         EXPECT_NE(std::string::npos, std::string(KVXgetmerrormsg(model.get())).find(text))
             << KVXgetmerrormsg(model.get());
