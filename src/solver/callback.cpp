@@ -123,8 +123,13 @@ int KVXcbsolution(void *cbdata, const double *solution, double *objective) {
         for (double entry : x)
             readFinite(entry, "a value of the solution");
         *needed(objective, "objective") = KVX_INFINITY;
+        auto isKept = [&](double given, double found) {
+            return given == KVX_UNDEFINED ||
+                   std::abs(found - given) <= run.tolerance() * std::max(1.0, std::abs(given));
+        };
         double value;
-        if (run.complete && run.complete(x, value)) {
+        if (run.complete && run.complete(x, value) && run.satisfiesLazies(x) &&
+            std::equal(solution, solution + count, x.begin(), isKept)) {
             run.proposals.emplace_back(std::move(x), value);
             *objective = value;
         }

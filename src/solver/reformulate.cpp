@@ -2,6 +2,7 @@
 // conditions become SOS of type 1 rather than rows with large constants: of a slack and a binary
 // variable only one may be nonzero, however large the slack may get. Where the variables' bounds
 // limit a slack it is limited, since without its SOS the model should be bounded, too.
+#include "assertion.h"
 #include "input.h"
 #include "optimize.h"
 #include "params.h"
@@ -28,9 +29,21 @@ Expression operator*(double factor, Expression a) {
     return a;
 }
 
+// A limit that a reformulation asks for: the largest value of an expression.
+struct Limit {
+    Expression expression;
+    double most;
+    bool isOpen() const { return most >= KVX_INFINITY; }
+};
+
 struct Reformulation {
     ModelData model;
     const double zero; // operands that count in a 0-norm are at least this large
+
+    // In the order in which they are asked for, which is the same whatever they are. Those that are
+    // there before count if the variables' bounds give none.
+    std::vector<Limit> limits = {};
+    size_t asked = 0;
 
     std::vector<Range> known = {}; // the first variables' bounds, or what the rows imply where none
 
@@ -69,17 +82,16 @@ struct Reformulation {
         model.sos.push_back(std::move(sos));
     }
 
-    // The largest value that the variables' bounds allow.
     double most(const Expression &entries) {
         double sum = 0;
-        for (auto [index, value] : entries) {
-            double bound = value > 0 ? high(index) : low(index);
-            if (std::abs(bound) >= KVX_INFINITY)
-                return KVX_INFINITY;
-            sum += value * bound;
-        }
-        return sum;
+        for (auto [index, value] : entries)
+            sum -= least({index, -value});
+        if (asked == limits.size())
+            limits.push_back({entries, std::min(sum, KVX_INFINITY)});
+        return std::min(sum, limits[asked++].most);
     }
+    double most(int j) { return most({{j, 1}}); }
+    double least(int j) { return -most({{j, -1}}); }
 
     // Finds bounds for variables without, from the rows and the bounds of their other variables.
     void propagate() {
@@ -141,7 +153,7 @@ struct Reformulation {
     Expression absolute(int j) {
         if (var(j).lb >= 0)
             return {{j, 1}};
-        int positive = slack(high(j)), negative = slack(-low(j));
+        int positive = slack(most(j)), negative = slack(-least(j));
         row({{j, 1}, {positive, -1}, {negative, 1}}, 0, 0);
         set(KVX_SOS_TYPE1, {{positive, 1}, {negative, 1}});
         return {{positive, 1}, {negative, 1}};
@@ -250,12 +262,12 @@ struct Reformulation {
             member(direction * (bound - xs[end]), direction, run == 0 ? 0 : direction * rise / run);
         };
         const size_t last = xs.size() - 1;
-        step(0, std::min<size_t>(1, last), -1, low(x));
+        step(0, std::min<size_t>(1, last), -1, least(x));
         for (size_t k = 0; k <= last; k++) {
             member(1, xs[k], ys[k]);
             total.push_back(ordered.back());
         }
-        step(last, last - std::min<size_t>(1, last), 1, high(x));
+        step(last, last - std::min<size_t>(1, last), 1, most(x));
         row(xRow, 0, 0);
         row(yRow, 0, 0);
         row(total, 1, 1);
@@ -316,12 +328,72 @@ struct Reformulation {
     }
 };
 
+// Finds open limits in the linear relaxation of the reformulated model, if that is unbounded: with
+// sets it can't be searched then. Whether there are any.
+bool limitByRelaxation(const KVXmodel &model, const ModelData &reformulated, double tolerance,
+                       std::vector<Limit> &limits) {
+    constexpr double margin = 1e-3; // Limits may be too large, but never too small.
+    int iterations = 20000;         // that are left
+    Problem relaxation(reformulated);
+    relaxation.products.clear();
+    relaxation.constant = 0;
+    auto owner = std::make_unique<ClpSimplex>();
+    ClpSimplex &lp = *owner;
+    relaxation.load(lp);
+    lp.scaling(0);
+    if (model.running) {
+        SimplexWatch watch(*model.run, false);
+        lp.passInEventHandler(&watch); // Clp copies it.
+    }
+    auto isSolved = [&](std::vector<double> cost) {
+        if (!owner)
+            return false;
+        relaxation.cost = std::move(cost);
+        lp.chgObjCoefficients(relaxation.cost.data());
+        lp.setMaximumIterations(iterations);
+        if (!survives([&] { lp.primal(); }, owner))
+            return false;
+        iterations -= lp.numberIterations();
+        return lp.status() == 0;
+    };
+    const std::vector<double> own = relaxation.cost, zeros(own.size());
+    if (!isSolved(zeros) || (model.objectives.empty() && isSolved(own)))
+        return false;
+    bool isFound = false;
+    for (Limit &limit : limits) {
+        if (!limit.isOpen())
+            continue;
+        std::vector<double> cost = zeros;
+        for (auto [index, value] : limit.expression)
+            cost[at(index)] -= value;
+        if (!isSolved(cost))
+            continue;
+        const std::vector<double> x(lp.primalColumnSolution(),
+                                    lp.primalColumnSolution() + cost.size());
+        const double most = -relaxation.sense * relaxation.objective(x);
+        if (std::abs(most) < largestImplied && relaxation.violation(x) <= tolerance &&
+            relaxation.isOptimal(x, lp.dualRowSolution(), tolerance)) {
+            limit.most = most + margin * (1 + std::abs(most));
+            isFound = true;
+        }
+    }
+    return isFound;
+}
+
 } // namespace
 
 ModelData reformulated(const KVXmodel &model) {
-    Reformulation reformulation{model, 10 * dblParam(model.env, "FeasibilityTol")};
-    reformulation.run();
-    return std::move(reformulation.model);
+    const double tolerance = 10 * dblParam(model.env, "FeasibilityTol");
+    Reformulation first{model, tolerance};
+    first.run();
+    std::vector<Limit> limits = first.limits;
+    auto isOpen = [](const Limit &limit) { return limit.isOpen(); };
+    if (first.model.sos.empty() || std::none_of(limits.begin(), limits.end(), isOpen) ||
+        !limitByRelaxation(model, first.model, tolerance, limits))
+        return std::move(first.model);
+    Reformulation second{model, tolerance, limits};
+    second.run();
+    return std::move(second.model);
 }
 
 } // namespace korvex

@@ -57,6 +57,7 @@ class Run {
 
     // Adds a constraint that every solution has to satisfy; drops the best one if it doesn't.
     void addLazy(Constraint row);
+    bool satisfiesLazies(const std::vector<double> &x) const;
 
     // Whether the first objective value is better than the second.
     bool better(double a, double b) const { return sense > 0 ? a < b : a > b; }
@@ -102,7 +103,6 @@ class Run {
 
   private:
     void offerProposals();
-    bool satisfiesLazies(const std::vector<double> &x) const;
 
     int stopStatus = 0;
     int callbackStatus = 0; // the result that ended the run

@@ -87,17 +87,18 @@ TEST(Edge, VerdictsThatAreEasilyMissed) {
     }
 }
 
-// Proposes the best point, one without a value, and one that isn't a number, at every solution.
+// Proposes at every solution the best point, one without a value, two that would have to be changed
+// and one that isn't a number.
 int propose(KVXmodel *, void *cbdata, int where, void *calls) {
     if (where != KVX_CB_MIPSOL)
         return 0;
     ++*static_cast<int *>(calls);
     double value = 0;
-    for (double last : {0.0, KVX_UNDEFINED, std::nan("")}) {
-        const double point[] = {1, 1, 0, last};
+    for (double last : {0.0, KVX_UNDEFINED, -1.0, 0.4, std::nan("")}) {
+        const double point[] = {1, 1, KVX_UNDEFINED, last};
         EXPECT_EQ(std::isnan(last) ? KVX_ERROR_INVALID_ARGUMENT : KVX_OK,
                   KVXcbsolution(cbdata, point, &value));
-        EXPECT_EQ(-2, value);
+        EXPECT_EQ(last == 0 || last == KVX_UNDEFINED ? -2 : inf, value) << last;
     }
     return 0;
 }

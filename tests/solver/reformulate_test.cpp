@@ -231,4 +231,33 @@ TEST(Reformulate, SetsOfContinuousVariables) {
     }
 }
 
+// That |x0| + |x1| <= 4 follows from four rows together only.
+TEST(Reformulate, TakesBoundsFromSeveralRows) {
+    Env env;
+    const int both[] = {0, 1};
+    const struct {
+        std::function<int(KVXmodel *)> add;
+        double greatest; // of x2
+    } cases[] = {
+        {[](KVXmodel *m) { return KVXaddgenconstrAbs(m, "g", 2, 0); }, 4},
+        {[&](KVXmodel *m) { return KVXaddgenconstrNorm(m, "g", 2, 2, both, 1); }, 4},
+        {[&](KVXmodel *m) { return KVXaddgenconstrNorm(m, "g", 2, 2, both, inf); }, 4},
+        {[&](KVXmodel *m) {
+             return KVXaddgenconstrPWL(m, "g", 1, 2, 3, breaks.data(), heights.data());
+         },
+         3},
+    };
+    for (const auto &[add, greatest] : cases) {
+        Data data{{0, 0, 1}, Vector(3, -inf), Vector(3, inf), {}, {}, KVX_MAXIMIZE};
+        for (double a : {1, -1})
+            for (double b : {1, -1})
+                data.rows.push_back({{a, b, 0}, -inf, 4});
+        Model model = data.build(env);
+        MUST(model, add(model.get()));
+        auto [status, value] = solved(model);
+        ASSERT_EQ(KVX_STATUS_OPTIMAL, status);
+        EXPECT_NEAR(greatest, value, 1e-6);
+    }
+}
+
 } // namespace
