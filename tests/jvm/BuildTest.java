@@ -84,7 +84,7 @@ class BuildTest extends EnvCase {
             assertEquals("name " + kind, model.getString(KVXAttribute.GEN_CONSTR_NAME, index));
             assertEquals(kinds[kind], all.get(index));
         }
-        Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> all.get(kinds.length));
+        fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> all.get(kinds.length));
     }
 
     @Test
@@ -108,7 +108,7 @@ class BuildTest extends EnvCase {
         objective.set(KVX.MINIMIZE, both, 0);
         assertEquals(terms, objective.quadraticTerms());
         assertArrayEquals(doubles(1.5, 0, 3, 0), model.getDoubles(KVXAttribute.OBJ));
-        Models.fails(KVX.ERROR_NOT_SUPPORTED, model::optimize);
+        fails(KVX.ERROR_NOT_SUPPORTED, model::optimize);
     }
 
     @Test
@@ -129,7 +129,7 @@ class BuildTest extends EnvCase {
         assertEquals(points, model.objective().piecewiseLinear(3));
         assertEquals(0, model.objective().piecewiseLinear(2).size());
         model.variables().delete(0, 1);
-        Models.fails(KVX.ERROR_DATA_NOT_AVAILABLE, () -> sos.get(0, sos.count()));
+        fails(KVX.ERROR_DATA_NOT_AVAILABLE, () -> sos.get(0, sos.count()));
     }
 
     @Test
@@ -146,9 +146,9 @@ class BuildTest extends EnvCase {
         rows.setCoefficients(new Triplets(ints(2, 0), ints(3, 2), 0, 6));
         assertEquals(5, model.getInt(KVXAttribute.NUM_NZS));
         assertEquals("3 0", model.variables().indexOf("z") + " " + rows.indexOf("top"));
-        Models.fails(KVX.ERROR_NOT_FOUND, () -> rows.indexOf("z"));
+        fails(KVX.ERROR_NOT_FOUND, () -> rows.indexOf("z"));
         assertEquals(new SparseVector(ints(0), 4), rows.rows(1, 2).list(1));
-        Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> rows.rows(1, 3));
+        fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> rows.rows(1, 3));
         // A variable with coefficients in rows that there are, one without any, and a row likewise.
         assertEquals(4, model.variables().add(Columns.of(0, 1).coefficients(SparseMatrix.of(
                             List.of(vector(1, 2, 2, 3), new SparseVector(ints()))))));
@@ -174,7 +174,7 @@ class BuildTest extends EnvCase {
         for (String name : new String[] {"first", "second"})
             general.add(GeneralConstraint.abs(0, 3), name);
         general.delete(0);
-        Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> general.delete(1));
+        fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> general.delete(1));
         assertEquals("second", model.getString(KVXAttribute.GEN_CONSTR_NAME, 0));
         general.delete(0);
         model.quadraticConstraints().delete();
@@ -201,8 +201,8 @@ class BuildTest extends EnvCase {
         assertEquals(2, model.getInt(KVXAttribute.NUM_OBJ));
         model.set(KVXAttribute.OBJ_NUMBER, 1);
         assertArrayEquals(doubles(0, 11, 0, 0), model.getDoubles(KVXAttribute.OBJ_N));
-        Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE,
-                     () -> objective.setGoal(5, Goal.of(SparseVector.ones(0))));
+        fails(KVX.ERROR_INDEX_OUT_OF_RANGE,
+              () -> objective.setGoal(5, Goal.of(SparseVector.ones(0))));
         // First w alone, then z, for which w may give way by a quarter: 2 = 4 w + 5 z.
         model.set(KVXAttribute.MODEL_SENSE, KVX.MINIMIZE);
         objective.setGoal(0, Goal.of(SparseVector.ones(3)).priority(1));
@@ -218,7 +218,7 @@ class BuildTest extends EnvCase {
         model.discardGoalParams();
         assertEquals(0, model.goalParams(1).getInt("Seed"));
         model.discardConcurrentParams();
-        Models.fails(KVX.ERROR_NOT_SUPPORTED, () -> model.concurrentParams(0).getInt("Threads"));
+        fails(KVX.ERROR_NOT_SUPPORTED, () -> model.concurrentParams(0).getInt("Threads"));
     }
 
     @Test

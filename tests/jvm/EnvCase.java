@@ -24,13 +24,6 @@ abstract class EnvCase {
 
     final KVXModel endless() { return Models.marketSplit(env, 50, 5, 7); }
 
-    /** Comes down when a run of the model calls back. */
-    static CountDownLatch called(KVXModel model) {
-        CountDownLatch called = new CountDownLatch(1);
-        model.setCallback(context -> called.countDown());
-        return called;
-    }
-
     static void run(KVXModel model, boolean async) {
         if (async) {
             model.optimizeAsync();
@@ -40,17 +33,23 @@ abstract class EnvCase {
         }
     }
 
+    /** Starts a run, and returns when it has called back. */
+    final void startRun(KVXModel model, boolean async) {
+        CountDownLatch called = new CountDownLatch(1);
+        model.setCallback(context -> called.countDown());
+        if (async)
+            model.optimizeAsync();
+        else
+            start(model::optimize);
+        await(called);
+    }
+
     final Thread start(Executable action) { return start(0, action); }
 
     /** With a stack of that size, 0 for the usual one. */
     final Thread start(long stack, Executable action) {
-        Thread thread = new Thread(null, () -> {
-            try {
-                action.execute();
-            } catch (Throwable t) {
-                failures.add(t);
-            }
-        }, "test", stack);
+        Thread thread = new Thread(null, () -> assertDoesNotThrow(action), "test", stack);
+        thread.setUncaughtExceptionHandler((failed, failure) -> failures.add(failure));
         threads.add(thread);
         thread.start();
         return thread;
@@ -59,6 +58,12 @@ abstract class EnvCase {
     final void join() throws InterruptedException {
         for (Thread thread : threads)
             thread.join();
+    }
+
+    static void fails(int status, Executable use) {
+        KVXException thrown = assertThrows(KVXException.class, use);
+        assertEquals(status, thrown.status());
+        assertTrue(thrown.getMessage().endsWith(" (status " + status + ")"), "without a text");
     }
 
     static void refused(Executable... uses) {

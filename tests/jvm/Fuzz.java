@@ -91,14 +91,13 @@ final class Fuzz {
                    .toList());
     }
 
+    /** The beginning alone: arguments may be very long. */
     private static String text(Object o) {
-        if (o instanceof KVXModel || o instanceof KVXCallback || o instanceof Consumer<?>)
-            return o.getClass().getSimpleName();
-        String text = o instanceof Character c ? "(char)" + (int)c
-                      : o != null && o.getClass().isArray()
-                          ? Array.getLength(o) + Models.show(o, 12)
-                          : o + "";
-        return text.length() > 200 ? text.substring(0, 200) + "..." : text;
+        if (o == null || !o.getClass().isArray())
+            return String.valueOf(o).replaceFirst("(?s)(.{200}).*", "$1...");
+        int length = Array.getLength(o), shown = Math.min(12, length);
+        return length +
+            IntStream.range(0, shown).mapToObj(i -> text(Array.get(o, i))).toList().toString();
     }
 
     static Object invoke(Executable method, Object target, Object[] args)
@@ -108,8 +107,7 @@ final class Fuzz {
     }
 
     static String describe(Executable method, Object target, Object[] args) {
-        return method.getDeclaringClass().getSimpleName() + "." + method.getName() +
-            Stream.of(args).map(Fuzz::text).collect(Collectors.joining(", ", "(", ")"));
+        return method.getDeclaringClass().getSimpleName() + "." + method.getName() + text(args);
     }
 
     /** The objects that an episode's calls share. */

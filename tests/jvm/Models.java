@@ -1,13 +1,9 @@
 package com.korvex;
 
-import static org.junit.jupiter.api.Assertions.*;
-
-import java.lang.reflect.Array;
 import java.util.*;
 import java.util.stream.IntStream;
-import org.junit.jupiter.api.function.Executable;
 
-/** Environments, models and checks that several tests use. */
+/** Environments and models that several tests use. */
 final class Models {
     private Models() {}
 
@@ -17,15 +13,11 @@ final class Models {
         try {
             env.params().set("LogToConsole", 0);
             env.start();
-        } catch (RuntimeException | Error e) {
+            return env;
+        } catch (Throwable t) {
             env.close();
-            throw e;
+            throw t;
         }
-        return env;
-    }
-
-    static void fails(int status, Executable use) {
-        assertEquals(status, assertThrows(KVXException.class, use).status());
     }
 
     /**
@@ -35,42 +27,19 @@ final class Models {
      */
     static KVXModel marketSplit(KVXEnv env, int shops, int markets, long seed) {
         Random random = new Random(seed);
-        int columns = shops + 2 * markets;
-        List<SparseVector> entries = new ArrayList<>();
-        double[] obj = new double[columns], rhs = new double[markets], ub = new double[columns];
-        char[] types = new char[columns], senses = new char[markets];
-        String[] names = new String[columns], rows = new String[markets];
-        for (int j = 0; j < columns; j++) {
-            boolean slack = j >= shops;
-            int row = (j - shops) / 2;
-            entries.add(
-                slack ? new SparseVector(new int[] {row}, 1 - 2 * ((j - shops) % 2))
-                      : new SparseVector(IntStream.range(0, markets).toArray(),
-                                         random.ints(markets, 0, 100).asDoubleStream().toArray()));
-            for (int k = 0; !slack && k < markets; k++)
-                rhs[k] += entries.get(j).val()[k] / 2;
-            obj[j] = slack ? 1 : 0;
-            ub[j] = slack ? KVX.INFINITY : 1;
-            types[j] = slack ? KVX.CONTINUOUS : KVX.BINARY;
-            names[j] = (slack ? "off" : "shop") + j;
+        KVXModel model = new KVXModel(env, "split", Columns.of(new double[shops]).allOf('B'));
+        for (int market = 0; market < markets; market++) {
+            int more = model.variables().add(Columns.of(1, 1)), less = more + 1;
+            double[] shares = random.ints(shops, 0, 100).asDoubleStream().toArray();
+            double[] val = Arrays.copyOf(shares, shops + 2);
+            val[shops] = 1;
+            val[shops + 1] = -1;
+            int[] ind = IntStream.range(0, shops + 2).toArray();
+            ind[shops] = more;
+            ind[shops + 1] = less;
+            double half = Math.floor(Arrays.stream(shares).sum() / 2);
+            model.constraints().add(new SparseVector(ind, val), KVX.EQUAL, half, null);
         }
-        for (int row = 0; row < markets; row++) {
-            rhs[row] = Math.floor(rhs[row]);
-            senses[row] = KVX.EQUAL;
-            rows[row] = "market" + row;
-        }
-        Columns data =
-            Columns.of(obj).coefficients(SparseMatrix.of(entries)).upper(ub).types(types);
-        return KVXModel.load(env, "split", KVX.MINIMIZE, 0, data.names(names),
-                             Rows.of(null, senses, rhs).names(rows));
-    }
-
-    /** What an array of any type holds, as text. */
-    static String show(Object array) { return show(array, Integer.MAX_VALUE); }
-
-    /** The first elements alone. */
-    static String show(Object array, int most) {
-        IntStream indices = IntStream.range(0, Math.min(most, Array.getLength(array)));
-        return indices.mapToObj(i -> Array.get(array, i)).toList() + "";
+        return model;
     }
 }

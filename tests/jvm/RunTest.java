@@ -2,6 +2,7 @@ package com.korvex;
 
 import static org.junit.jupiter.api.Assertions.*;
 
+import java.nio.file.Path;
 import java.util.*;
 import java.util.concurrent.*;
 import java.util.concurrent.atomic.*;
@@ -25,16 +26,14 @@ class RunTest extends EnvCase {
                 if (context.where() != KVX.CB_MIPSOL)
                     return;
                 double[] x = context.getVector(KVX.CB_MIPSOL_SOL);
+                best.set(x);
                 double off = x[20] + x[21] + x[22] + x[23];
                 assertEquals(context.getDouble(KVX.CB_MIPSOL_OBJ), off, 1e-6);
-                Models.fails(KVX.ERROR_WRONG_INFO_TYPE, () -> context.getInt(KVX.CB_MIPSOL_OBJ));
+                assertEquals(x[0], context.getDouble(KVX.CB_MIPSOL_SOL)); // there is room for all
+                fails(KVX.ERROR_WRONG_INFO_TYPE, () -> context.getInt(KVX.CB_MIPSOL_OBJ));
                 wrong(() -> context.propose(new double[x.length - 1]));
                 wrong(() -> context.addCut(new int[1], new double[2], '<', 1));
-                Thread other = new Thread(() -> refused(context::runtime), "other");
-                other.setUncaughtExceptionHandler((thread, thrown) -> best.set(null));
-                best.set(x);
-                other.start();
-                assertDoesNotThrow(() -> other.join());
+                assertDoesNotThrow(() -> start(() -> refused(context::runtime)).join());
             });
             run(model, async);
             assertArrayEquals(best.get(), model.getDoubles("X", 0, 24), 1e-6);
@@ -106,6 +105,48 @@ class RunTest extends EnvCase {
         }
     }
 
+    /** Where the first callback about a solution of the process finds the heap full. */
+    static final class FullHeap {
+        private static Object[] hoard = {};
+
+        private static void fill(KVXCallbackContext context) {
+            if (context.where() == KVX.CB_MIPSOL)
+                for (int length = 1 << 20;; length /= 2) {
+                    try {
+                        while (true)
+                            hoard = new Object[] {hoard, new byte[length]};
+                    } catch (OutOfMemoryError e) {
+                        if (length == 0)
+                            throw e;
+                    }
+                }
+        }
+
+        public static void main(String[] args) {
+            KVXModel model = Models.marketSplit(Models.quietEnv(), 12, 1, 3);
+            model.params().set("LazyConstraints", 1);
+            model.setCallback(FullHeap::fill);
+            String thrown = "nothing";
+            try {
+                run(model, Boolean.parseBoolean(args[0]));
+            } catch (OutOfMemoryError e) {
+                hoard = null;
+                thrown = "OutOfMemoryError";
+            }
+            System.out.println(thrown + " " + model.getInt("Status") + " " +
+                               model.getInt("SolCount"));
+            System.exit(0);
+        }
+    }
+
+    @ParameterizedTest
+    @ValueSource(booleans = {false, true})
+    void aFullHeapEndsTheRun(boolean async) throws Exception {
+        Launch run = Launch.fresh(Path.of("."), List.of("-Xmx16m", "-XX:+UseSerialGC"),
+                                  FullHeap.class.getName(), async);
+        assertEquals("OutOfMemoryError " + KVX.STATUS_INTERRUPTED + " 0", run.text(), run.err());
+    }
+
     /** Several wait for a run that fails: one of them is told. */
     @Test
     void oneWaiterIsTold() throws Exception {
@@ -139,11 +180,11 @@ class RunTest extends EnvCase {
             CountDownLatch tried = new CountDownLatch(1);
             model.setCallback(context -> {
                 assertEquals(60, model.getInt("NumVars"));
-                Models.fails(KVX.ERROR_IN_PROGRESS, () -> model.set("ObjCon", 1.0));
+                fails(KVX.ERROR_IN_PROGRESS, () -> model.set("ObjCon", 1.0));
                 refused(model::close, model::optimize, model::optimizeAsync);
                 refused(other::sync, other::close);
                 for (int i = 0; i < 1000; i++) // while the other thread's calls fail, too
-                    Models.fails(KVX.ERROR_IN_PROGRESS, model::sync);
+                    fails(KVX.ERROR_IN_PROGRESS, model::sync);
                 tried.countDown();
             });
             other.optimizeAsync();
@@ -159,22 +200,16 @@ class RunTest extends EnvCase {
         }
     }
 
-    @Test
-    void closingEndsWhatRuns() throws Exception {
-        for (boolean async : new boolean[] {true, false}) {
-            KVXModel model = endless();
-            CountDownLatch called = called(model);
-            if (async)
-                model.optimizeAsync();
-            else
-                start(model::optimize); // frees the model when it returns
-            called.await();
-            model.close();
-            model.close();
-            model.terminate(); // harmless
-            refused(model::optimize, model::handle, model::sync, model::update);
-            refused(() -> model.params().getInt("Threads"));
-        }
+    @ParameterizedTest
+    @ValueSource(booleans = {false, true})
+    void closingEndsWhatRuns(boolean async) throws Exception {
+        KVXModel model = endless();
+        startRun(model, async); // frees the model when it returns
+        model.close();
+        model.close();
+        model.terminate(); // harmless
+        refused(model::optimize, model::handle, model::sync, model::update);
+        refused(() -> model.params().getInt("Threads"));
         // What a callback threw isn't lost when nobody waited for the run.
         KVXModel failing = endless();
         failing.setCallback(context -> { throw new ArithmeticException(); });

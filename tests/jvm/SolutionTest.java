@@ -57,7 +57,7 @@ class SolutionTest extends EnvCase {
         try (KVXModel wide = new KVXModel(env, "wide", Columns.of(1, 2, 3))) {
             assertEquals(0, wide.basis().head().length);
             wide.constraints().add(SparseVector.ones(0, 1, 2), KVX.EQUAL, 1, null);
-            Models.fails(KVX.ERROR_DATA_NOT_AVAILABLE, wide.basis()::head);
+            fails(KVX.ERROR_DATA_NOT_AVAILABLE, wide.basis()::head);
             wide.optimize();
             assertEquals(4, wide.basis().row(0).size()); // more than there are rows
         }
@@ -89,7 +89,7 @@ class SolutionTest extends EnvCase {
     @Test
     void modelsOfASolvedOne() {
         try (KVXModel split = Models.marketSplit(env, 12, 2, 3)) {
-            Models.fails(KVX.ERROR_DATA_NOT_AVAILABLE, split::fixed);
+            fails(KVX.ERROR_DATA_NOT_AVAILABLE, split::fixed);
             split.optimize();
             Map<String, Function<KVXModel, KVXModel>> makers =
                 Map.of("relaxed", KVXModel::relaxed, "fixed", KVXModel::fixed, "presolved",
@@ -127,7 +127,7 @@ class SolutionTest extends EnvCase {
             split.tune();
             int results = split.getInt("TuneResultCount");
             split.loadTuneResult(results - 1);
-            Models.fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> split.loadTuneResult(results));
+            fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> split.loadTuneResult(results));
             assertTrue(reasons.contains(KVX.CB_TUNE));
         }
         try (KVXModel shifts = KVXModel.read(env, MODELS + "shifts.lp")) {
@@ -136,9 +136,9 @@ class SolutionTest extends EnvCase {
             assertTrue(reasons.contains(KVX.CB_IIS));
             assertArrayEquals(new int[] {0, 1, 1, 0, 0, 1, 1}, shifts.getInts("IISConstr", 0, 7));
         }
-        Models.fails(KVX.ERROR_INVALID_ARGUMENT, model::computeIIS); // it is feasible
+        fails(KVX.ERROR_INVALID_ARGUMENT, model::computeIIS); // it is feasible
         assertFalse(model.isRunning());
-        Models.fails(KVX.ERROR_INVALID_ARGUMENT, () -> KVXModel.adopt(env, 0));
+        fails(KVX.ERROR_INVALID_ARGUMENT, () -> KVXModel.adopt(env, 0));
     }
 
     @Test
@@ -161,7 +161,7 @@ class SolutionTest extends EnvCase {
             assertEquals(batch.jsonSolution(), Files.readString(file));
             batch.discard();
         }
-        Models.fails(KVX.ERROR_NOT_FOUND, () -> new KVXBatch(env, id));
+        fails(KVX.ERROR_NOT_FOUND, () -> new KVXBatch(env, id));
     }
 
     @Test

@@ -6,7 +6,7 @@ import java.nio.file.Path;
 import java.util.*;
 import java.util.concurrent.*;
 import java.util.concurrent.atomic.*;
-import org.junit.jupiter.api.*;
+import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.function.Executable;
 import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.ValueSource;
@@ -25,8 +25,8 @@ class ThreadTest extends EnvCase {
             uses.add(() -> env.params().set("MIPGap", 0));
             uses.add(() -> model.copy(other).close());
             uses.add(() -> model.copy(env).close());
-            uses.add(() -> Models.fails(none, () -> model.getInt("None")));
-            uses.add(() -> Models.fails(none, () -> batch.getInt("None")));
+            uses.add(() -> fails(none, () -> model.getInt("None")));
+            uses.add(() -> fails(none, () -> batch.getInt("None")));
             uses.add(() -> env.message("line"));
             for (int seed = 0; seed < 4; seed++) {
                 Random random = new Random(seed);
@@ -122,15 +122,14 @@ class ThreadTest extends EnvCase {
         AtomicInteger lines = new AtomicInteger();
         KVXModel model = endless();
         for (int round = 0; round < 20; round++) {
-            CountDownLatch called = called(model);
             if (round % 3 != 0)
                 env.setLog(line -> lines.incrementAndGet());
-            Thread runner = start(() -> run(model, async));
-            called.await();
+            startRun(model, async);
             env.setLog(round % 2 == 0 ? null : line -> lines.addAndGet(1000));
             int before = lines.get();
             model.terminate();
-            runner.join();
+            join();
+            model.sync();
             if (round % 2 == 0)
                 assertEquals(before, lines.get());
             else if (round % 3 != 0) // else the run may have had no callback since
@@ -234,7 +233,8 @@ class ThreadTest extends EnvCase {
     static final class Unfinished {
         public static void main(String[] args) throws Exception {
             KVXModel model = Models.marketSplit(Models.quietEnv(), 50, 5, 7);
-            CountDownLatch called = called(model);
+            CountDownLatch called = new CountDownLatch(1);
+            model.setCallback(context -> called.countDown());
             model.optimizeAsync();
             called.await();
             if (!args[0].equals("0"))
