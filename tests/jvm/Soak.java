@@ -42,10 +42,11 @@ final class Soak {
     }
 
     private static void repeat(String what, int warmUp, int rounds, Work work) throws Exception {
+        globalReferences(); // Asking for them takes memory itself, at first.
         for (int i = 0; i < warmUp; i++)
             work.round(i);
-        long memory = residentKilobytes(), references = globalReferences(),
-             handles = Handle.alive();
+        long references = globalReferences(), handles = Handle.alive(),
+             memory = residentKilobytes();
         long begun = System.nanoTime();
         for (int i = 0; i < rounds; i++) {
             work.round(warmUp + i);

@@ -91,9 +91,11 @@ TEST_F(Callbacks, OnAnotherThreadAttachAndDetachEveryTime) {
 TEST_F(Callbacks, OnALaterThreadOfTheSameIdAttach) {
     optimize(1);
     EXPECT_EQ(record()->installTask, gettid());
-    --record()->installTask;
     ledger.begin({});
-    EXPECT_EQ(callBack(), 0);
+    std::thread([this] {
+        record()->installThread = pthread_self();
+        EXPECT_EQ(callBack(), 0);
+    }).join();
     expectEvents("attach | " + forwarded + "detach");
     void *env = nullptr;
     java.vm.AttachCurrentThread(&env, nullptr);
