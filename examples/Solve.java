@@ -83,7 +83,7 @@ public final class Solve {
         } catch (UsageException e) {
             System.err.println("solve: " + e.getMessage());
             solve.exitStatus = 2;
-        } catch (KVXException | IOException | UnsatisfiedLinkError e) {
+        } catch (KVXException | UnsatisfiedLinkError e) {
             System.err.println("solve: " + e.getMessage());
         } finally {
             solve.endOutput();
@@ -188,7 +188,7 @@ public final class Solve {
                                   : directory != null && Files.isWritable(directory);
     }
 
-    private void run() throws UsageException, IOException {
+    private void run() throws UsageException {
         try (KVXEnv env = KVXEnv.empty()) {
             env.params().set("LogToConsole", 0);
             for (String[] parameter : parameters)
@@ -259,7 +259,7 @@ public final class Solve {
         progress.end();
     }
 
-    private void report(KVXModel model) throws IOException {
+    private void report(KVXModel model) {
         int status = model.getInt("Status");
         if (!quiet)
             System.out.println(progress.origin());
@@ -270,26 +270,42 @@ public final class Solve {
         System.out.printf("Time: %.2f s%n", model.getDouble("Runtime"));
         if (solution)
             printSolution(model);
-        if (jsonFile != null)
-            writeText(jsonFile, model.jsonSolution() + "\n");
-        if (plotFile != null)
-            writeText(plotFile,
-                      chart.svg(model.getDouble("Runtime"), value(() -> model.getDouble("ObjVal")),
-                                value(() -> model.getDouble("ObjBound"))));
-        if (resultFile != null)
-            model.write(resultFile);
-        exitStatus = exitStatus(status);
+        boolean saved = save(jsonFile, () -> write(jsonFile, model.jsonSolution() + "\n"));
+        saved &= save(plotFile, () -> write(plotFile, drawing(model)));
+        saved &= save(resultFile, () -> model.write(resultFile));
+        exitStatus = saved ? exitStatus(status) : 1;
         if (iis &&
             (status == KVX.STATUS_INFEASIBLE || status == KVX.STATUS_INFEASIBLE_OR_UNBOUNDED))
             reportConflict(model);
     }
 
-    private static void writeText(String file, String text) throws IOException {
+    private interface Saving {
+        void save() throws IOException;
+    }
+
+    /** Saves to a file if one is named. What fails here keeps nothing else from being saved. */
+    private static boolean save(String file, Saving saving) {
+        try {
+            if (file != null)
+                saving.save();
+            return true;
+        } catch (KVXException | IOException e) {
+            System.err.println("solve: " + e.getMessage());
+            return false;
+        }
+    }
+
+    private static void write(String file, String text) throws IOException {
         try {
             Files.writeString(Path.of(file), text);
         } catch (IOException e) { // A full disk has no name.
             throw new IOException(file + ": " + e.getMessage(), e);
         }
+    }
+
+    private String drawing(KVXModel model) {
+        return chart.svg(model.getDouble("Runtime"), value(() -> model.getDouble("ObjVal")),
+                         value(() -> model.getDouble("ObjBound")));
     }
 
     private static void printSolution(KVXModel model) {
