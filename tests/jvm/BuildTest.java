@@ -247,6 +247,8 @@ class BuildTest extends EnvCase {
             assertArrayEquals(doubles(KVX.INFINITY, KVX.INFINITY),
                               bare.getDoubles(KVXAttribute.UB));
             assertArrayEquals("BB".toCharArray(), made.getChars(KVXAttribute.VAR_TYPE));
+            assertEquals(Columns.of(4, 5).allOf('B'), Columns.of(4, 5).types('B', 'B'));
+            assertEquals(Rows.of(null, "<".toCharArray(), 1), Rows.of(null, new char[] {'<'}, 1));
         }
     }
 
@@ -286,6 +288,7 @@ class BuildTest extends EnvCase {
         missing("values", () -> model.set("LB", 0, (double[])null));
         missing("columns", () -> model.variables().add((Columns)null));
         missing("constraint", () -> general.add(null, ""));
+        missing("text", () -> env.message(null));
         wrong("2 elements, not 1", () -> new SparseVector(ints(1), 1, 2));
         wrong("1 elements, not 2", () -> new Triplets(ints(1, 2), ints(1), 1, 2));
         wrong("0 elements, not 1", () -> matrix(ints(0), ints(0)));

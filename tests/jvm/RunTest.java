@@ -29,7 +29,8 @@ class RunTest extends EnvCase {
                 best.set(x);
                 double off = x[20] + x[21] + x[22] + x[23];
                 assertEquals(context.getDouble(KVX.CB_MIPSOL_OBJ), off, 1e-6);
-                assertEquals(x[0], context.getDouble(KVX.CB_MIPSOL_SOL)); // there is room for all
+                fails(KVX.ERROR_WRONG_INFO_TYPE, () -> context.getDouble(KVX.CB_MIPSOL_SOL));
+                fails(KVX.ERROR_WRONG_INFO_TYPE, () -> context.getVector(KVX.CB_MIPSOL_OBJ));
                 fails(KVX.ERROR_WRONG_INFO_TYPE, () -> context.getInt(KVX.CB_MIPSOL_OBJ));
                 wrong(() -> context.propose(new double[x.length - 1]));
                 wrong(() -> context.addCut(new int[1], new double[2], '<', 1));

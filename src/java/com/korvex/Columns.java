@@ -7,7 +7,7 @@ import java.util.function.LongUnaryOperator;
 /**
  * Variables to be added, all at once: {@code Columns.of(3, 2, 4).upper(9, 9, 1).names("x", "y",
  * "z")}. Everything but the objective is optional and null by default. Every array has an element
- * a variable. The arrays are kept, not copied.
+ * a variable. The arrays are kept, not copied; equality is that of the contents.
  *
  * @param obj objective coefficients; their number is that of the variables
  * @param coefficients a list a variable, of constraint indices and coefficients; null for none
@@ -118,6 +118,21 @@ public record Columns(double[] obj, SparseMatrix coefficients, double[] lb, doub
      * @return the length of {@code obj}
      */
     public int size() { return obj.length; }
+
+    @Override
+    public boolean equals(Object other) {
+        return Contents.equal(this, other);
+    }
+
+    @Override
+    public int hashCode() {
+        return Contents.hash(this);
+    }
+
+    @Override
+    public String toString() {
+        return Contents.text(this);
+    }
 
     /** A maker of a model with these variables. */
     LongUnaryOperator newModel(String name) {

@@ -2,8 +2,9 @@ package com.korvex;
 
 /**
  * A local object for one batch request, whose attributes are those of the last {@link #update}.
- * Closing it leaves the request alone. A use after closing throws {@link IllegalStateException}.
- * Any thread may use it: it waits while another one does.
+ * Closing it leaves the request alone. A use after closing throws {@link IllegalStateException},
+ * and what the solver refuses, in the request's present state for example, is a {@link
+ * KVXException}. Any thread may use it: it waits while another one does.
  */
 public final class KVXBatch implements AutoCloseable {
     private final KVXEnv env;

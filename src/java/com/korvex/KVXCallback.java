@@ -1,6 +1,13 @@
 package com.korvex;
 
-/** Is told of a run's progress and may act on it. */
+/**
+ * Is told of a run's progress and may act on it.
+ *
+ * <p>Meanwhile the run's model can be read: its data, {@link KVXAttribute#STATUS} and {@link
+ * KVXAttribute#RUNTIME}. What would change it, or needs a solution, is refused. Other models, their
+ * runs, and environments can be used as elsewhere, with a log, too; only on a thread of the
+ * solver's own, whatever may log is refused while the log has a consumer.
+ */
 @FunctionalInterface
 public interface KVXCallback {
     /**

@@ -6,8 +6,9 @@ import java.util.function.LongToIntFunction;
 /**
  * One call of a {@link KVXCallback}: why it is made, what can be asked for, what can be done. Which
  * what code belongs to which where code, and its type, is said at the codes in {@link KVX}. A
- * context works on the callback's thread until the callback returns; otherwise its methods throw
- * {@link IllegalStateException}.
+ * context works on the callback's thread until the callback returns; otherwise all but {@link
+ * #model} and {@link #where} throw {@link IllegalStateException}. What the solver refuses, at this
+ * where for example, is a {@link KVXException}.
  */
 public final class KVXCallbackContext {
     private final KVXModel model;
@@ -77,7 +78,10 @@ public final class KVXCallbackContext {
      * @throws KVXException if the code is of another type ({@link KVX#ERROR_WRONG_INFO_TYPE}) or of
      *     another where
      */
-    public double getDouble(int what) { return getDoubles(what, 1)[0]; }
+    public double getDouble(int what) {
+        requireType(!isVector(what));
+        return getDoubles(what, 1)[0];
+    }
 
     /**
      * Reads a vector with a value a variable: {@link KVX#CB_MIPSOL_SOL}, {@link KVX#CB_MIPNODE_REL}
@@ -85,15 +89,28 @@ public final class KVXCallbackContext {
      *
      * @param what its what code
      * @return the values
-     * @throws KVXException if the code belongs to another where
+     * @throws KVXException if it is no such code ({@link KVX#ERROR_WRONG_INFO_TYPE}), or belongs to
+     *     another where
      */
-    public double[] getVector(int what) { return getDoubles(what, numVars); }
+    public double[] getVector(int what) {
+        requireType(isVector(what));
+        return getDoubles(what, numVars);
+    }
+
+    /** Of a vector the native takes as many values as the array is long, of all else one. */
+    private static boolean isVector(int what) {
+        return what == KVX.CB_MIPSOL_SOL || what == KVX.CB_MIPNODE_REL ||
+            what == KVX.CB_MULTIOBJ_SOL;
+    }
+
+    private void requireType(boolean right) {
+        valid();
+        if (!right)
+            throw new KVXException(KVX.ERROR_WRONG_INFO_TYPE, null);
+    }
 
     private double[] getDoubles(int what, int count) {
-        // The length of the array decides how much native memory the solver may fill.
-        boolean vector =
-            what == KVX.CB_MIPSOL_SOL || what == KVX.CB_MIPNODE_REL || what == KVX.CB_MULTIOBJ_SOL;
-        double[] slot = new double[vector ? numVars : count];
+        double[] slot = new double[count];
         check(cb -> KorvexJni.cbgetdblinfo(cb, where, what, slot));
         return slot;
     }
@@ -154,13 +171,17 @@ public final class KVXCallbackContext {
     }
 
     /**
-     * Changes an int parameter of the run that is going on.
+     * Changes an int parameter of the run that is going on, or a double one to that value.
      *
      * @param name its name
      * @param value its value
      */
     public void set(String name, int value) {
-        check(cb -> KorvexJni.cbsetintparam(cb, name, value));
+        check(cb -> {
+            int status = KorvexJni.cbsetintparam(cb, name, value);
+            return status == KVX.ERROR_UNKNOWN_PARAMETER ? KorvexJni.cbsetdblparam(cb, name, value)
+                                                         : status;
+        });
     }
 
     /**

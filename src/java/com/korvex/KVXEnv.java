@@ -1,5 +1,6 @@
 package com.korvex;
 
+import java.util.Objects;
 import java.util.function.Consumer;
 
 /**
@@ -131,9 +132,10 @@ public final class KVXEnv implements AutoCloseable {
     /**
      * Writes a line to the log.
      *
-     * @param text the line, without a line feed
+     * @param text the line, without a line feed; one inside makes two lines
      */
     public void message(String text) {
+        Objects.requireNonNull(text, "text");
         logging(() -> handle.call(env -> KorvexJni.message(env, text + "\n")));
     }
 

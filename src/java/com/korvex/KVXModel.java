@@ -102,8 +102,8 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      *
      * @param env its environment
      * @param name its name, or null
-     * @throws KVXException if the solver refuses; the text tells why, the status is always {@link
-     *     KVX#ERROR_INVALID_ARGUMENT}
+     * @throws KVXException if the solver refuses; the text tells why; the status is {@link
+     *     KVX#ERROR_NOT_STARTED} or, for all other reasons, {@link KVX#ERROR_INVALID_ARGUMENT}
      */
     public KVXModel(KVXEnv env, String name) { this(env, name, Columns.of()); }
 
@@ -114,8 +114,8 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      * @param name its name, or null
      * @param columns the variables, without coefficients
      * @throws IllegalArgumentException if there are coefficients
-     * @throws KVXException if the solver refuses; the text tells why, the status is always {@link
-     *     KVX#ERROR_INVALID_ARGUMENT}
+     * @throws KVXException if the solver refuses; the text tells why; the status is {@link
+     *     KVX#ERROR_NOT_STARTED} or, for all other reasons, {@link KVX#ERROR_INVALID_ARGUMENT}
      */
     public KVXModel(KVXEnv env, String name, Columns columns) {
         this(env, columns.newModel(name), KVX.ERROR_INVALID_ARGUMENT);
@@ -132,8 +132,8 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      * @param rows the constraints, without coefficients and lower bounds
      * @return the model
      * @throws IllegalArgumentException if there are coefficients or lower bounds with the rows
-     * @throws KVXException if the solver refuses; the text tells why, the status is always {@link
-     *     KVX#ERROR_INVALID_ARGUMENT}
+     * @throws KVXException if the solver refuses; the text tells why; the status is {@link
+     *     KVX#ERROR_NOT_STARTED} or, for all other reasons, {@link KVX#ERROR_INVALID_ARGUMENT}
      */
     public static KVXModel load(KVXEnv env, String name, int sense, double constant,
                                 Columns columns, Rows rows) {
@@ -147,8 +147,8 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      * @param env the environment for the model
      * @param file name of the file
      * @return the model
-     * @throws KVXException if that fails; its message names file and line, the status is always
-     *     {@link KVX#ERROR_FILE_READ}
+     * @throws KVXException if that fails; its message names file and line; the status is {@link
+     *     KVX#ERROR_NOT_STARTED} or, for all other reasons, {@link KVX#ERROR_FILE_READ}
      */
     public static KVXModel read(KVXEnv env, String file) {
         Objects.requireNonNull(file, "file");

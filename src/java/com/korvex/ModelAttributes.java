@@ -4,7 +4,8 @@ package com.korvex;
  * The attributes of a model and its elements: the part of {@link KVXModel} that reads and sets.
  * {@link KVXAttribute} lists them; names are matched without regard to case. The methods throw
  * {@link KVXException} for an unknown name, an attribute of another type or shape, an index that
- * doesn't exist, and a datum that isn't there.
+ * doesn't exist, and a datum that isn't there; and {@link IndexOutOfBoundsException} for a range
+ * that begins below 0. Of no elements at all, nothing but the name is looked at.
  */
 abstract class ModelAttributes extends ModelCalls {
     /**

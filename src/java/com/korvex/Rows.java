@@ -5,7 +5,7 @@ import java.util.Objects;
 /**
  * Linear constraints to be added, all at once. With senses they are {@code row <= rhs}, {@code row
  * >= rhs} or {@code row = rhs}; with lower bounds, {@code lower <= row <= rhs}. Every array has an
- * element a constraint. The arrays are kept, not copied.
+ * element a constraint. The arrays are kept, not copied; equality is that of the contents.
  *
  * @param coefficients a list a constraint, of variable indices and coefficients; null for none
  * @param senses {@link KVX#LESS_EQUAL} and so on; null if there are lower bounds
@@ -81,4 +81,19 @@ public record Rows(SparseMatrix coefficients, char[] senses, double[] lower, dou
      * @return the length of {@code rhs}
      */
     public int size() { return rhs.length; }
+
+    @Override
+    public boolean equals(Object other) {
+        return Contents.equal(this, other);
+    }
+
+    @Override
+    public int hashCode() {
+        return Contents.hash(this);
+    }
+
+    @Override
+    public String toString() {
+        return Contents.text(this);
+    }
 }
