@@ -1,5 +1,7 @@
 package com.korvex;
 
+import java.util.function.LongToIntFunction;
+
 /**
  * A local object for one batch request, whose attributes are those of the last {@link #update}.
  * Closing it leaves the request alone. A use after closing throws {@link IllegalStateException},
@@ -22,7 +24,7 @@ public final class KVXBatch implements AutoCloseable {
         long[] slot = new long[1];
         env.handle.pin();
         try {
-            env.handle.call(environment -> KorvexJni.newbatch(slot, environment, id));
+            env.logging(() -> env.handle.call(e -> KorvexJni.newbatch(slot, e, id)));
             handle = new Handle("the batch", slot[0], batch -> env.errorText(), this::free);
         } catch (Throwable t) {
             if (slot[0] != 0)
@@ -37,8 +39,11 @@ public final class KVXBatch implements AutoCloseable {
         env.handle.unpin();
     }
 
+    /** Makes a native call that may reach the request, and log. */
+    private void call(LongToIntFunction nativeCall) { env.logging(() -> handle.call(nativeCall)); }
+
     /** Fetches the request's present state. */
-    public void update() { handle.call(this::jniupdate); }
+    public void update() { call(this::jniupdate); }
 
     /**
      * Reads an int attribute, as of the last update.
@@ -65,13 +70,13 @@ public final class KVXBatch implements AutoCloseable {
     }
 
     /** Submits the failed or aborted request again. */
-    public void retry() { env.logging(() -> handle.call(this::jniretry)); }
+    public void retry() { call(this::jniretry); }
 
     /** Aborts the request. */
-    public void abort() { env.logging(() -> handle.call(this::jniabort)); }
+    public void abort() { call(this::jniabort); }
 
     /** Removes the ended request and its data: its ID is unknown from now on. */
-    public void discard() { handle.call(this::jnidiscard); }
+    public void discard() { call(this::jnidiscard); }
 
     /**
      * Returns the solution of the completed request as JSON.
@@ -80,7 +85,7 @@ public final class KVXBatch implements AutoCloseable {
      */
     public String jsonSolution() {
         String[] slot = new String[1];
-        handle.call(batch -> jnigetjsonsolution(batch, slot));
+        call(batch -> jnigetjsonsolution(batch, slot));
         return slot[0];
     }
 
@@ -89,9 +94,7 @@ public final class KVXBatch implements AutoCloseable {
      *
      * @param file name of the file
      */
-    public void writeJsonSolution(String file) {
-        handle.call(batch -> jniwritejsonsolution(batch, file));
-    }
+    public void writeJsonSolution(String file) { call(batch -> jniwritejsonsolution(batch, file)); }
 
     /**
      * Returns the native handle, for {@link KorvexJni}. Keep this object open while using it.

@@ -13,6 +13,9 @@ import java.util.function.Consumer;
  * never for the length of a run, but for that of reading or deriving a model. Runs of different
  * models go on at once.
  *
+ * <p><b>The log</b> goes to standard output unless {@link KVXParameter#LOG_TO_CONSOLE} is 0, to the
+ * file {@link KVXParameter#LOG_FILE}, and to the consumer of {@link #setLog}.
+ *
  * <p><b>The log and threads.</b> Lines reach the consumer of {@link #setLog} from the thread that
  * makes them: the Java thread whose call logs, or a thread of the solver's own. The native binding
  * serves one Java thread at a time. So while a consumer is set, the calls of an environment and its
@@ -21,8 +24,7 @@ import java.util.function.Consumer;
  * {@link KVXCallback}. Use an environment a thread where runs that log are to go on at full speed
  * side by side. Set the consumer before a run begins: one that is set while runs go on that had
  * none gets lines once all of these have ended or come to a callback. Reading and deriving models
- * and
- * {@link KVXModel#relaxFeasibility} have the turn, the first two the environment, too, from
+ * and {@link KVXModel#relaxFeasibility} have the turn, the first two the environment, too, from
  * beginning to end. A virtual thread that has to wait for a model inside such a call may lose that
  * call's lines; its runs lose none.
  */

@@ -12,8 +12,8 @@ import java.util.function.LongUnaryOperator;
  * <p><b>Threads.</b> Any thread may use a model: it waits while another one does. During a run only
  * the callbacks of that run can use it, to read; other threads get an {@link
  * IllegalStateException}.
- * {@link #terminate} and {@link #close} may be called by any thread at any moment: what another
- * thread is doing in the model is ended, and its last call to return frees the native half. A use
+ * {@link #terminate} and, outside of callbacks, {@link #close} may be called by any thread at any
+ * moment: a run that is going on is ended, and the last call to return frees the native half. A use
  * after closing throws {@link IllegalStateException}. A run that a virtual thread makes is
  * conducted by a daemon thread of its own, as after {@link #optimizeAsync}.
  *
@@ -516,16 +516,22 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      *
      * @param index its number, from 0, the best, to the attribute "TuneResultCount" - 1; -1 for the
      *     latest found
+     * @throws KVXException if there is no such setting
      */
     public void loadTuneResult(int index) { call(model -> KorvexJni.gettuneresult(model, index)); }
 
-    /** Fixes the discrete variables at the best solution, in place, and makes them continuous. */
-    public void convertToFixed() { call(this::jniconverttofixed); }
+    /**
+     * Fixes the discrete variables at the best solution, in place, and makes them continuous.
+     *
+     * @throws KVXException if there is no solution, or the solver refuses
+     */
+    public void convertToFixed() { env.logging(() -> call(this::jniconverttofixed)); }
 
     /**
      * Submits a copy of the model as a batch request.
      *
      * @return the request's ID, for {@link KVXBatch}
+     * @throws KVXException if the solver refuses
      */
     public String optimizeBatch() {
         String[] slot = new String[1];
@@ -536,14 +542,18 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     /**
      * Reads a solution, start, basis or parameter file into the model.
      *
-     * @param file its name, which tells the format
+     * @param file its name, which tells the {@link FileFormat format}
+     * @throws KVXException if that fails; its message names file and line, and nothing is changed
      */
     public void read(String file) { env.logging(() -> call(model -> KorvexJni.read(model, file))); }
 
     /**
-     * Writes a model, solution, start, basis or parameter file.
+     * Writes a model, solution, start, basis or parameter file, or a solution as JSON.
      *
-     * @param file its name, which tells the format
+     * @param file its name, which tells the {@link FileFormat format} by its ending, .json for the
+     *     last
+     * @throws KVXException if the file can't be written, there is nothing to write, or the format
+     *     can't hold it
      */
     public void write(String file) {
         env.logging(() -> call(model -> KorvexJni.write(model, file)));
@@ -553,6 +563,7 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
      * Returns the solution as JSON.
      *
      * @return the text
+     * @throws KVXException if the model wasn't solved
      */
     public String jsonSolution() {
         String[] slot = new String[1];

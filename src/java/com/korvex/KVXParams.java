@@ -114,9 +114,10 @@ public final class KVXParams {
     public void reset() { call(KorvexJni::resetparams); }
 
     /**
-     * Reads a parameter file.
+     * Reads a parameter file, a line "name value" for each parameter that is to be set.
      *
      * @param file its name
+     * @throws KVXException if that fails; its message names file and line, and nothing is changed
      */
     public void read(String file) {
         log.logging(() -> call(env -> KorvexJni.readparams(env, file)));
@@ -126,6 +127,7 @@ public final class KVXParams {
      * Writes the parameters that differ from their defaults.
      *
      * @param file name of the file
+     * @throws KVXException if the file can't be written
      */
     public void write(String file) {
         log.logging(() -> call(env -> KorvexJni.writeparams(env, file)));

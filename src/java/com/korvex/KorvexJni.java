@@ -310,7 +310,9 @@ public final class KorvexJni {
                                        String[] names);
 
     /**
-     * Applies pending changes to a model.
+     * Applies pending changes to a model. The development solver has none, it changes a model at
+     * once; with another library, what was added, deleted or set can be read, and be referred to by
+     * its index, only after this.
      *
      * @param model handle of the model
      * @return the status

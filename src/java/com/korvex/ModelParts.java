@@ -73,8 +73,9 @@ abstract class ModelParts extends ModelAttributes {
 
     /**
      * Applies pending changes. A library may change the model at once, as the development solver
-     * does; with another, what was added, deleted or set can be read only after this. A run, and
-     * whoever needs counts to add or to measure, does it by itself.
+     * does; with another, what was added, deleted or set can be read, and be referred to by its
+     * index, only after this. A run, and whatever adds elements or needs their number, does it by
+     * itself before anything else.
      *
      * @throws KVXException if the solver refuses
      */

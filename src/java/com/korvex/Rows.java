@@ -64,6 +64,7 @@ public record Rows(SparseMatrix coefficients, char[] senses, double[] lower, dou
      */
     public static Rows ranges(SparseMatrix coefficients, double[] lower, double... upper) {
         Objects.requireNonNull(lower, "lower");
+        Objects.requireNonNull(upper, "upper");
         return new Rows(coefficients, null, lower, upper, null);
     }
 

@@ -45,7 +45,7 @@ public record SparseMatrix(int[] beg, int[] ind, double[] val) {
      * @throws IllegalArgumentException if they have more than 2^31 - 1 entries together
      */
     public static SparseMatrix of(List<SparseVector> lists) {
-        List<SparseVector> all = List.copyOf(lists);
+        List<SparseVector> all = List.copyOf(Objects.requireNonNull(lists, "lists"));
         long total = all.stream().mapToLong(SparseVector::size).sum();
         if (total > Integer.MAX_VALUE)
             throw new IllegalArgumentException("the lists have " + total +
