@@ -38,6 +38,53 @@ no_warnings() {
     ! grep -h 'warning:' "$root$checkout"/build/*.log
 }
 
+# Without an administrator's rights it is said what to install.
+tells_packages() {
+    local said
+    ! said=$(inside setpriv --reuid 65534 --clear-groups ./run solve 2>&1) &&
+        grep -F "Have an administrator run: apt-get install g++ cmake ninja-build" <<<"$said"
+}
+
+# README's two commands for the commercial library, for which a library without any sense stands in.
+commercial() {
+    # shellcheck disable=SC2016
+    inside sh -euc 'export DEBIAN_FRONTEND=noninteractive lib=/tmp/libkorvex130.so
+        apt-get install -y --no-install-recommends g++ cmake ninja-build default-jdk-headless
+        cat src/jni/korvex/*.h | sed -nE "s/^[A-Za-z].*[ *](KVX[A-Za-z0-9]+)[(].*/int \1() { return 0; }/p" |
+            gcc -shared -fPIC -o $lib -x c -
+        cmake --preset default -DKORVEX_SOLVER_LIBRARY=$lib
+        cmake --build --preset default --target korvexjni korvex_jar
+        rm -r build' >>"$root.log" 2>&1
+}
+
+# lively COMMAND...: what packages say isn't on the screen, which is never still for long.
+lively() {
+    "$@" 2>&1 | {
+        local line status=0
+        while IFS= read -r -t 30 line || { status=$? && false; }; do
+            echo "$line"
+            [[ $line != @(Get:|Unpacking|Setting up)* ]] || return 1
+        done
+        [ "$status" -le 128 ]
+    }
+}
+
+# presets PRESET...: other builds of the tests that need no virtual machine.
+presets() {
+    local preset
+    for preset in "$@"; do
+        inside sh -euc "cmake --preset $preset && cmake --build --preset $preset --target native_test &&
+            ctest --preset $preset -R '^native_test\$'" >>"$root.log" 2>&1 || return 1
+    done
+}
+
+small() {
+    local megabytes
+    megabytes=$(du -sm "$root$checkout/build" | cut -f 1)
+    echo "$suite: the build directory has $megabytes MB"
+    [ "$megabytes" -le 270 ]
+}
+
 with_jdk() {
     local home
     inside env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "$1" \
@@ -56,11 +103,16 @@ for suite in "$@"; do
     mkdir -p "$root$checkout"
     tar c -C "$source" --exclude=./build --exclude=./.git . | tar x -C "$root$checkout"
 
-    timed "./run solve" inside ./run solve
+    timed "no administrator" tells_packages
+    timed "the commercial library's commands" commercial
+    timed "./run solve" lively inside ./run solve
     timed "./run test" inside ./run test
     timed "no warnings" no_warnings
+    timed "size" small
     # clang's native tests are built already.
     timed "tests built by clang" inside ctest --preset clang -R '^native_test$'
+    timed "a new native" inside tests/new_native.sh
+    timed "other presets" presets debug asan tsan
 
     newest=$(inside apt-cache search --names-only '^openjdk-[0-9]+-jdk-headless$' |
         sed 's/ .*//' | sort -V | tail -n 1)

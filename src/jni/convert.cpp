@@ -30,7 +30,7 @@ void storeText(JNIEnv *jni, jobjectArray slot, jsize index, const char *text) {
 
 void adviseHugePages(void *memory, size_t size) {
     // Whole pages only: the block's edges may be shared with others.
-    const auto page = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
+    const auto page = static_cast<uintptr_t>(getpagesize());
     const uintptr_t first = (reinterpret_cast<uintptr_t>(memory) + page - 1) / page * page;
     const uintptr_t end = (reinterpret_cast<uintptr_t>(memory) + size) / page * page;
     madvise(reinterpret_cast<void *>(first), end - first, MADV_HUGEPAGE);

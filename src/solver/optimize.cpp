@@ -103,7 +103,7 @@ Problem::Problem(const ModelData &model)
         cost.push_back(sense * var.obj);
         lower.push_back(discrete ? std::ceil(bound(var.lb) - integerTolerance) : bound(var.lb));
         upper.push_back(discrete ? std::floor(bound(var.ub) + integerTolerance) : bound(var.ub));
-        integer.push_back(discrete);
+        integer.push_back(discrete ? 1 : 0);
         isMip |= discrete;
     }
     for (const Sides &constr : model.constrs) {

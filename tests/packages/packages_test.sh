@@ -59,7 +59,12 @@ for classifier in sources javadoc; do
     [ -f "$artifacts-$classifier.jar" ]
 done
 
-# The Debian packages.
+# The Debian packages. The bridge needs the C library that README promises.
+floor=$(sed -n 's/.*(glibc \([0-9.]*\) or later).*/\1/p' "$here/../../README.md")
+depends() { dpkg-deb -f "$build/packages/$1"_*.deb Depends; }
+[[ $(depends libkorvex-java) = "libc6 (>= $floor)" && -z $(depends libkorvex-dev) &&
+    $(depends korvex-development-solver) = *coinor-libcbc3*"libc6 (>= "* ]] ||
+    { echo "FAILED: a package depends on more or less" && exit 1; }
 lintian --allow-root --fail-on error "$build"/packages/*.deb \
     >"$scratch/log" || { cat "$scratch/log" && exit 1; }
 for package in "$build"/packages/*.deb; do
