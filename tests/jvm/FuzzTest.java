@@ -18,17 +18,13 @@ class FuzzTest {
         List<String> options = List.of("-Xmx1g", "-XX:-CreateCoredumpOnCrash",
                                        "-XX:ErrorFile=" + error, checked ? "-Xcheck:jni" : "-ea");
         Path files = Files.createDirectories(directory.resolve("files"));
-        Launch child = Launch.fresh(files, options, "com.korvex.Fuzz", seed, seconds, calls, notes);
-        String text = child.text();
-        if (child.status() != 0) {
-            // The end of what it said, what it was about to call, and where it crashed.
-            String noted = new String(Files.readAllBytes(notes), StandardCharsets.UTF_8);
-            String crash = Files.exists(error) ? Files.readString(error) : "";
+        Launch child = Launch.of(files, options, Fuzz.class, seed, seconds, calls, notes);
+        String text = child.out();
+        if (child.status() != 0) // the end of what it said, what it called, and where it crashed
             throw new AssertionError("status " + child.status() + "\n" +
                                      text.substring(Math.max(0, text.length() - 20_000)) +
-                                     noted.replaceAll("\0+[^\0]*", "\n") +
-                                     crash.substring(0, Math.min(5000, crash.length())));
-        }
+                                     Files.readString(notes).replaceAll("\0+[^\0]*", "\n") +
+                                     (Files.exists(error) ? Files.readString(error) : ""));
         return Long.parseLong(text.replaceFirst("(?s).*?(\\d+) calls$", "$1"));
     }
 
@@ -44,18 +40,17 @@ class FuzzTest {
         String amount = args.length > 0 ? args[0] : "60s";
         long seed = args.length > 1 ? Long.parseLong(args[1]) : System.nanoTime();
         boolean timed = amount.endsWith("s");
-        long least = timed ? Long.MAX_VALUE : Long.parseLong(amount), made = 0;
-        long end =
-            timed ? System.nanoTime() +
-                        Long.parseLong(amount.substring(0, amount.length() - 1)) * 1_000_000_000L
-                  : Long.MAX_VALUE;
+        long wanted = Long.parseLong(amount.replace("s", "")), done = 0, made = 0;
+        long begun = System.nanoTime();
         Random seeds = new Random(seed);
-        for (int part = 0; made < least && System.nanoTime() < end; part++) {
+        for (int part = 0; done < wanted; part++) {
             Path directory = Files.createTempDirectory("fuzz");
-            long seconds = Math.min(30, (end - System.nanoTime()) / 1_000_000_000L + 1);
-            made += fuzz(directory, part % 3 == 2, seed, seconds, least - made);
+            long seconds = timed ? Math.min(30, wanted - done) : 30;
+            made += fuzz(directory, part % 3 == 2, seed, seconds,
+                         timed ? Long.MAX_VALUE : wanted - done);
+            done = timed ? (System.nanoTime() - begun) / 1_000_000_000 : made;
             System.out.println(made + " calls without a finding; the last began with seed " + seed);
-            Launch.of("rm", "-r", directory.toString());
+            new ProcessBuilder("rm", "-r", directory.toString()).start().waitFor();
             seed = seeds.nextLong();
         }
     }

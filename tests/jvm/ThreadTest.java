@@ -245,7 +245,7 @@ class ThreadTest extends EnvCase {
     @ParameterizedTest
     @ValueSource(ints = {0, 3})
     void anUnfinishedRunKeepsNothingAlive(int exit) throws Exception {
-        Launch run = Launch.fresh(Path.of("."), List.of(), Unfinished.class.getName(), exit);
-        assertEquals(exit, run.status(), run.err());
+        Launch run = Launch.of(Path.of("."), List.of(), Unfinished.class, exit);
+        assertEquals(exit, run.status(), run.out());
     }
 }
