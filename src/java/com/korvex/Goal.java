@@ -10,7 +10,7 @@ import java.util.Objects;
  * @param constant its constant
  * @param priority higher ones are optimised first; equal ones are blended by weight
  * @param weight its factor in the blend
- * @param abstol how much later goals may worsen it
+ * @param abstol how much later goals may worsen it, 0 or more, in its own units
  * @param reltol the same, relative to its value; the larger of the two counts
  * @param name its name, or null
  */

@@ -135,7 +135,7 @@ public final class KVXCallbackContext {
     }
 
     /**
-     * Adds a constraint that solutions must obey; the parameter "LazyConstraints" must be 1.
+     * Adds a constraint that solutions must obey; {@link KVXParameter#LAZY_CONSTRAINTS} must be 1.
      *
      * @param ind variable indices
      * @param val their coefficients
@@ -179,8 +179,9 @@ public final class KVXCallbackContext {
     public void set(String name, int value) {
         check(cb -> {
             int status = KorvexJni.cbsetintparam(cb, name, value);
-            return status == KVX.ERROR_UNKNOWN_PARAMETER ? KorvexJni.cbsetdblparam(cb, name, value)
-                                                         : status;
+            if (status == KVX.ERROR_UNKNOWN_PARAMETER)
+                status = KorvexJni.cbsetdblparam(cb, name, value);
+            return status;
         });
     }
 

@@ -20,14 +20,11 @@ import java.util.function.LongUnaryOperator;
  * <p><b>Exceptions in callbacks.</b> What a callback, or the log's consumer, throws ends the run.
  * The method that started the run throws it on; after {@link #optimizeAsync} that is {@link #sync}
  * or {@link #close}. Whatever else went wrong in that run is suppressed by it. If the callback for
- * a new solution throws while the parameter "LazyConstraints" is 1, it may have been about to
- * refuse the solution: the run ends without any.
+ * a new solution throws while {@link KVXParameter#LAZY_CONSTRAINTS} is 1, it may have been about
+ * to refuse the solution: the run ends without any.
  */
 public final class KVXModel extends ModelParts implements AutoCloseable {
     private static final AtomicInteger THREADS = new AtomicInteger();
-
-    private final KVXEnv env;
-    private final Handle handle;
     /** The empty row of {@link #abandon}, made while there is memory. */
     private static final int[] NO_INDICES = {};
     private static final double[] NO_VALUES = {};
@@ -37,6 +34,8 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
         KorvexJni.cbcutorlazy(0, 0, NO_INDICES, NO_VALUES, KVX.GREATER_EQUAL, 1, 0);
     }
 
+    private final KVXEnv env;
+    private final Handle handle;
     private volatile KVXCallback callback;
 
     /** The run that is going on, or that nobody has waited for; begun by the handle's user. */
@@ -241,8 +240,8 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     public void setCallback(KVXCallback callback) { this.callback = callback; }
 
     /**
-     * Solves the model. A limit, an interruption or infeasibility is no failure: the attribute
-     * "Status" tells.
+     * Solves the model. A limit, an interruption or infeasibility is no failure: {@link
+     * KVXAttribute#STATUS} tells.
      *
      * @throws KVXException if the solver fails
      */
@@ -251,7 +250,9 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     }
 
     /**
-     * Tries several parameter settings on the model, for {@link #loadTuneResult}.
+     * Tries several parameter settings on the model, for {@link KVXParameter#TUNE_TIME_LIMIT}
+     * seconds at most. {@link KVXAttribute#TUNE_RESULT_COUNT} of them are kept for {@link
+     * #loadTuneResult}.
      *
      * @throws KVXException if the solver fails
      */
@@ -262,8 +263,8 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     }
 
     /**
-     * Finds an irreducible infeasible subsystem; the attributes "IISConstr", "IISLB" and
-     * "IISUB" tell what belongs to it.
+     * Finds an irreducible infeasible subsystem; {@link KVXAttribute#IIS_CONSTR}, {@link
+     * KVXAttribute#IIS_LB} and {@link KVXAttribute#IIS_UB} tell what belongs to it.
      *
      * @throws KVXException if the solver fails, or the model is feasible
      */
@@ -514,8 +515,8 @@ public final class KVXModel extends ModelParts implements AutoCloseable {
     /**
      * Loads a setting that {@link #tune} found into the model's parameters.
      *
-     * @param index its number, from 0, the best, to the attribute "TuneResultCount" - 1; -1 for the
-     *     latest found
+     * @param index its number, from 0, the best, to {@link KVXAttribute#TUNE_RESULT_COUNT} - 1; -1
+     *     for the latest found
      * @throws KVXException if there is no such setting
      */
     public void loadTuneResult(int index) { call(model -> KorvexJni.gettuneresult(model, index)); }

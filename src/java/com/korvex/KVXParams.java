@@ -75,8 +75,9 @@ public final class KVXParams {
     public void set(String name, int value) {
         call(env -> {
             int status = KorvexJni.setintparam(env, name, value);
-            return status == KVX.ERROR_UNKNOWN_PARAMETER ? KorvexJni.setdblparam(env, name, value)
-                                                         : status;
+            if (status == KVX.ERROR_UNKNOWN_PARAMETER)
+                status = KorvexJni.setdblparam(env, name, value);
+            return status;
         });
     }
 

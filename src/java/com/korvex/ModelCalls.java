@@ -122,10 +122,9 @@ abstract class ModelCalls {
         double[] wide = {value};
         call(model -> {
             int status = KorvexJni.setintattrlist(model, attribute, start, count, null, slot);
-            return status == KVX.ERROR_UNKNOWN_ATTRIBUTE
-                ? KorvexJni.setdblattrlist(model, attribute, start, count, null, wide)
-                :
-                status;
-            });
+            if (status == KVX.ERROR_UNKNOWN_ATTRIBUTE)
+                status = KorvexJni.setdblattrlist(model, attribute, start, count, null, wide);
+            return status;
+        });
     }
 }

@@ -96,13 +96,14 @@ abstract class ModelParts extends ModelAttributes {
      * @param penalty 0: sum of violations; 1: sum of squares; 2: number of violations
      * @param minrelax false: minimise the penalty alone; true: find the least penalty, then the
      *     best original objective at that penalty
-     * @param lbpen a weight a variable for violated lower bounds, or null to keep these; {@link
-     *     KVX#INFINITY} keeps one
-     * @param ubpen a weight a variable for violated upper bounds, or null to keep these
-     * @param conpen a weight a constraint for violations, or null to keep the constraints
+     * @param lbpen a weight of 0 or more a variable for violated lower bounds, or null to keep
+     *     these; {@link KVX#INFINITY} keeps one
+     * @param ubpen a weight a variable for violated upper bounds likewise, or null to keep these
+     * @param conpen a weight a constraint for violations likewise, or null to keep all
      * @return the least penalty if {@code minrelax} is true, else 0
      * @throws IllegalArgumentException if an array hasn't an element a variable or constraint
-     * @throws KVXException if the solver refuses, or there is no solution
+     * @throws KVXException if the solver refuses, or what may be violated isn't enough: nothing is
+     *     changed then
      */
     public double relaxFeasibility(int penalty, boolean minrelax, double[] lbpen, double[] ubpen,
                                    double[] conpen) {
