@@ -20,6 +20,7 @@ namespace {
 
 constexpr double zeroInSet = 1e-6;   // Members of a set up to this size count as zero.
 constexpr int completionNodes = 500; // spent on a partial or any solution
+constexpr size_t checkable = 100;    // columns of a model that a plain search may soon be done with
 
 struct Mip {
     Mip(Run &run, const Problem &problem) : run(run), problem(problem) {
@@ -36,7 +37,8 @@ struct Mip {
     void configure(CbcModel &cbc);
     void addSets(CbcModel &cbc) const;
     CbcProgram program(bool preprocess) const;
-    int search(OsiSolverInterface &solver, bool preprocess);
+    int search(OsiSolverInterface &solver, bool preprocess, bool isCheck = false);
+    int searchReduced(OsiSolverInterface &solver, double relaxed);
     int verdict(const CbcModel &cbc);
     bool round(std::vector<double> &x) const;
     bool complete(std::vector<double> &x, double &objective);
@@ -331,7 +333,7 @@ CbcProgram Mip::program(bool preprocess) const {
 
 // With preprocessing Cbc searches a model of other columns, whose solutions are known in the end
 // only: neither callbacks nor sets can do with that.
-int Mip::search(OsiSolverInterface &solver, bool preprocess) {
+int Mip::search(OsiSolverInterface &solver, bool preprocess, bool isCheck) {
     auto cbc = std::make_unique<CbcModel>(solver);
     cbc->passInMessageHandler(&problem.silence);
     addSets(*cbc);
@@ -344,6 +346,9 @@ int Mip::search(OsiSolverInterface &solver, bool preprocess) {
     const double bestObjective = run.bestObjective;
     int status = KVX_STATUS_NUMERIC;
     CbcProgram whole = program(preprocess);
+    if (isCheck)
+        for (const char *option : {"-cuts", "off", "-heuristics", "off", "-seconds", "0.05"})
+            whole.options.push_back(option);
     whole.begin = [&](CbcModel &searched) {
         configure(searched);
         searched.setRandomSeed(intParam(run.settings, "Seed"));
@@ -375,6 +380,8 @@ int Mip::search(OsiSolverInterface &solver, bool preprocess) {
     if (whole.conduct(cbc) == CbcProgram::infeasible && !preprocess)
         status = run.best.empty() ? KVX_STATUS_INFEASIBLE : KVX_STATUS_NUMERIC;
     isReduced = run.isWindingUp = false;
+    if (run.stopped() == KVX_STATUS_SOLUTION_LIMIT && run.best.empty())
+        run.goOn(); // without the solutions that preprocessing has lost
     run.earlierNodes = run.nodes;
     run.earlierIterations = run.iterations;
     return run.stopped() ? run.stopped() : status;
@@ -396,6 +403,22 @@ int Mip::verdict(const CbcModel &cbc) {
     return isProven ? KVX_STATUS_OPTIMAL : KVX_STATUS_NUMERIC;
 }
 
+// Cbc's preprocessing loses the optima of some small models, and so may find none at all. Unless
+// the relaxation proves what it finds, a plain search has a moment to refute it.
+int Mip::searchReduced(OsiSolverInterface &solver, double relaxed) {
+    const int status = search(solver, true);
+    const double found = run.bestObjective;
+    if (status == KVX_STATUS_NUMERIC)
+        return search(solver, false);
+    if (run.stopped() || problem.cost.size() > checkable || relativeGap(found, relaxed) <= run.gap)
+        return status;
+    const int second = search(solver, false, true);
+    if (!run.better(run.bestObjective, found) ||
+        relativeGap(found, run.bestObjective) <= std::max(run.gap, 1e-6))
+        return status;
+    return run.stopped() || second == KVX_STATUS_OPTIMAL ? second : search(solver, false);
+}
+
 int Mip::solveOnce() {
     Outcome relaxation = solveLp(run, problem);
     if (relaxation.status == KVX_STATUS_UNBOUNDED) {
@@ -415,6 +438,14 @@ int Mip::solveOnce() {
         return relaxation.status;
     if (run.better(run.bound, relaxation.objective))
         run.bound = relaxation.objective;
+    const double best = relaxation.objective, noise = 1e-9 * (1 + std::abs(best));
+    if (round(relaxation.x) && std::abs(problem.objective(relaxation.x) - best) <= noise) {
+        run.offer(relaxation.x, problem.objective(relaxation.x));
+        if (run.best == relaxation.x)
+            return KVX_STATUS_OPTIMAL;
+        if (run.stopped())
+            return run.stopped();
+    }
     ClpSimplex fresh;
     problem.load(fresh);
     OsiClpSolverInterface solver(&fresh);
@@ -423,8 +454,7 @@ int Mip::solveOnce() {
     fresh.passInEventHandler(&watch);
     const bool preprocess = intParam(run.settings, "Presolve") && problem.sets.empty() &&
                             !intParam(run.settings, "LazyConstraints") && !run.hasWatcher();
-    int status = preprocess ? search(solver, true) : KVX_STATUS_NUMERIC;
-    return status == KVX_STATUS_NUMERIC ? search(solver, false) : status;
+    return preprocess ? searchReduced(solver, relaxation.objective) : search(solver, false);
 }
 
 Outcome Mip::solve() {

@@ -43,6 +43,7 @@ TEST(Edge, VerdictsThatAreEasilyMissed) {
         point{{-3}, {}, {}, {}, {equal, {{1}, -inf, inf}, {{0}, -inf, 0}}},
         gap{{7}, {-inf}, {inf}, {}, {{{0}, -11, -8}, {{-2}, 6, 6}}, KVX_MAXIMIZE},
         semi{{1}, {3}, {5}, "S", {{{1}, 1, inf}}},
+        lost{{9, 8, -4}, {1, 0, -20}, {21, 6, 20}, "ICI", {{{-4, 2, -4}, -inf, 3}}, KVX_MAXIMIZE},
         free{{9, -9, 7, 2, -3, 2, -4},
              Vector(7),
              {inf, 20, 20, 20, 3, 5, 3},
@@ -58,6 +59,7 @@ TEST(Edge, VerdictsThatAreEasilyMissed) {
     std::vector<Verdict> cases = {
         {semi, "Presolve", 1, KVX_STATUS_OPTIMAL, 3},
         {free, "Presolve", 0, KVX_STATUS_OPTIMAL, -124},
+        {lost, "Presolve", 1, KVX_STATUS_OPTIMAL, 309},
         {large('C', 1, inf, 1, 1e14), "Presolve", 1, KVX_STATUS_OPTIMAL},
         {large('C', 1, 1, 1e-300, 1), "Presolve", 1, KVX_ERROR_NOT_SUPPORTED},
         {large('I', 1, 1e14, 1, 1e14), "Presolve", 1, KVX_STATUS_OPTIMAL},
