@@ -34,6 +34,7 @@ public final class Tour {
         "  --seed S        another set of points; 1 by default",
         "  --time-limit S  end after S seconds, with the best tour so far",
         "  --out FILE      the drawing; tour.svg by default",
+        "  -h, --help      show this",
         "",
         "Exit status: 0 optimal, 1 failure, 2 bad usage, 4 time limit.");
     // clang-format on
@@ -57,7 +58,7 @@ public final class Tour {
         Path out = Path.of("tour.svg");
         try {
             for (int i = 0; i < args.length; i += 2) {
-                if (args[i].equals("--help")) {
+                if (args[i].equals("--help") || args[i].equals("-h")) {
                     System.out.println(USAGE);
                     return;
                 }

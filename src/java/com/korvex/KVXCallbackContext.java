@@ -4,9 +4,11 @@ import java.util.Objects;
 import java.util.function.LongToIntFunction;
 
 /**
- * One call of a {@link KVXCallback}: why it is made, what can be asked for, what can be done. Which
- * what code belongs to which where code, and its type, is said at the codes in {@link KVX}. A
- * context works on the callback's thread until the callback returns; otherwise all but {@link
+ * One call of a {@link KVXCallback}: why it is made, what can be asked for, what can be done. A
+ * what code belongs to the where code that is its thousands, {@link KVX#CB_MIP_NODES} to {@link
+ * KVX#CB_MIP} for example, and {@link KVX#CB_RUNTIME} to all; its type is said at the code.
+ *
+ * <p>A context works on the callback's thread until the callback returns; otherwise all but {@link
  * #model} and {@link #where} throw {@link IllegalStateException}. What the solver refuses, at this
  * where for example, is a {@link KVXException}.
  */

@@ -15,7 +15,8 @@ import java.util.function.LongUnaryOperator;
  * {@link #terminate} and, outside of callbacks, {@link #close} may be called by any thread at any
  * moment: a run that is going on is ended, and the last call to return frees the native half. A use
  * after closing throws {@link IllegalStateException}. A run that a virtual thread makes is
- * conducted by a daemon thread of its own, as after {@link #optimizeAsync}.
+ * conducted by a daemon thread of its own, as after {@link #optimizeAsync}. To interrupt a thread
+ * ends neither its run nor its wait; it stays interrupted.
  *
  * <p><b>Exceptions in callbacks.</b> What a callback, or the log's consumer, throws ends the run.
  * The method that started the run throws it on; after {@link #optimizeAsync} that is {@link #sync}
