@@ -57,5 +57,5 @@ gnuplot -e "data='chart.data'; output='chart.svg'" "$source/chart.gp"
 printf '\nInstructions (in all, in the library itself), with doubles that do nothing\n\n'
 LD_LIBRARY_PATH=$out valgrind -q --tool=callgrind --callgrind-out-file=counts --combine-dumps=yes \
     --compress-strings=no --compress-pos=no "$build/bin/count"
-awk -v own='libkorvexjni130|libfloor' -f "$source/../tests/native/count.awk" counts | tee instructions
+awk -v own='libkorvexjni130|libfloor' -f "$source/count.awk" counts | tee instructions
 printf '\nTable: %s\nChart: %s\n' "$out/table.md" "$out/chart.svg"

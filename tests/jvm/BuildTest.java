@@ -102,13 +102,16 @@ class BuildTest extends EnvCase {
         assertEquals(QuadraticExpression.of(terms), quadratic.get(0));
         quadratic.delete(0);
         assertEquals(both, quadratic.get(0));
-        assertEquals("second < -1.0", model.getString(KVXAttribute.Q_CONSTR_NAME, 0) + " " +
-                                          model.getChar(KVXAttribute.Q_CONSTR_SENSE, 0) + " " +
-                                          model.getDouble(KVXAttribute.Q_CONSTR_RHS, 0));
+        assertArrayEquals(new String[] {"second"}, model.getStrings(KVXAttribute.Q_CONSTR_NAME));
+        assertArrayEquals(new char[] {'<'}, model.getChars(KVXAttribute.Q_CONSTR_SENSE));
+        assertArrayEquals(doubles(-1), model.getDoubles(KVXAttribute.Q_CONSTR_RHS));
         objective.set(KVX.MINIMIZE, both, 0);
         assertEquals(terms, objective.quadraticTerms());
         assertArrayEquals(doubles(1.5, 0, 3, 0), model.getDoubles(KVXAttribute.OBJ));
         fails(KVX.ERROR_NOT_SUPPORTED, model::optimize);
+        fails(KVX.ERROR_NOT_SUPPORTED, model::tune);
+        model.setCallback(context -> {});
+        fails(KVX.ERROR_NOT_SUPPORTED, model::tune);
     }
 
     @Test
@@ -175,7 +178,7 @@ class BuildTest extends EnvCase {
             general.add(GeneralConstraint.abs(0, 3), name);
         general.delete(0);
         fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> general.delete(1));
-        assertEquals("second", model.getString(KVXAttribute.GEN_CONSTR_NAME, 0));
+        assertArrayEquals(new String[] {"second"}, model.getStrings(KVXAttribute.GEN_CONSTR_NAME));
         general.delete(0);
         model.quadraticConstraints().delete();
         model.variables().delete(2, 0);

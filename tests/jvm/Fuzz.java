@@ -46,20 +46,12 @@ final class Fuzz {
         }
     }
 
-    /** What the compiler made of a record or an enumeration says nothing about us. */
-    private static boolean ours(Method m) {
-        Class<?> c = m.getDeclaringClass();
-        return c != Object.class && c != Throwable.class && c != Enum.class &&
-            !(c.isRecord() &&
-              (Set.of("equals", "hashCode", "toString").contains(m.getName()) ||
-               Stream.of(c.getRecordComponents()).anyMatch(r -> r.getAccessor().equals(m)))) &&
-            !(c.isEnum() && m.getName().startsWith("value"));
-    }
-
     static {
         for (Class<?> c : CLASSES) {
             List<Executable> all = new ArrayList<>();
-            Stream.of(c.getMethods()).filter(Fuzz::ours).forEach(all::add);
+            for (Method method : c.getMethods())
+                if (method.getDeclaringClass().getPackage() == KVX.class.getPackage())
+                    all.add(method);
             if (!Modifier.isAbstract(c.getModifiers()))
                 all.addAll(List.of(c.getConstructors()));
             all.removeIf(e -> e.getDeclaringClass() == KVXCallback.class);
@@ -100,13 +92,16 @@ final class Fuzz {
             IntStream.range(0, shown).mapToObj(i -> text(Array.get(o, i))).toList().toString();
     }
 
-    static Object invoke(Executable method, Object target, Object[] args)
-        throws ReflectiveOperationException {
-        return method instanceof Constructor<?> c ? c.newInstance(args)
-                                                  : ((Method)method).invoke(target, args);
+    static Object invoke(Executable method, Object target, Object[] args) throws Throwable {
+        try {
+            return method instanceof Constructor<?> c ? c.newInstance(args)
+                                                      : ((Method)method).invoke(target, args);
+        } catch (InvocationTargetException e) {
+            throw e.getCause();
+        }
     }
 
-    static String describe(Executable method, Object target, Object[] args) {
+    static String describe(Executable method, Object[] args) {
         return method.getDeclaringClass().getSimpleName() + "." + method.getName() + text(args);
     }
 
@@ -236,15 +231,14 @@ final class Fuzz {
         }
 
         private void step() {
-            Random random = hostile.random;
             if (hostile.once(60))
                 build();
             if (hostile.once(50))
                 attempt(hostile::corrupt);
             if (hostile.once(200))
                 Thread.currentThread().interrupt();
-            Class<?> type = CLASSES.get(random.nextInt(CLASSES.size()));
-            attempt(() -> call(type, world.target(type, random)));
+            Class<?> type = hostile.any(CLASSES);
+            attempt(() -> call(type, world.target(type, hostile.random)));
         }
 
         private interface Action {
@@ -271,40 +265,32 @@ final class Fuzz {
         }
 
         private void call(Class<?> type, Object target) {
-            List<Executable> methods = METHODS.get(type);
-            Executable method = methods.get(hostile.random.nextInt(methods.size()));
+            Executable method = hostile.any(METHODS.get(type));
             boolean needsTarget =
                 method instanceof Method && !Modifier.isStatic(method.getModifiers());
             if (needsTarget && target == null)
                 return;
             Object[] args = hostile.forCall(method, target);
-            note(method, target, args);
-            calls.incrementAndGet();
+            // What is about to be called can be read after a crash.
+            String text = "episode " + world.seed + ", call " + calls.incrementAndGet() + ": " +
+                          describe(method, args);
+            notes.put(note * NOTE, Arrays.copyOf(text.getBytes(StandardCharsets.UTF_8), NOTE));
             try {
                 Object result = invoke(method, target, args);
                 if (result != null && (result.getClass().getPackage() == KVX.class.getPackage() ||
                                        result instanceof String s && s.length() < 100))
                     world.remember(result, hostile.random);
-            } catch (InvocationTargetException e) {
-                world.judge(e.getCause(), () -> describe(method, target, args));
-            } catch (ReflectiveOperationException e) {
-                throw new AssertionError(e);
+            } catch (Throwable t) {
+                world.judge(t, () -> text);
             }
             if (target instanceof AutoCloseable resource && method.getName().equals("close"))
                 world.close(resource);
         }
 
-        /** Leaves what is about to be called where it can be read after a crash. */
-        private void note(Executable method, Object target, Object[] args) {
-            byte[] text = ("episode " + world.seed + ", call " + calls.get() + ": " +
-                           describe(method, target, args))
-                              .getBytes(StandardCharsets.UTF_8);
-            notes.put(note * NOTE, text, 0, Math.min(text.length, NOTE - 1));
-            notes.put(note * NOTE + Math.min(text.length, NOTE - 1), (byte)0);
-        }
-
         /** Inside a callback, with its context, or a consumer. */
         void meddle(KVXCallbackContext context) {
+            if (context != null)
+                world.remember(context, hostile.random);
             int depth = DEPTH.get();
             if (depth > 2 || ++meddled > 20)
                 return;
@@ -365,10 +351,10 @@ final class Fuzz {
                                   StandardOpenOption.WRITE, StandardOpenOption.CREATE)) {
             notes = file.map(FileChannel.MapMode.READ_WRITE, 0, (THREADS + 1) * NOTE);
         }
-        ScheduledExecutorService clock = Executors.newSingleThreadScheduledExecutor(task -> {
-            Thread thread = new Thread(task, "watch");
-            thread.setDaemon(true);
-            return thread;
+        ScheduledExecutorService clock = Executors.newScheduledThreadPool(1);
+        Thread.setDefaultUncaughtExceptionHandler((thread, thrown) -> {
+            thrown.printStackTrace();
+            Runtime.getRuntime().halt(1);
         });
         long end = System.nanoTime() + seconds * 1_000_000_000L;
         long seed = Long.parseLong(args[0]);

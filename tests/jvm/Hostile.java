@@ -4,7 +4,6 @@ import java.io.IOException;
 import java.lang.reflect.*;
 import java.nio.file.*;
 import java.util.*;
-import java.util.concurrent.*;
 import java.util.function.Consumer;
 import java.util.stream.*;
 
@@ -17,28 +16,22 @@ final class Hostile {
     @SuppressWarnings("serial")
     static final class Marker extends Throwable {}
 
-    private static final String[] ATTRIBUTES = constants(KVXAttribute.class);
-    private static final String[] PARAMETERS = constants(KVXParameter.class);
-    private static final String[] NAMES = {
-        "",       "x",        "C0",     "R0",           "a b",
-        "0",      "1e400",    "%s%n",   "\n",           "a\0b",
-        "\ud800", "\udc00x",  "\u4e2d", "\ud83d\ude00", "x".repeat(300),
-        "NaN",    "Infinity", "-1",     "TimeLimit",    "d"};
-    private static final String[] ENDINGS = {".mps", ".lp",  ".sol",     ".mst",  ".bas", ".prm",
-                                             ".hnt", ".rlp", ".mps.bz2", ".json", "",     ".lp.gz"};
-    private static final int[] INTS = {
-        Integer.MAX_VALUE, Integer.MIN_VALUE, 1 << 30, -(1 << 30), 65536,
-        1_000_000,         -1_000_000,        32767};
-    private static final int[] CODES = Stream.of(KVX.class.getFields())
-                                           .filter(f -> f.getType() == int.class)
-                                           .mapToInt(f -> (int)constant(f))
-                                           .toArray();
-    private static final double[] DOUBLES =
-        DoubleStream
-            .of(Double.NaN, Double.POSITIVE_INFINITY, Double.NEGATIVE_INFINITY, Double.MAX_VALUE,
+    private static final List<String> ATTRIBUTES = constants(KVXAttribute.class, String.class);
+    private static final List<String> PARAMETERS = constants(KVXParameter.class, String.class);
+    private static final List<String> NAMES = List.of(
+        "", "x", "C0", "R0", "a b", "0", "1e400", "%s%n", "\n", "a\0b", "\ud800", "\udc00x",
+        "\u4e2d", "\ud83d\ude00", "x".repeat(300), "NaN", "Infinity", "-1", "TimeLimit", "d");
+    private static final List<String> ENDINGS =
+        List.of(".mps", ".lp", ".sol", ".mst", ".bas", ".prm", ".hnt", ".rlp", ".mps.bz2", ".json",
+                "", ".lp.gz");
+    private static final List<Integer> INTS =
+        List.of(Integer.MAX_VALUE, Integer.MIN_VALUE, 1 << 30, -(1 << 30), 65536, 1_000_000,
+                -1_000_000, 32767);
+    private static final List<Integer> CODES = constants(KVX.class, Integer.class);
+    private static final List<Double> DOUBLES =
+        List.of(Double.NaN, Double.POSITIVE_INFINITY, Double.NEGATIVE_INFINITY, Double.MAX_VALUE,
                 Double.MIN_VALUE, -0.0, 1e100, -1e100, 1e30, 1e25, 1e15, 1e20, -1e20, 1e-9, 1e-300,
-                2147483648.0, 1e9)
-            .toArray();
+                2147483648.0, 1e9);
     private static final String CHARS = "<>=CBISN\0\uffff\ud800\u0142 1";
 
     private final Fuzz.World world;
@@ -47,27 +40,29 @@ final class Hostile {
     private int length;
     /** What is likely to mean something to a call. */
     private boolean files;
-    private String[] texts = ATTRIBUTES;
-    private int[] codes = CODES;
+    private List<String> texts = ATTRIBUTES;
+    private List<Integer> codes = CODES;
 
     Hostile(Fuzz.World world, long seed) {
         this.world = world;
         random = new Random(seed);
     }
 
-    private static String[] constants(Class<?> c) {
-        return Stream.of(c.getFields()).map(Hostile::constant).toArray(String[] ::new);
-    }
-
-    private static Object constant(Field field) {
+    private static <T> List<T> constants(Class<?> c, Class<T> type) {
+        List<T> found = new ArrayList<>();
         try {
-            return field.get(null);
+            for (Field field : c.getFields())
+                if (type.isInstance(field.get(null)))
+                    found.add(type.cast(field.get(null)));
         } catch (IllegalAccessException e) {
             throw new AssertionError(e);
         }
+        return found;
     }
 
     boolean once(int in) { return random.nextInt(in) == 0; }
+
+    <T> T any(List<T> values) { return values.get(random.nextInt(values.size())); }
 
     Object[] forCall(Executable method, Object target) {
         length = once(3) ? random.nextInt(12) : random.nextInt(4);
@@ -77,7 +72,7 @@ final class Hostile {
         codes = CODES;
         try {
             if (target instanceof KVXCallbackContext context) {
-                codes = IntStream.range(0, 6).map(i -> 1000 * context.where() + i).toArray();
+                codes = IntStream.range(0, 6).mapToObj(i -> 1000 * context.where() + i).toList();
                 if (once(2))
                     length = context.model().variables().count();
             } else if (target instanceof KVXModel model && once(2)) {
@@ -96,28 +91,19 @@ final class Hostile {
     }
 
     private int integer() {
-        return switch (random.nextInt(10)) {
-        case 0 -> INTS[random.nextInt(INTS.length)];
-            case 1, 2 -> codes[random.nextInt(codes.length)];
-            default -> codes != CODES && once(2) ? codes[random.nextInt(codes.length)]:
-            random.nextInt(8) - 1;
-        };
-    }
-
-    private double number() {
-        return once(6) ? DOUBLES[random.nextInt(DOUBLES.length)] : random.nextInt(21) - 10;
+        if (once(10))
+            return any(INTS);
+        return once(4) || codes != CODES && once(2) ? any(codes) : random.nextInt(8) - 1;
     }
 
     private String text() {
-        return switch (random.nextInt(12)) {
-        case 0 -> once(20) ? "m".repeat(1_000_000):
-            null;
-        case 1, 2 -> NAMES[random.nextInt(NAMES.length)]; case 3 -> world.any(String.class, random);
-            default
-            -> files || once(10) ? "f" + random.nextInt(2) + ENDINGS[random.nextInt(ENDINGS.length)]
-                                 :
-            texts[random.nextInt(texts.length)];
-        };
+        if (once(12))
+            return once(20) ? "m".repeat(1_000_000) : null;
+        if (once(12))
+            return world.any(String.class, random);
+        if (once(6))
+            return any(NAMES);
+        return files || once(10) ? "f" + random.nextInt(2) + any(ENDINGS) : any(texts);
     }
 
     private Object array(Class<?> type) {
@@ -134,7 +120,7 @@ final class Hostile {
         if (type == int.class)
             return integer();
         if (type == double.class)
-            return number();
+            return once(6) ? any(DOUBLES) : Double.valueOf(random.nextInt(21) - 10);
         if (type == char.class)
             return CHARS.charAt(random.nextInt(once(4) ? CHARS.length() : 5));
         if (type == boolean.class)
@@ -147,10 +133,11 @@ final class Hostile {
             return array(type.componentType());
         if (once(25))
             return null;
+        Fuzz.Caller caller = new Fuzz.Caller(world, random.nextLong());
         if (type == Consumer.class)
-            return consumer();
+            return (Consumer<String>)line -> caller.meddle(null);
         if (type == KVXCallback.class)
-            return callback();
+            return (KVXCallback)caller::meddle;
         if (type == List.class) {
             Class<?> element = (Class<?>)((ParameterizedType)generic).getActualTypeArguments()[0];
             return IntStream.range(0, length)
@@ -159,9 +146,7 @@ final class Hostile {
         }
         Object known = world.any(type, random);
         List<Executable> makers = Fuzz.makers(type);
-        if (makers.isEmpty() || known != null && once(2))
-            return known;
-        return record(makers.get(random.nextInt(makers.size())));
+        return makers.isEmpty() || known != null && once(2) ? known : record(any(makers));
     }
 
     /** A record of the shape that its maker accepts, if a few trials find one. */
@@ -170,47 +155,29 @@ final class Hostile {
             Object[] args = arguments(maker);
             try {
                 return Fuzz.invoke(maker, null, args);
-            } catch (InvocationTargetException e) {
-                world.judge(e.getCause(), () -> Fuzz.describe(maker, null, args));
-            } catch (ReflectiveOperationException e) {
-                throw new AssertionError(e);
+            } catch (Throwable t) {
+                world.judge(t, () -> Fuzz.describe(maker, args));
             }
         }
         return null;
     }
 
-    private KVXCallback callback() {
-        Fuzz.Caller caller = new Fuzz.Caller(world, random.nextLong());
-        return context -> {
-            world.remember(context, caller.hostile.random);
-            caller.meddle(context);
-        };
-    }
-
-    private Consumer<String> consumer() {
-        Fuzz.Caller caller = new Fuzz.Caller(world, random.nextLong());
-        return line -> caller.meddle(null);
-    }
-
     /** Adds a model that the solver can solve to the world, with a bit of everything. */
     void addModel(KVXEnv env) {
-        boolean linear = once(2);
         if (once(10)) {
             world.remember(Models.marketSplit(env, 30, 3, random.nextLong()), random);
             return;
         }
-        int n = 1 + random.nextInt(6), m = random.nextInt(5);
+        boolean linear = once(2);
+        int n = 1 + random.nextInt(6);
         double[] obj = random.ints(n, -5, 6).asDoubleStream().toArray();
         double[] ub = random.ints(n, 1, 10).asDoubleStream().toArray();
         char[] types = new char[n];
         for (int j = 0; j < n; j++)
             types[j] = linear ? 'C' : "CCBIISN".charAt(random.nextInt(7));
-        Columns columns = Columns.of(obj).upper(ub).types(types);
-        Rows rows = Rows.of(null, new char[] {'<', '>'}, 8, -8);
-        KVXModel model = once(3) ? KVXModel.load(env, "loaded", 1, 1, columns, rows)
-                                 : new KVXModel(env, "valid", columns);
+        KVXModel model = new KVXModel(env, "valid", Columns.of(obj).upper(ub).types(types));
         world.remember(model, random);
-        for (int i = 0; i < m; i++)
+        for (int i = random.nextInt(5); i > 0; i--)
             model.constraints().add(
                 new SparseVector(new int[] {random.nextInt(n)}, 1 + random.nextInt(3)),
                 "<>=".charAt(random.nextInt(3)), random.nextInt(8), null);
@@ -226,12 +193,12 @@ final class Hostile {
             model.params().set("LazyConstraints", 1);
         model.params().set("TimeLimit", 0.2);
         if (!once(3))
-            model.setCallback(callback());
+            model.setCallback(new Fuzz.Caller(world, random.nextLong())::meddle);
     }
 
     /** Changes some bytes of a file that a call has written. */
     void corrupt() throws IOException {
-        Path file = Path.of("f" + random.nextInt(2) + ENDINGS[random.nextInt(ENDINGS.length)]);
+        Path file = Path.of("f" + random.nextInt(2) + any(ENDINGS));
         if (!Files.isRegularFile(file) || Files.size(file) > 100_000 || Files.size(file) == 0)
             return;
         byte[] bytes = Files.readAllBytes(file);

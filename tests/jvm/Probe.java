@@ -1,7 +1,6 @@
 package com.korvex;
 
 import java.io.*;
-import java.net.*;
 import java.nio.file.*;
 import java.util.*;
 import java.util.zip.*;
@@ -36,18 +35,10 @@ final class Probe extends ClassLoader {
         return content == null ? null : new ByteArrayInputStream(content);
     }
 
-    private static ClassLoader another() throws IOException {
-        List<URL> urls = new ArrayList<>();
-        for (String file : System.getProperty("java.class.path").split(":"))
-            urls.add(Path.of(file).toUri().toURL());
-        return new URLClassLoader(urls.toArray(new URL[0]), null);
-    }
-
     public static void main(String[] ways) throws Exception {
         for (String way : ways) {
-            ClassLoader loader = way.equals("plain")     ? Probe.class.getClassLoader()
-                                 : way.equals("another") ? another()
-                                                         : new Probe(Path.of(way));
+            ClassLoader loader =
+                way.equals("plain") ? Probe.class.getClassLoader() : new Probe(Path.of(way));
             Class.forName("com.korvex.KorvexJni", true, loader)
                 .getMethod("version", int[].class)
                 .invoke(null, new int[3]);

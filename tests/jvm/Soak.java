@@ -4,7 +4,6 @@ import java.lang.management.ManagementFactory;
 import java.nio.file.*;
 import java.util.*;
 import java.util.concurrent.CountDownLatch;
-import java.util.regex.*;
 import javax.management.ObjectName;
 
 /**
@@ -21,16 +20,13 @@ final class Soak {
         void round(int number) throws Exception;
     }
 
-    private static long find(String pattern, String text) {
-        Matcher matcher = Pattern.compile(pattern).matcher(text);
-        if (!matcher.find())
-            throw new AssertionError(pattern + " isn't in " + text);
-        return Long.parseLong(matcher.group(1));
+    private static long find(String text, String pattern) {
+        return Long.parseLong(text.replaceFirst("(?s).*" + pattern + ".*", "$1"));
     }
 
     private static long residentKilobytes() throws Exception {
         System.gc();
-        return find("VmRSS:\\s+(\\d+) kB", Files.readString(Path.of("/proc/self/status")));
+        return find(Files.readString(Path.of("/proc/self/status")), "VmRSS:\\s+(\\d+) kB");
     }
 
     private static long globalReferences() throws Exception {
@@ -38,7 +34,7 @@ final class Soak {
         Object threads = ManagementFactory.getPlatformMBeanServer().invoke(
             new ObjectName("com.sun.management:type=DiagnosticCommand"), "threadPrint",
             new Object[] {new String[0]}, new String[] {String[].class.getName()});
-        return find("JNI global refs: (\\d+)", threads.toString());
+        return find(threads.toString(), "JNI global refs: (\\d+)");
     }
 
     private static void repeat(String what, int warmUp, int rounds, Work work) throws Exception {

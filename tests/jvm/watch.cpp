@@ -157,9 +157,9 @@ bool isSolvers(const void *address) {
 }
 
 template <class Name, class Function>
-struct Watched;
+struct Double;
 template <class Name, class R, class... A>
-struct Watched<Name, R(A...)> {
+struct Double<Name, R(A...)> {
     static R call(A... arguments) {
         static void *const solver = dlopen("libkorvex130.so", RTLD_NOW | RTLD_NOLOAD);
         static const auto real = reinterpret_cast<R (*)(A...)>(dlsym(solver, Name::text));
@@ -184,20 +184,7 @@ struct Watched<Name, R(A...)> {
 };
 } // namespace
 
-#define SOLVER(function)                                                                           \
-    namespace {                                                                                    \
-    struct function##Name {                                                                        \
-        static constexpr const char *text = #function;                                             \
-    };                                                                                             \
-    }                                                                                              \
-    extern "C" {                                                                                   \
-    decltype(&function) resolve_##function();                                                      \
-    decltype(&function) resolve_##function() {                                                     \
-        return &Watched<function##Name, decltype(function)>::call;                                 \
-    }                                                                                              \
-    decltype(function) function __attribute__((ifunc("resolve_" #function)));                      \
-    }
-#include "solver_functions.inc"
+#include "solver_functions.h"
 
 // What was found since the last time, and what is left; what is left is forgotten.
 extern "C" JNIEXPORT jstring JNICALL Java_com_korvex_Watch_findings(JNIEnv *jni, jclass);

@@ -129,6 +129,20 @@ INSTANTIATE_TEST_SUITE_P(, Bridge, testing::ValuesIn(allCases()), [](const auto 
     return info.param.place + "_" + info.param.function;
 });
 
+// Memory that isn't zero although it was asked for so is a programming error.
+TEST(Guards, AbortWithTheirPlace) {
+    Plan dirty;
+    dirty.dirtyCalloc = true;
+    for (const std::string guard : {"b fsolve", "b bsolve", "x binvcolj", "x binvrowi"}) {
+        const std::string record = guard.substr(0, 1), function = guard.substr(2);
+        EXPECT_DEATH(run({"", function, {}, {}}, dirty),
+                     "^KORVassert '" + record +
+                         "->ind == NULL' failed at src/jni/basis.cpp:[0-9]+ "
+                         "func Java_com_korvex_KorvexJni_" +
+                         function + "\n");
+    }
+}
+
 TEST(Cases, CoverEveryExportedFunction) {
     std::set<std::string> left = exportedFunctions();
     EXPECT_EQ(left.size(), 155u);

@@ -253,37 +253,4 @@ TEST_F(Callbacks, KeepTheLogThatTheSolverKeeps) {
     solver.hooks.erase("KVXsetlogcallbackfuncenv");
     EXPECT_EQ(setLog(0), 0);
 }
-
-// Memory that isn't zero although it was asked for so is a programming error.
-TEST_F(Callbacks, GuardsAbortWithTheirPlace) {
-    ledger.end();
-    auto ints = static_cast<jintArray>(java.make("I1", std::vector<jint>{2, 2})->reference());
-    auto doubles =
-        static_cast<jdoubleArray>(java.make("D1", std::vector<jdouble>{2, 2})->reference());
-    auto dies = [&](const std::string &function, const std::string &record, auto call) {
-        auto doomed = [&] {
-            ledger.begin({});
-            ledger.dirtyCalloc = true;
-            call();
-        };
-        EXPECT_DEATH(doomed(), "^KORVassert '" + record +
-                                   "->ind == NULL' failed at src/jni/basis.cpp:[0-9]+ func "
-                                   "Java_com_korvex_KorvexJni_" +
-                                   function + "\n");
-    };
-    dies("fsolve", "b", [&] {
-        Java_com_korvex_KorvexJni_fsolve(&java.env, nullptr, object, 2, ints, doubles, ints, ints,
-                                         doubles);
-    });
-    dies("bsolve", "b", [&] {
-        Java_com_korvex_KorvexJni_bsolve(&java.env, nullptr, object, 2, ints, doubles, ints, ints,
-                                         doubles);
-    });
-    dies("binvcolj", "x", [&] {
-        Java_com_korvex_KorvexJni_binvcolj(&java.env, nullptr, object, 2, ints, ints, doubles);
-    });
-    dies("binvrowi", "x", [&] {
-        Java_com_korvex_KorvexJni_binvrowi(&java.env, nullptr, object, 2, ints, ints, doubles);
-    });
-}
 } // namespace

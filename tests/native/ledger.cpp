@@ -25,7 +25,7 @@ void Ledger::begin(const Plan &newPlan) {
     events.clear();
     plan = newPlan;
     allocations = fetches = solverCalls = 0;
-    failed = dirtyCalloc = false;
+    failed = false;
     recording = true;
 }
 
@@ -71,7 +71,7 @@ void *Ledger::allocate(const std::string &event, std::size_t size, bool zeroed) 
                            : __real_malloc(size);
     // Whoever relies on zeros that nobody promised shall notice.
     if (!mapped)
-        std::memset(address, zeroed && !dirtyCalloc ? 0 : 0xEE, size);
+        std::memset(address, zeroed && !plan.dirtyCalloc ? 0 : 0xEE, size);
     blocks[static_cast<char *>(address)] = {name, size, mapped, zeroed};
     note(name + "=" + event);
     return address;

@@ -23,6 +23,7 @@ struct Plan {
     int fetch = 0;
     int solverCall = 0;
     int status = 77;
+    bool dirtyCalloc = false; // zero-filled memory isn't
 };
 
 class Ledger {
@@ -46,8 +47,7 @@ class Ledger {
     std::vector<std::string> events;
     Plan plan;
     bool recording = false;
-    bool failed = false;      // a planned failure has come about
-    bool dirtyCalloc = false; // zero-filled memory isn't
+    bool failed = false; // a planned failure has come about
 
   private:
     bool isPlanned(int &count, int planned) {

@@ -91,9 +91,9 @@ void store(T value) {
 }
 
 template <class Name, class Function>
-struct Recorder;
+struct Double;
 template <class Name, class R, class... A>
-struct Recorder<Name, R(A...)> {
+struct Double<Name, R(A...)> {
     static R call(A... arguments) {
         ++solver.calls;
         solver.intsStored = 0;
@@ -147,21 +147,7 @@ int installCallback(KVXcallback callback, void *data) {
 }
 } // namespace
 
-// An indirect function gets its type, whatever its arguments, from the header's declaration.
-#define SOLVER(function)                                                                           \
-    namespace {                                                                                    \
-    struct function##Name {                                                                        \
-        static constexpr const char *text = #function;                                             \
-    };                                                                                             \
-    }                                                                                              \
-    extern "C" {                                                                                   \
-    __attribute__((no_sanitize("all"))) decltype(&function) resolve_##function();                  \
-    decltype(&function) resolve_##function() {                                                     \
-        return &Recorder<function##Name, decltype(function)>::call;                                \
-    }                                                                                              \
-    decltype(function) function __attribute__((ifunc("resolve_" #function)));                      \
-    }
-#include "solver_functions.inc"
+#include "solver_functions.h"
 
 void Solver::begin() {
     ints.clear();
