@@ -33,7 +33,7 @@ Format formatOf(std::string_view name) {
 
 template <class Value>
 std::string writeValues(const KVXmodel &model, Value value) {
-    indexOf(model.vars, isWord);
+    Index{model.vars, isWord};
     std::string text;
     for (size_t j = 0; j < model.vars.size(); j++)
         if (value(j) != KVX_UNDEFINED)
@@ -43,12 +43,12 @@ std::string writeValues(const KVXmodel &model, Value value) {
 
 // The values become start values; variables that aren't listed keep theirs.
 void readValues(KVXmodel &model, Source &source) {
-    Index index = indexOf(model.vars, isWord);
+    Index index(model.vars, isWord);
     std::vector<std::pair<size_t, double>> values;
     while (source.nextLine('#')) {
         if (source.words.size() != 2)
             refuse(source.line, "isn't a name and a value");
-        values.emplace_back(find(index, source.words[0]), numberIn<double>(source.words[1]));
+        values.emplace_back(index.find(source.words[0]), numberIn<double>(source.words[1]));
     }
     for (auto [j, value] : values)
         model.vars[j].start = value;
@@ -59,8 +59,8 @@ void readValues(KVXmodel &model, Source &source) {
 std::string writeBasis(const KVXmodel &model) {
     if (!model.hasBasis)
         fail(KVX_ERROR_DATA_NOT_AVAILABLE, "there is no basis");
-    indexOf(model.vars, isWord);
-    indexOf(model.constrs, isWord);
+    Index{model.vars, isWord};
+    Index{model.constrs, isWord};
     std::string text = "NAME\n";
     std::vector<const Sides *> nonbasic;
     for (const Sides &constr : model.constrs)
@@ -83,9 +83,10 @@ std::string writeBasis(const KVXmodel &model) {
 }
 
 void readBasis(KVXmodel &model, Source &source) {
-    Index vars = indexOf(model.vars, isWord), constrs = indexOf(model.constrs, isWord);
-    std::vector<int> varStatus(vars.size(), KVX_NONBASIC_LOWER);
-    std::vector<int> constrStatus(constrs.size(), KVX_BASIC);
+    Index vars(model.vars, isWord);
+    Index constrs(model.constrs, isWord);
+    std::vector<int> varStatus(model.vars.size(), KVX_NONBASIC_LOWER);
+    std::vector<int> constrStatus(model.constrs.size(), KVX_BASIC);
     const auto &words = source.words;
     while (source.nextLine('*') && !(source.isHeader() && words[0] == "ENDATA")) {
         bool isPair = words[0] == "XU" || words[0] == "XL";
@@ -94,16 +95,16 @@ void readBasis(KVXmodel &model, Source &source) {
             continue;
         if (words.size() != (isPair ? 3 : 2) || !(isPair || isUpper || words[0] == "LL"))
             refuse(words[0], "begins no line of a basis file");
-        int &status = varStatus[find(vars, words[1])];
-        int &atBound = isPair ? constrStatus[find(constrs, words[2])] : status;
+        int &status = varStatus[vars.find(words[1])];
+        int &atBound = isPair ? constrStatus[constrs.find(words[2])] : status;
         status = KVX_BASIC;
         atBound = isUpper ? KVX_NONBASIC_UPPER : KVX_NONBASIC_LOWER;
     }
     if (words.empty() || words[0] != "ENDATA")
         fail(KVX_ERROR_FILE_READ, "the file ends without ENDATA");
-    for (size_t j = 0; j < vars.size(); j++)
+    for (size_t j = 0; j < varStatus.size(); j++)
         model.vars[j].basis = varStatus[j];
-    for (size_t i = 0; i < constrs.size(); i++)
+    for (size_t i = 0; i < constrStatus.size(); i++)
         model.constrs[i].basis = constrStatus[i];
     model.hasBasis = true;
 }

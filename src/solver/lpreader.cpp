@@ -43,14 +43,14 @@ class LpReader : LpTokens {
     int variable(bool mayBeNew) {
         if (!isVariableHere())
             expected(here(), "a variable");
+        const std::string_view name = take();
         if (!mayBeNew)
-            return intSize(find(variables, take()));
-        auto [place, isNew] = variables.emplace(here(), model.vars.size());
+            return intSize(variables.find(name));
+        if (const int place = variables.place(name); place >= 0)
+            return place;
         Variable var;
-        var.name = take();
-        if (isNew)
-            addVariable(model, std::move(var));
-        return intSize(place->second);
+        var.name = name;
+        return addVariable(model, std::move(var));
     }
 
     struct Formula {
@@ -256,7 +256,7 @@ class LpReader : LpTokens {
             expected(here(), "a variable with its weight");
         }
         while (isMember()) {
-            int var = intSize(find(variables, take()));
+            int var = intSize(variables.find(take()));
             take();
             set.members.push_back({var, readFinite(number(), "a weight")});
         }
@@ -279,7 +279,6 @@ class LpReader : LpTokens {
     }
 
     bool lastIsLabelled = false; // the last row
-    ModelData model;
 };
 
 } // namespace

@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 
 namespace korvex {
 
-static Section sectionOf(std::string_view word) {
+static Section sectionOf(std::string_view word) { // which isn't empty
     static constexpr struct {
         Section section;
         std::string_view keywords[6];
@@ -23,9 +24,15 @@ static Section sectionOf(std::string_view word) {
         {Section::end, {"end"}}};
     for (const auto &[section, keywords] : sections)
         for (std::string_view keyword : keywords)
-            if (!keyword.empty() && equalIgnoringCase(word, keyword))
+            if (word.size() == keyword.size() && equalIgnoringCase(word, keyword))
                 return section;
     return Section::none;
+}
+
+// What ends a name without a blank.
+static bool isOperator(char c) {
+    return c == '+' || c == '-' || c == '*' || c == '/' || c == '^' || c == '[' || c == ']' ||
+           c == ':' || c == '<' || c == '>' || c == '=';
 }
 
 static bool beginsNumber(std::string_view word) {
@@ -34,7 +41,8 @@ static bool beginsNumber(std::string_view word) {
 
 bool isLpName(std::string_view word) {
     double number;
-    return !word.empty() && word.find_first_of(" +-*/^[]:<>=\\") == word.npos &&
+    auto isForbidden = [](char c) { return isOperator(c) || c == ' ' || c == '\\'; };
+    return !word.empty() && std::none_of(word.begin(), word.end(), isForbidden) &&
            !beginsNumber(word) && !parse(word, number);
 }
 
@@ -46,8 +54,12 @@ bool canLpHold(std::string_view name) {
            isLpName(name) && sectionOf(name) == Section::none && !equalIgnoringCase(name, "free");
 }
 
-LpTokens::LpTokens(Source &source) : source(source) {
-    while (source.nextLine('\\')) {
+void LpTokens::read() {
+    constexpr size_t most = 4; // that are looked at together
+    tokens.erase(tokens.begin(), tokens.begin() + static_cast<std::ptrdiff_t>(position));
+    position = 0;
+    source.number = line;
+    while (tokens.size() < most && source.nextLine('\\')) {
         bool isFirst = true;
         for (std::string_view word : source.words) {
             split(word.substr(0, word.find('\\')), isFirst);
@@ -56,25 +68,29 @@ LpTokens::LpTokens(Source &source) : source(source) {
             isFirst = false;
         }
     }
-    tokens.insert(tokens.end(), 5, {"", source.number, true}); // so that one can look ahead
+    line = source.number;
+    while (tokens.size() < most)
+        tokens.push_back({"", line, true});
 }
 
 void LpTokens::split(std::string_view word, bool isFirst) {
     while (!word.empty()) {
-        size_t length = word.find_first_of("+-*/^[]:<>=");
+        auto end = std::find_if(word.begin(), word.end(), isOperator);
         double value;
         if (beginsNumber(word))
-            length = static_cast<size_t>(std::from_chars(word.begin(), word.end(), value).ptr -
-                                         word.begin());
-        else if (length == 0)
-            length = word.find_first_not_of("<>=");
-        tokens.push_back({word.substr(0, std::max<size_t>(length, 1)), source.number, isFirst});
+            end = std::from_chars(word.begin(), word.end(), value).ptr;
+        else if (end == word.begin())
+            end = std::find_if(end, word.end(), [](char c) { return !std::strchr("<>=", c); });
+        const auto length = static_cast<size_t>(std::max(end - word.begin(), std::ptrdiff_t{1}));
+        tokens.push_back({word.substr(0, length), source.number, isFirst});
         word.remove_prefix(tokens.back().text.size());
         isFirst = false;
     }
 }
 
 std::string_view LpTokens::here(size_t ahead) {
+    if (position + ahead >= tokens.size())
+        read();
     source.number = tokens[position].line;
     return tokens[position + ahead].text;
 }
@@ -90,8 +106,9 @@ bool LpTokens::take(std::string_view text) {
 }
 
 std::string_view LpTokens::take() {
-    position += !here().empty();
-    return tokens[position - 1].text;
+    const std::string_view text = here();
+    position += !text.empty();
+    return text;
 }
 
 // The section that begins here, if one does, and how many tokens say so. A keyword is a name before
@@ -100,6 +117,9 @@ std::string_view LpTokens::take() {
 std::pair<Section, size_t> LpTokens::sectionHere() {
     if (here().empty())
         return {Section::end, 0};
+    const Section section = sectionOf(here());
+    if (section == Section::none)
+        return {section, 0};
     size_t length = 1;
     if (isHere("subject") || isHere("such")) {
         if (!isHere(isHere("such") ? "that" : "to", 1))
@@ -109,10 +129,10 @@ std::pair<Section, size_t> LpTokens::sectionHere() {
         length = isHere("continuous", 1) ? 2 : isHere("-", 1) && isHere("continuous", 2) ? 3 : 1;
     }
     std::string_view next = here(length);
-    bool isName = variables.count(std::string(here())) || next.find_first_of("*^]<>=") == 0;
+    bool isName = variables.place(here()) >= 0 || next.find_first_of("*^]<>=") == 0;
     if (next == ":" || (!tokens[position].isFirst && isName))
         return {Section::none, 0};
-    return {sectionOf(here()), length};
+    return {section, length};
 }
 
 Section LpTokens::takeSection() {
@@ -126,8 +146,9 @@ Section LpTokens::takeSection() {
 std::string LpTokens::label() {
     if (!isLpName(here()) || here(1) != ":")
         return "";
-    position += 2;
-    return std::string(tokens[position - 2].text);
+    std::string name(take());
+    take();
+    return name;
 }
 
 bool LpTokens::isVariableHere() {

@@ -21,13 +21,14 @@ enum class Section {
     end
 };
 
-// A text taken apart, and where in it the reader is.
+// A text that is taken apart as the reader goes on.
 class LpTokens {
   public:
     // Of the source's lines that haven't been read.
-    explicit LpTokens(Source &source);
+    explicit LpTokens(Source &source) : source(source) {}
 
-    Index variables; // that the reader knows by now
+    ModelData model; // as far as it has been read
+    Index<Variable> variables{model.vars};
 
     // The present token or one behind it; "" at the end.
     std::string_view here(size_t ahead = 0);
@@ -56,11 +57,13 @@ class LpTokens {
         bool isFirst; // on its line
     };
 
+    void read();
     void split(std::string_view word, bool isFirst);
     std::pair<Section, size_t> sectionHere();
 
     Source &source;
-    std::vector<Token> tokens;
+    int line = source.number;  // up to which tokens have been read
+    std::vector<Token> tokens; // some, with as many as are looked at together at least
     size_t position = 0;
 };
 

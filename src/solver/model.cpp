@@ -11,14 +11,14 @@ void touch(KVXmodel &model) {
     model.hasIis = false;
 }
 
-std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, const ModelData &data) {
+std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, ModelData data) {
     if (!env.started)
         fail(KVX_ERROR_NOT_STARTED, "the environment hasn't been started");
     auto model = std::make_unique<KVXmodel>();
     model->env.parameters = env.parameters;
     model->env.log = env.log;
     model->env.logFile = env.logFile;
-    static_cast<ModelData &>(*model) = data;
+    static_cast<ModelData &>(*model) = std::move(data);
     return model;
 }
 

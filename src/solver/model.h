@@ -190,7 +190,7 @@ struct KVXmodel : korvex::ModelData {
 namespace korvex {
 
 // A new model of an environment, which must have been started, with the data of another one.
-std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, const ModelData &data = {});
+std::unique_ptr<KVXmodel> makeModel(const KVXenv &env, ModelData data = {});
 
 // To be called after every change that may change the optimum: forgets the solution and the IIS.
 void touch(KVXmodel &model);

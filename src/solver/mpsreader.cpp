@@ -43,20 +43,11 @@ class MpsReader {
         std::string_view name;
         void (MpsReader::*readLine)();
     };
-    struct Row {
-        std::string_view name;
-        char sense; // 'N' for none
+    struct Row {    // a constraint until all has been read, also the objective
+        char sense; // 0 for none
         double rhs = NAN;
         long double range = NAN;
-        std::vector<Entry> entries = {};
-        bool isQuadratic = false;
-        std::vector<int> firsts = {}, seconds = {}; // columns of the products
-        std::vector<double> factors = {};
-
-        Products products(size_t columns) const {
-            return readProducts(intSize(factors.size()), firsts.data(), seconds.data(),
-                                factors.data(), columns);
-        }
+        int lastColumn = -1;
     };
     struct Column {
         bool isMarked; // an integer one by the markers around it
@@ -158,10 +149,18 @@ class MpsReader {
     void row() {
         expect(words.size() == 2, "SENSE ROW");
         expect(isOneOf(words[0], {"N", "L", "G", "E"}), "N, L, G or E and a row");
-        char sense = static_cast<char>(std::toupper(words[0][0]));
-        if (!rowIndex.emplace(words[1], rows.size()).second)
+        const char type = static_cast<char>(std::toupper(words[0][0]));
+        if (rowIndex.place(words[1]) >= 0)
             refuse(words[1], "is there twice");
-        rows.push_back({words[1], sense});
+        if (type == 'N' && objective < 0)
+            objective = intSize(rows.size());
+        rows.push_back({type == 'L'   ? KVX_LESS_EQUAL
+                        : type == 'G' ? KVX_GREATER_EQUAL
+                        : type == 'E' ? KVX_EQUAL
+                                      : char{0}});
+        Constraint constr;
+        constr.name = words[1];
+        addConstraint(model, std::move(constr));
     }
 
     double number(std::string_view word) const {
@@ -183,21 +182,27 @@ class MpsReader {
         }
         expect(words.size() == 3 || words.size() == 5, "COLUMN ROW NUMBER [ROW NUMBER]");
         if (model.vars.empty() || !(model.vars.back().name == words[0])) {
-            if (!columnIndex.emplace(words[0], columns.size()).second)
+            if (columnIndex.place(words[0]) >= 0)
                 refuse(words[0], "is there twice");
             Variable var;
             var.name = words[0];
             var.type = isMarked ? KVX_INTEGER : KVX_CONTINUOUS;
             addVariable(model, std::move(var));
             columns.push_back({isMarked});
+            lists.begin.push_back(lists.entries.size());
         }
-        int index = intSize(columns.size()) - 1;
+        const int index = intSize(columns.size()) - 1;
         for (size_t k = 1; k < words.size(); k += 2) {
-            auto &entries = rows[find(rowIndex, words[k])].entries;
-            if (!entries.empty() && entries.back().index == index)
+            const int row = intSize(rowIndex.find(words[k]));
+            if (std::exchange(rows[at(row)].lastColumn, index) == index)
                 refuse(words[k], "is there twice in this column");
-            entries.push_back({index, number(words[k + 1])});
+            const double value = number(words[k + 1]);
+            if (row == objective)
+                model.vars.back().obj = value;
+            else if (value != 0)
+                lists.entries.push_back({row, value});
         }
+        lists.begin.back() = lists.entries.size();
     }
 
     // [SET] ROW NUMBER [ROW NUMBER]
@@ -207,7 +212,7 @@ class MpsReader {
         size_t first = words.size() % 2;
         checkSet(first ? words[0] : "");
         for (size_t k = first; k < words.size(); k += 2) {
-            Number &target = rows[find(rowIndex, words[k])].*number;
+            Number &target = rows[rowIndex.find(words[k])].*number;
             if (!std::isnan(target))
                 refuse(words[k], "is there twice");
             target = numberIn<Number>(words[k + 1]);
@@ -228,10 +233,9 @@ class MpsReader {
                needsNumber ? "TYPE [SET] COLUMN NUMBER" : "TYPE [SET] COLUMN [NUMBER]");
         bool hasSet = words.size() == 4;
         if (words.size() == 3 && !needsNumber) // a set or a number
-            hasSet = columnIndex.count(std::string(words[2])) ||
-                     !columnIndex.count(std::string(words[1]));
+            hasSet = columnIndex.place(words[2]) >= 0 || columnIndex.place(words[1]) < 0;
         checkSet(hasSet ? words[1] : "");
-        const size_t place = hasSet ? 2 : 1, index = find(columnIndex, words[place]);
+        const size_t place = hasSet ? 2 : 1, index = columnIndex.find(words[place]);
         double value = place + 1 < words.size() ? numberIn<double>(words[place + 1]) : HUGE_VAL;
         Variable &var = model.vars[index];
         Column &column = columns[index];
@@ -258,7 +262,7 @@ class MpsReader {
     void setLine() {
         bool isIndented = words[0].data() - source.line.data() > 3;
         if (sectionName == "SOS" && isOneOf(words[0], {"S1", "S2"}) &&
-            !(isIndented && columnIndex.count(std::string(words[0]))))
+            !(isIndented && columnIndex.place(words[0]) >= 0))
             return model.sos.push_back({words[0][1] - '0', {}});
         expect(words.size() == 2 || words.size() == 3, "[SET] COLUMN NUMBER");
         std::string_view name = words.size() == 3 ? words[0] : "";
@@ -267,7 +271,7 @@ class MpsReader {
         setName = name;
         if (model.sos.empty())
             expected(words[0], "S1 or S2 and a set");
-        int index = intSize(find(columnIndex, words[words.size() - 2]));
+        int index = intSize(columnIndex.find(words[words.size() - 2]));
         model.sos.back().members.push_back({index, number(words.back())});
     }
 
@@ -276,16 +280,15 @@ class MpsReader {
         const bool isOfRow = sectionName == "QCMATRIX", hasRow = words.size() > 1;
         expect(isOfRow ? hasRow : !hasRow || sectionName != "QUADOBJ",
                isOfRow ? "QCMATRIX ROW" : "QUADOBJ alone");
-        auto first = std::find_if(rows.begin(), rows.end(), [](auto &r) { return r.sense == 'N'; });
-        const auto objective = static_cast<size_t>(first - rows.begin());
-        quadraticRow = hasRow ? find(rowIndex, since(1)) : objective;
-        if (quadraticRow == rows.size())
+        const int row = hasRow ? intSize(rowIndex.find(since(1))) : objective;
+        if (row < 0)
             refuse(words[0], "needs an objective row");
-        Row &row = rows[quadraticRow];
-        if (quadraticRow == objective ? isOfRow : row.sense == 'N')
-            refuse(row.name, "is no row with a side");
-        if (std::exchange(row.isQuadratic, true))
-            refuse(row.name, "is quadratic twice");
+        const std::string rowName = model.constrs[at(row)].name;
+        if (row == objective ? isOfRow : !rows[at(row)].sense)
+            refuse(rowName, "is no row with a side");
+        if (quadratics.count(row))
+            refuse(rowName, "is quadratic twice");
+        products = &quadratics[row];
         given.clear();
     }
 
@@ -294,60 +297,57 @@ class MpsReader {
     void product() {
         expect(words.size() == 3 || words.size() == 5, "COLUMN COLUMN NUMBER [COLUMN NUMBER]");
         const bool isTriangle = sectionName == "QUADOBJ" || sectionName == "QSECTION";
-        Row &row = rows[quadraticRow];
-        const int first = intSize(find(columnIndex, words[0]));
+        const int first = intSize(columnIndex.find(words[0]));
         for (size_t k = 1; k < words.size(); k += 2) {
-            const int second = intSize(find(columnIndex, words[k]));
+            const int second = intSize(columnIndex.find(words[k]));
             std::pair pair{first, second};
             if (isTriangle && first > second)
                 std::swap(pair.first, pair.second);
             if (!given.insert(pair).second)
                 refuse(words[k], "is there twice with this column");
             const bool isWhole = sectionName == "QCMATRIX" || (isTriangle && first != second);
-            row.firsts.push_back(first);
-            row.seconds.push_back(second);
-            row.factors.push_back(number(words[k + 1]) / (isWhole ? 1 : 2));
+            const double value = number(words[k + 1]) / (isWhole ? 1 : 2);
+            if (value != 0)
+                addProducts(*products, {{std::minmax(first, second), value}});
         }
     }
 
     ModelData finished() {
-        bool hasObjective = false;
-        for (Row &row : rows) {
-            auto &entries = row.entries;
-            auto isZero = [](const Entry &entry) { return entry.value == 0; };
-            entries.erase(std::remove_if(entries.begin(), entries.end(), isZero), entries.end());
+        model.rows.addColumns(0, lists);
+        std::vector<int> numbers(rows.size(), -1);
+        model.constrsMade = 0;
+        for (int i = 0; i < intSize(rows.size()); i++) {
+            const Row &row = rows[at(i)];
+            Sides &constr = model.constrs[at(i)];
             const double rhs = std::isnan(row.rhs) ? 0 : row.rhs;
-            if (row.sense == 'N' && !hasObjective) {
-                hasObjective = true;
+            auto quadratic = quadratics.find(i);
+            if (i == objective) {
                 model.objcon = 0 - rhs;
-                for (auto [var, value] : entries)
-                    model.vars[at(var)].obj = value;
-                model.products = row.products(columns.size());
+                model.products = std::move(quadratics[i]);
                 continue;
             }
-            if (row.isQuadratic) {
+            if (quadratic != quadratics.end()) {
                 if (!std::isnan(row.range))
-                    refuse(row.name, "is quadratic and has a range");
-                addQuadraticConstraint(model, {std::string(row.name), std::move(entries),
-                                               row.products(columns.size()), rhs,
-                                               row.sense == 'L'   ? KVX_LESS_EQUAL
-                                               : row.sense == 'G' ? KVX_GREATER_EQUAL
-                                                                  : KVX_EQUAL});
+                    refuse(std::string(constr.name), "is quadratic and has a range");
+                const Entries linear = model.rows[at(i)];
+                addQuadraticConstraint(model, {std::move(constr.name),
+                                               {linear.begin(), linear.end()},
+                                               std::move(quadratic->second),
+                                               rhs,
+                                               row.sense});
                 continue;
             }
-            Constraint constr;
-            constr.name = row.name;
-            constr.row = std::move(entries);
-            if (row.sense == 'G' || row.sense == 'E')
+            numbers[at(i)] = model.constrsMade++;
+            if (row.sense && row.sense != KVX_LESS_EQUAL)
                 constr.lower = rhs;
-            if (row.sense == 'L' || row.sense == 'E')
+            if (row.sense && row.sense != KVX_GREATER_EQUAL)
                 constr.upper = rhs;
-            bool isDown = row.sense == 'L' || (row.sense == 'E' && row.range < 0);
-            if (row.sense != 'N' && !std::isnan(row.range))
+            bool isDown = row.sense == KVX_LESS_EQUAL || (row.sense == KVX_EQUAL && row.range < 0);
+            if (row.sense && !std::isnan(row.range))
                 (isDown ? constr.lower : constr.upper) =
                     otherSide(rhs, isDown ? -std::abs(row.range) : std::abs(row.range));
-            addConstraint(model, std::move(constr));
         }
+        keepConstraints(model, numbers);
         for (size_t j = 0; j < columns.size(); j++) { // conventions for marked columns
             Variable &var = model.vars[j];
             if (columns[j].isMarked && !columns[j].hasBound)
@@ -364,10 +364,14 @@ class MpsReader {
     std::string_view sectionName, setName;
     std::map<std::string_view, std::string_view> sets; // by section
     ModelData model;
-    Index rowIndex, columnIndex;
-    std::vector<Row> rows; // with the objective
+    Index<Sides> rowIndex{model.constrs};
+    Index<Variable> columnIndex{model.vars};
+    std::vector<Row> rows; // one for each constraint
     std::vector<Column> columns;
-    size_t quadraticRow = 0;             // that the section is about
+    Lists lists;                         // of the columns: coefficients by row
+    int objective = -1;                  // the first row without a sense
+    std::map<int, Products> quadratics;  // by row
+    Products *products = nullptr;        // that the section is about
     std::set<std::pair<int, int>> given; // in this section
     bool isMarked = false;
 };

@@ -64,7 +64,7 @@ void writeFile(const std::string &name, const std::string &text) {
 }
 
 bool Source::nextLine(char comment) {
-    constexpr std::string_view blanks = " \t\r\v\f";
+    auto isBlank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
     do {
         if (position >= text.size())
             return false;
@@ -75,9 +75,10 @@ bool Source::nextLine(char comment) {
         words.clear();
         if (line[0] == comment)
             continue;
-        for (size_t begin = 0; (begin = line.find_first_not_of(blanks, begin)) < line.size();) {
-            words.push_back(line.substr(begin, line.find_first_of(blanks, begin) - begin));
-            begin += words.back().size();
+        const char *const last = line.data() + line.size(), *begin = line.data(), *end;
+        for (; (begin = std::find_if_not(begin, last, isBlank)) != last; begin = end) {
+            end = std::find_if(begin, last, isBlank);
+            words.emplace_back(begin, end - begin);
             if (!isName(words.back()))
                 refuse(words.back(), "isn't UTF-8 text");
         }
@@ -110,13 +111,6 @@ Number numberIn(std::string_view word) {
 }
 template double numberIn(std::string_view word);
 template long double numberIn(std::string_view word);
-
-size_t find(const Index &index, std::string_view name) {
-    auto found = index.find(std::string(name));
-    if (found == index.end())
-        refuse(name, "is unknown");
-    return found->second;
-}
 
 Names::Names(const ModelData &model, bool (*canHold)(std::string_view)) {
     std::unordered_set<std::string> takenByVars, takenByConstrs;

@@ -5,8 +5,6 @@
 
 #include "guard.h"
 
-#include <unordered_map>
-
 namespace korvex {
 
 bool hasEnding(std::string_view name, std::string_view ending);
@@ -31,19 +29,32 @@ struct Source {
 template <class Number>                                              // with an exponent of e or d
 Number numberIn(std::string_view word);
 
-// Elements by name. Refused: names that aren't unique or that can't stand in attribute files.
-using Index = std::unordered_map<std::string, size_t>;
+// Elements by name, also those that have been appended since.
 template <class Element>
-Index indexOf(const std::vector<Element> &elements, bool (*isWritable)(std::string_view)) {
-    Index index;
-    for (const Element &element : elements) {
-        std::string name = element.name;
-        if (!isWritable(name) || !index.emplace(name, index.size()).second)
-            fail(KVX_ERROR_FILE_WRITE, "not unique, or no name in this format: '%s'", name.c_str());
+class Index {
+  public:
+    explicit Index(const std::vector<Element> &elements) : elements(elements) {}
+    // Refused: names that aren't unique or that can't stand in attribute files.
+    Index(const std::vector<Element> &elements, bool (*isWritable)(std::string_view))
+        : Index(elements) {
+        for (size_t k = 0; k < elements.size(); k++)
+            if (std::string name = elements[k].name; !isWritable(name) || find(name) != k)
+                fail(KVX_ERROR_FILE_WRITE, "not unique, or no name in this format: '%s'",
+                     name.c_str());
     }
-    return index;
-}
-size_t find(const Index &index, std::string_view name);
+
+    int place(std::string_view name) { return names.find(elements, name); } // -1: none
+    size_t find(std::string_view name) {
+        const int found = place(name);
+        if (found < 0)
+            refuse(name, "is unknown");
+        return at(found);
+    }
+
+  private:
+    const std::vector<Element> &elements;
+    NameIndex names;
+};
 bool isWord(std::string_view name); // no blanks, no comment, no marker
 
 // What the variables and constraints of a model are called in a file: x, c or, quadratic ones, q
