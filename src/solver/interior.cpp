@@ -321,7 +321,8 @@ void InteriorPoint::solve(Run &run) {
     const struct {
         double regularization, distance;
         bool isCautious;
-    } attempts[] = {{1e-10, 1, false}, {1e-8, 100, true}, {1e-11, 100, true}, {1e-6, 100, true}};
+    } attempts[] = {{1e-10, 1, false}, {1e-7, 1, false},   {1e-10, 10, false}, {1e-10, 100, false},
+                    {1e-8, 100, true}, {1e-11, 100, true}, {1e-6, 100, true}};
     for (auto [smallest, distance, isCautious] : attempts)
         if (least > enough && !run.stopped()) {
             regularization = smallest;

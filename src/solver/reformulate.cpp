@@ -2,7 +2,6 @@
 // conditions become SOS of type 1 rather than rows with large constants: of a slack and a binary
 // variable only one may be nonzero, however large the slack may get. Where the variables' bounds
 // limit a slack it is limited, since without its SOS the model should be bounded, too.
-#include "assertion.h"
 #include "input.h"
 #include "optimize.h"
 #include "params.h"
@@ -330,49 +329,35 @@ struct Reformulation {
 
 // Finds open limits in the linear relaxation of the reformulated model, if that is unbounded: with
 // sets it can't be searched then. Whether there are any.
-bool limitByRelaxation(const KVXmodel &model, const ModelData &reformulated, double tolerance,
+bool limitByRelaxation(const KVXmodel &model, const ModelData &reformulated,
                        std::vector<Limit> &limits) {
     constexpr double margin = 1e-3; // Limits may be too large, but never too small.
-    int iterations = 20000;         // that are left
-    Problem relaxation(reformulated);
-    relaxation.products.clear();
-    relaxation.constant = 0;
-    auto owner = std::make_unique<ClpSimplex>();
-    ClpSimplex &lp = *owner;
-    relaxation.load(lp);
-    lp.scaling(0);
-    if (model.running) {
-        SimplexWatch watch(*model.run, false);
-        lp.passInEventHandler(&watch); // Clp copies it.
-    }
-    auto isSolved = [&](std::vector<double> cost) {
-        if (!owner)
-            return false;
-        relaxation.cost = std::move(cost);
-        lp.chgObjCoefficients(relaxation.cost.data());
-        lp.setMaximumIterations(iterations);
-        if (!survives([&] { lp.primal(); }, owner))
-            return false;
-        iterations -= lp.numberIterations();
-        return lp.status() == 0;
+    int tries = 2000;
+    auto relaxation = makeInnerModel(model.env, reformulated);
+    setParam(relaxation->env, "Method", 0); // goes on from the basis before
+    relaxation->products.clear();
+    relaxation->sos.clear();
+    for (Variable &var : relaxation->vars)
+        var.type = KVX_CONTINUOUS;
+    auto status = [&] {
+        if (model.running)
+            return solveInside(*model.run, *relaxation);
+        KVXoptimize(relaxation.get());
+        return relaxation->solution.status;
     };
-    const std::vector<double> own = relaxation.cost, zeros(own.size());
-    if (!isSolved(zeros) || (model.objectives.empty() && isSolved(own)))
+    if (model.objectives.empty() && status() != KVX_STATUS_UNBOUNDED)
         return false;
     bool isFound = false;
     for (Limit &limit : limits) {
-        if (!limit.isOpen())
+        if (!limit.isOpen() || tries-- <= 0)
             continue;
-        std::vector<double> cost = zeros;
+        clearObjective(*relaxation);
+        relaxation->objsense = KVX_MAXIMIZE;
         for (auto [index, value] : limit.expression)
-            cost[at(index)] -= value;
-        if (!isSolved(cost))
-            continue;
-        const std::vector<double> x(lp.primalColumnSolution(),
-                                    lp.primalColumnSolution() + cost.size());
-        const double most = -relaxation.sense * relaxation.objective(x);
-        if (std::abs(most) < largestImplied && relaxation.violation(x) <= tolerance &&
-            relaxation.isOptimal(x, lp.dualRowSolution(), tolerance)) {
+            relaxation->vars[at(index)].obj += value;
+        const double most =
+            status() == KVX_STATUS_OPTIMAL ? relaxation->solution.objval : KVX_INFINITY;
+        if (std::abs(most) < largestImplied) {
             limit.most = most + margin * (1 + std::abs(most));
             isFound = true;
         }
@@ -386,10 +371,10 @@ ModelData reformulated(const KVXmodel &model) {
     const double tolerance = 10 * dblParam(model.env, "FeasibilityTol");
     Reformulation first{model, tolerance};
     first.run();
-    std::vector<Limit> limits = first.limits;
+    std::vector<Limit> &limits = first.limits;
     auto isOpen = [](const Limit &limit) { return limit.isOpen(); };
     if (first.model.sos.empty() || std::none_of(limits.begin(), limits.end(), isOpen) ||
-        !limitByRelaxation(model, first.model, tolerance, limits))
+        !limitByRelaxation(model, first.model, limits))
         return std::move(first.model);
     Reformulation second{model, tolerance, limits};
     second.run();

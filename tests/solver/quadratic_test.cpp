@@ -45,7 +45,8 @@ struct Form {
 TEST(Quadratic, OptimaSatisfyTheConditions) {
     Env env;
     int optimal = 0, unbounded = 0;
-    for (unsigned seed = 0; seed < 150; seed++) {
+    for (unsigned k = 0; k <= 150; k++) {
+        const unsigned seed = k < 150 ? k : 2672; // which takes a second attempt
         SCOPED_TRACE(seed);
         Random random(seed);
         const size_t vars = 6;
