@@ -8,9 +8,6 @@
 
 namespace {
 
-// Its best objective value is 7, at (3, 4).
-const Data easy{{1, 1}, {}, {3, 10}, "IC", {{{1, 2}, -inf, 11}}, KVX_MAXIMIZE};
-
 struct FreeBatch {
     void operator()(KVXbatch *batch) const { KVXfreebatch(batch); }
 };
@@ -28,44 +25,51 @@ std::string submit(const Model &model) {
     return id;
 }
 
+// As of the last update.
 int status(const Batch &batch) {
     int value = 0;
-    EXPECT_EQ(0, KVXupdatebatch(batch.get()));
-    EXPECT_EQ(0, KVXgetbatchintattr(batch.get(), "BatchStatus", &value));
+    EXPECT_EQ(KVX_OK, KVXgetbatchintattr(batch.get(), "BatchStatus", &value));
     return value;
+}
+
+int updated(const Batch &batch) {
+    EXPECT_EQ(KVX_OK, KVXupdatebatch(batch.get()));
+    return status(batch);
 }
 
 std::string text(const Batch &batch, const char *name) {
     const char *value = nullptr;
-    EXPECT_EQ(0, KVXgetbatchstrattr(batch.get(), name, &value)) << name;
+    EXPECT_EQ(KVX_OK, KVXgetbatchstrattr(batch.get(), name, &value)) << name;
     return value ? value : "";
 }
 
 TEST(Batches, SolveACopyOfTheModel) {
     Env env;
-    Model model = easy.build(env);
+    Model model = fromText(env, "max x + y st c: x + 2 y <= 11 bounds x <= 3 y <= 10 int x");
     std::string id = submit(model);
-    MUST(model, KVXsetdblattrelement(model.get(), "UB", 0, 0));
     Batch batch = get(env, id), other = get(env, id);
-    for (int k = 0; k < 2000 && status(batch) == KVX_BATCH_RUNNING; k++)
+    MUST(model, KVXsetdblattrelement(model.get(), "UB", 0, 0));
+    for (int k = 0; k < 2000 && updated(batch) == KVX_BATCH_RUNNING; k++)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(KVX_BATCH_COMPLETED, status(batch));
+    EXPECT_EQ(KVX_BATCH_RUNNING, status(other));
     EXPECT_EQ(text(batch, "BatchID"), id);
     EXPECT_EQ(text(batch, "EndTime").size(), std::string("2000-01-01T00:00:00Z").size());
+    EXPECT_LE(text(batch, "SubmitTime"), text(batch, "EndTime"));
     char *json = nullptr;
-    ASSERT_EQ(0, KVXgetbatchjsonsolution(batch.get(), &json));
+    ASSERT_EQ(KVX_OK, KVXgetbatchjsonsolution(batch.get(), &json));
     EXPECT_EQ(nlohmann::json::parse(json)["objective"], 7);
     const std::string file = temporary("batch.json");
-    EXPECT_EQ(0, KVXwritebatchjsonsolution(batch.get(), file.c_str()));
+    EXPECT_EQ(KVX_OK, KVXwritebatchjsonsolution(batch.get(), file.c_str()));
     EXPECT_EQ(contents(file), json);
     EXPECT_EQ(KVX_ERROR_FILE_WRITE, KVXwritebatchjsonsolution(batch.get(), "a.sol"));
     KVXfree(json);
     EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, KVXabortbatch(batch.get()));
     EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, KVXretrybatch(batch.get()));
 
-    EXPECT_EQ(0, KVXdiscardbatch(batch.get()));
+    EXPECT_EQ(KVX_OK, KVXdiscardbatch(batch.get()));
     get(env, id, KVX_ERROR_NOT_FOUND);
-    EXPECT_EQ(status(other), KVX_BATCH_DISCARDED);
+    EXPECT_EQ(updated(other), KVX_BATCH_DISCARDED);
     EXPECT_EQ(KVX_ERROR_DATA_NOT_AVAILABLE, KVXgetbatchjsonsolution(other.get(), &json));
     EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, KVXdiscardbatch(other.get()));
 }
@@ -75,16 +79,16 @@ TEST(Batches, AreAbortedAndRetried) {
     Batch first = get(env, submit(marketSplit(env, 40, 5))),
           second = get(env, submit(marketSplit(env, 40, 5)));
     for (int attempt = 0; attempt < 2; attempt++) {
-        EXPECT_EQ(attempt ? 0 : KVX_ERROR_INVALID_ARGUMENT, KVXretrybatch(first.get()));
-        EXPECT_EQ(status(first), KVX_BATCH_RUNNING);
+        EXPECT_EQ(attempt ? KVX_OK : KVX_ERROR_INVALID_ARGUMENT, KVXretrybatch(first.get()));
+        EXPECT_EQ(updated(first), KVX_BATCH_RUNNING);
         EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, KVXdiscardbatch(first.get()));
-        EXPECT_EQ(0, KVXabortbatch(first.get()));
-        EXPECT_EQ(status(first), KVX_BATCH_ABORTED);
+        EXPECT_EQ(KVX_OK, KVXabortbatch(first.get()));
+        EXPECT_EQ(updated(first), KVX_BATCH_ABORTED);
     }
-    EXPECT_EQ(status(second), KVX_BATCH_RUNNING);
-    EXPECT_EQ(0, KVXabortbatch(second.get()));
-    EXPECT_EQ(0, KVXdiscardbatch(first.get()));
-    EXPECT_EQ(0, KVXdiscardbatch(second.get()));
+    EXPECT_EQ(updated(second), KVX_BATCH_RUNNING);
+    EXPECT_EQ(KVX_OK, KVXabortbatch(second.get()));
+    EXPECT_EQ(KVX_OK, KVXdiscardbatch(first.get()));
+    EXPECT_EQ(KVX_OK, KVXdiscardbatch(second.get()));
 }
 
 TEST(Batches, EndWithTheProcess) {
@@ -98,56 +102,75 @@ TEST(Batches, EndWithTheProcess) {
     EXPECT_EXIT(leaveRunning(), testing::ExitedWithCode(0), "");
 }
 
-struct Trials {
-    int calls = 0, stopAt = -1, skip = -1;
-
-    static int count(KVXmodel *model, void *cbdata, int where, void *data) {
-        auto &trials = *static_cast<Trials *>(data);
-        int trial = -1, all = -1;
+TEST(Tuning, KeepsAndRanksTheSettingsThatItTried) {
+    Env env;
+    Model model = marketSplit(env, 12, 2);
+    KVXmodel *m = model.get();
+    setParam(model, "Method", "0");
+    int calls = 0, all = 0;
+    Callback count = [&](void *cbdata, int where) {
+        int trial = -1;
         if (where != KVX_CB_TUNE)
             return 0;
-        EXPECT_EQ(0, KVXcbget(cbdata, where, KVX_CB_TUNE_TRIAL, &trial));
-        EXPECT_EQ(0, KVXcbget(cbdata, where, KVX_CB_TUNE_TRIALS, &all));
-        EXPECT_EQ(trial, trials.calls);
-        EXPECT_GT(all, trial);
-        EXPECT_TRUE(trial != trials.skip || KVXcbproceed(cbdata) == 0);
-        return trials.calls++ == trials.stopAt ? KVXterminate(model) : 0;
-    }
-};
+        EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_TUNE_TRIAL, &trial));
+        EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_TUNE_TRIALS, &all));
+        EXPECT_EQ(calls++, trial);
+        return 0;
+    };
+    setCallback(model, count);
+    MUST(model, KVXtunemodel(m));
+    EXPECT_EQ(all, calls);
+    EXPECT_EQ(all, intAttr(model, "TuneResultCount"));
+    EXPECT_GT(all, 4);
 
-TEST(Tuning, KeepsTheSettingsThatItTried) {
-    Env env;
-    Model model = easy.build(env);
-    Trials trials;
-    MUST(model, KVXsetcallbackfunc(model.get(), Trials::count, &trials));
-    MUST(model, KVXtunemodel(model.get()));
-    EXPECT_GT(trials.calls, 3);
-    EXPECT_EQ(intAttr(model, "TuneResultCount"), trials.calls);
-    bool isChanged = false;
-    for (int k = -1; k < trials.calls; k++) {
-        MUST(model, KVXgettuneresult(model.get(), k));
-        for (const char *name : {"Cuts", "Heuristics", "Presolve"}) {
-            int value = 1;
-            EXPECT_EQ(0, KVXgetintparam(KVXgetenv(model.get()), name, &value));
-            isChanged |= !value;
-        }
+    // The first trial is solved, the second one skipped, the third one ends at a limit.
+    calls = 0;
+    Callback decide = [&](void *cbdata, int where) {
+        if (where != KVX_CB_TUNE)
+            return 0;
+        EXPECT_EQ(KVX_OK, KVXcbsetdblparam(cbdata, "NodeLimit", calls == 2 ? 0 : 1e6));
+        EXPECT_TRUE(calls != 1 || KVXcbproceed(cbdata) == KVX_OK);
+        return calls++ == 3 ? KVXterminate(m) : 0;
+    };
+    setCallback(model, decide);
+    MUST(model, KVXtunemodel(m));
+    EXPECT_EQ(2, intAttr(model, "TuneResultCount"));
+    for (auto [result, cuts] : {std::pair{0, 1}, {1, 0}, {0, 1}, {-1, 0}}) {
+        int method = -1, value = -1;
+        MUST(model, KVXgettuneresult(m, result));
+        EXPECT_EQ(KVX_OK, KVXgetintparam(KVXgetenv(m), "Method", &method));
+        EXPECT_EQ(KVX_OK, KVXgetintparam(KVXgetenv(m), "Cuts", &value));
+        EXPECT_EQ(std::pair(0, cuts), std::pair(method, value)) << result;
     }
-    EXPECT_TRUE(isChanged);
-    EXPECT_EQ(KVX_ERROR_INDEX_OUT_OF_RANGE, KVXgettuneresult(model.get(), trials.calls));
+    EXPECT_EQ(KVX_ERROR_INDEX_OUT_OF_RANGE, KVXgettuneresult(m, 2));
 
-    trials = {0, 3, 1};
-    MUST(model, KVXtunemodel(model.get()));
-    EXPECT_EQ(intAttr(model, "TuneResultCount"), 2) << "of four, one skipped and one ended";
+    // A callback that fails ends all, even if it asked for the next trial.
+    Callback fail = [&](void *cbdata, int where) {
+        return where == KVX_CB_TUNE ? KVXcbproceed(cbdata) + 4711 : 0;
+    };
+    setCallback(model, fail);
+    EXPECT_EQ(4711, KVXtunemodel(m));
+    EXPECT_EQ(0, intAttr(model, "TuneResultCount"));
 }
 
 TEST(Tuning, KeepsToItsTimeLimit) {
     Env env;
     Model model = marketSplit(env, 40, 5);
-    EXPECT_EQ(0, KVXsetdblparam(KVXgetenv(model.get()), "TuneTimeLimit", 1));
+    setParam(model, "TuneTimeLimit", "1");
     auto begin = std::chrono::steady_clock::now();
     MUST(model, KVXtunemodel(model.get()));
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
     EXPECT_GT(intAttr(model, "TuneResultCount"), 0);
+
+    Callback slow = [](void *, int where) {
+        if (where == KVX_CB_TUNE)
+            std::this_thread::sleep_for(std::chrono::milliseconds(60));
+        return 0;
+    };
+    setParam(model, "TuneTimeLimit", "0.05");
+    setCallback(model, slow);
+    MUST(model, KVXtunemodel(model.get()));
+    EXPECT_EQ(0, intAttr(model, "TuneResultCount"));
 }
 
 } // namespace

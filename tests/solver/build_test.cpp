@@ -1,101 +1,92 @@
 // Building and reading back, deletion, and bad input to the functions that build.
 #include "solver_case.h"
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <limits>
-#include <set>
+#include <sstream>
 
 namespace {
 
 const double nan = std::numeric_limits<double>::quiet_NaN();
 
-// What is deleted of a model, or left out when it is built.
-struct Gone {
-    std::set<int> vars, constrs, sos, qconstrs;
-};
+// A model with something of everything that files hold. General constraints will need x0 to x3; one
+// that can be deleted stands before them.
+constexpr char whole[] = R"(min
+ +4*x4 +0*x0 +1*x1 +2*x2 +3*x3 +5*x5 +6*x6 +7*x7
+ + [ +28*x4*x1 +3*x0*x0 +134*x7*x6 +104*x2*x5 +132*x6*x6 ] / 2
+st
+ r0: +5*x4 +2*x1 +1*x0 <= 4
+ r1: +6*x5 +1*x0 +7*x6 >= 3
+ r2: +0*x0 +8*x7 +7*x6 +6*x5 +5*x4 +4*x3 = 2
+ q0: +7*x6 +2*x1 +5*x4 + [ +71*x7*x1 +33*x3*x3 +50*x0*x5 ] <= 0
+ q1: +7*x6 +3*x2 +5*x4 + [ +71*x7*x1 +33*x3*x3 +51*x1*x5 ] >= 1
+ q2: +7*x6 +4*x3 +5*x4 + [ +71*x7*x1 +33*x3*x3 +52*x2*x5 ] = 2
+bounds
+ -1<=x1<=11 -2<=x2<=12 -3<=x3<=1 -5<=x5<=15 -6<=x6<=16 -7<=x7<=17
+binaries
+ x4
+generals
+ x1 x2 x6
+semis
+ x5 x6
+sos
+ s0: S1:: x0:1 x5:6 x6:7
+ s1: S2:: x1:2 x7:8 x4:5 x5:6 x6:7
+end
+)";
 
-// One that can be deleted stands before those that general constraints need.
-constexpr int order[] = {4, 0, 1, 2, 3, 5, 6, 7};
+// The text without these rows and sets, and without the terms, bounds and members of these
+// variables, each of which is a word.
+std::string without(const std::vector<std::string> &gone) {
+    std::istringstream lines(whole);
+    std::string text;
+    for (std::string line; std::getline(lines, line); text += '\n') {
+        std::istringstream words(line);
+        for (std::string word; words >> word;) {
+            const bool isGone = std::any_of(gone.begin(), gone.end(), [&](const auto &name) {
+                return word.find(name) != std::string::npos;
+            });
+            if (isGone && word.back() == ':')
+                break;
+            text += isGone ? "" : word + ' ';
+        }
+    }
+    return text;
+}
 
-// A model with something of everything, without what is gone.
-KVXmodel *built(KVXenv *env, const Gone &gone) {
-    KVXmodel *model = nullptr;
-    auto ok = [&](int status) { EXPECT_EQ(KVX_OK, status) << KVXgetmerrormsg(model); };
-    ok(KVXnewmodel(env, &model, "m", 0, nullptr, nullptr, nullptr, nullptr, nullptr));
-    int number[8], next = 0;
-    for (int j : order) {
-        const double obj = j, lb = -j, ub = j == 3 ? 1 : 10 + j;
-        const char *names[] = {"x0", "x1", "x2", "x3", "x4", "x5", "x6", "x7"};
-        number[j] = gone.vars.count(j) ? -1 : next++;
-        if (number[j] >= 0)
-            ok(KVXaddvars(model, 1, 0, nullptr, nullptr, nullptr, &obj, &lb, &ub, &"CIICBSNC"[j],
-                          names + j));
-    }
-    const int beg = 0;
-    int ind[8];
-    double val[8]; // tell the variables apart
-    auto list = [&](const std::vector<int> &all) {
-        int num = 0;
-        for (int j : all)
-            if (number[j] >= 0) {
-                ind[num] = number[j];
-                val[num++] = j + 1;
-            }
-        return num;
-    };
-    const std::vector<int> rows[] = {{4, 1, 0}, {5, 0, 6}, {7, 6, 5, 4, 3}},
-                           sets[] = {{0, 5, 6}, {7, 4, 5, 6}};
-    for (int i = 0; i < 3; i++) {
-        const double rhs = 4 - i;
-        const char *const names[] = {"r0", "r1", "r2"};
-        if (int num = list(rows[i]); !gone.constrs.count(i))
-            ok(KVXaddconstrs(model, 1, num, &beg, ind, val, &"<>="[i], &rhs, names + i));
-    }
-    for (int s = 0; s < 2; s++) {
-        const int type = s + 1, num = list(sets[s]);
-        if (!gone.sos.count(s))
-            ok(KVXaddsos(model, 1, num, &type, &beg, ind, val));
-    }
-    int num = list({5, 2, 6});
-    ok(KVXaddgenconstrIndicator(model, "ind", number[3], 1, num, ind, val, '>', 2));
-    num = list({1, 2});
-    ok(KVXaddgenconstrMax(model, "max", number[0], num, ind, -inf));
-    ok(KVXaddgenconstrAbs(model, nullptr, number[1], number[2]));
+int find(const Model &model, const std::string &name) {
+    int index = -1;
+    KVXgetvarbyname(model.get(), name.c_str(), &index);
+    return index;
+}
+
+// The model of such a text, and what files don't hold.
+Model built(KVXenv *env, const std::string &text) {
+    Model model = fromText(env, text);
+    KVXmodel *m = model.get();
+    auto ok = [&](int status) { EXPECT_EQ(KVX_OK, status) << KVXgetmerrormsg(m); };
+    const int x0 = find(model, "x0"), x1 = x0 + 1, x2 = x0 + 2, x3 = x0 + 3;
+    std::vector<int> ind;
+    Vector val;
+    for (auto [name, coefficient] : {std::pair{"x5", 6}, {"x2", 3}, {"x6", 7}})
+        if (int index = find(model, name); index >= 0) {
+            ind.push_back(index);
+            val.push_back(coefficient);
+        }
+    ok(KVXaddgenconstrIndicator(m, "ind", x3, 1, static_cast<int>(ind.size()), ind.data(),
+                                val.data(), '>', 2));
+    ok(KVXaddgenconstrMax(m, "max", x0, 1, &x1, -inf));
+    ok(KVXaddgenconstrAbs(m, nullptr, x1, x2));
     const double x[] = {0, 1, 1, 2}, y[] = {0, 1, 2, 2};
-    ok(KVXaddgenconstrPWL(model, "pwl", number[3], number[1], 4, x, y));
-    ok(KVXsetpwlobj(model, number[2], 4, x, y));
-    ok(KVXaddgenconstrPow(model, "pow", number[2], number[0], "a=1", 3));
+    ok(KVXaddgenconstrPWL(m, "pwl", x3, x1, 4, x, y));
+    ok(KVXsetpwlobj(m, x2, 4, x, y));
+    ok(KVXaddgenconstrPow(m, "pow", x2, x0, "a=1", 3));
     const int codes[] = {KVX_NL_PLUS, KVX_NL_VARIABLE, KVX_NL_VARIABLE, KVX_NL_CONSTANT},
               parents[] = {-1, 0, 0, 0};
-    const double data[] = {-1, 1.0 * number[2], 1.0 * number[3], 3};
-    ok(KVXaddgenconstrNL(model, "nl", number[1], 4, codes, data, parents));
-
-    int second[8];
-    auto products = [&](const std::vector<std::pair<int, int>> &all) {
-        num = 0;
-        for (auto [j, k] : all)
-            if (number[j] >= 0 && number[k] >= 0) {
-                ind[num] = number[j];
-                second[num] = number[k];
-                val[num++] = j + 10 * k;
-            }
-        return num;
-    };
-    products({{4, 1}, {0, 0}, {7, 6}, {2, 5}, {6, 6}});
-    ok(KVXaddqpterms(model, num, ind, second, val));
-    for (int q = 0; q < 3; q++) {
-        int linear[8];
-        double coefs[8];
-        const int numLinear = list({6, 1 + q, 4});
-        std::copy_n(ind, 8, linear);
-        std::copy_n(val, 8, coefs);
-        products({{7, 1}, {3, 3}, {q, 5}});
-        const char *names[] = {"q0", "q1", "q2"};
-        if (!gone.qconstrs.count(q))
-            ok(KVXaddqconstr(model, numLinear, linear, coefs, num, ind, second, val, "<>="[q], q,
-                             names[q]));
-    }
+    const double data[] = {-1, 1.0 * x2, 1.0 * x3, 3};
+    ok(KVXaddgenconstrNL(m, "nl", x1, 4, codes, data, parents));
     return model;
 }
 
@@ -126,24 +117,25 @@ void expectRefusal(const Model &model, const char *what) {
 
 TEST(Build, DeletionLeavesTheModelThatWasBuiltWithoutTheDeleted) {
     Env env;
-    const Gone cases[] = {{{7}, {}, {}, {}},      {{}, {0}, {}, {0}},
-                          {{}, {}, {0}, {2}},     {{4, 5, 6, 7}, {}, {}, {}},
-                          {{6, 7}, {1}, {1}, {}}, {{4, 7}, {0, 1, 2}, {0, 1}, {0, 1, 2}}};
-    for (const Gone &gone : cases) {
-        Model whole(built(env, {})), expected(built(env, gone));
-        auto remove = [&](auto deleter, const std::set<int> &items) {
-            std::vector<int> ind(items.rbegin(), items.rend());
-            MUST(whole, deleter(whole.get(), static_cast<int>(ind.size()), ind.data()));
-        };
-        std::set<int> vars;
-        for (int j = 0; j < 8; j++)
-            if (gone.vars.count(order[j]))
-                vars.insert(j);
-        remove(KVXdelvars, vars);
-        remove(KVXdelqconstrs, gone.qconstrs);
-        remove(KVXdelconstrs, gone.constrs);
-        remove(KVXdelsos, gone.sos);
-        EXPECT_EQ(described(expected.get()), described(whole.get()));
+    const std::vector<std::string> cases[] = {
+        {"x7"},
+        {"r0", "q0"},
+        {"s0", "q2"},
+        {"x7", "x6", "x5", "x4"},
+        {"x7", "x6", "r1", "s1"},
+        {"x7", "x4", "r2", "r1", "r0", "s1", "s0", "q2", "q1", "q0"}};
+    const std::pair<char, int (*)(KVXmodel *, int, const int *)> deleters[] = {
+        {'x', KVXdelvars}, {'q', KVXdelqconstrs}, {'r', KVXdelconstrs}, {'s', KVXdelsos}};
+    for (const auto &gone : cases) {
+        Model model = built(env, whole), expected = built(env, without(gone));
+        for (auto [kind, deleter] : deleters) {
+            std::vector<int> ind;
+            for (const std::string &name : gone)
+                if (name[0] == kind)
+                    ind.push_back(kind == 'x' ? find(model, name) : name[1] - '0');
+            MUST(model, deleter(model.get(), static_cast<int>(ind.size()), ind.data()));
+        }
+        EXPECT_EQ(described(expected.get()), described(model.get()));
     }
 }
 
@@ -191,90 +183,104 @@ TEST(Build, TakesInAndGivesBackAllKindsOfConstraints) {
     for (auto &[add, text, refusal] : kinds) {
         Model model = Data{Vector(4), {}, {}, "BBBB", {}}.build(env);
         MUST(model, add(model.get()));
-        Model copy;
         KVXmodel *copied = nullptr;
         MUST(model, KVXcopymodeltoenv(model.get(), env, &copied));
-        copy.reset(copied);
+        Model copy(copied);
         EXPECT_EQ(text, describedGeneral(copied, 0));
         EXPECT_EQ(described(model.get()), described(copied));
-        int type = -1;
-        MUST(model, KVXgetintattrelement(copied, "GenConstrType", 0, &type));
-        EXPECT_EQ(kind++, type);
+        EXPECT_EQ(kind++, intAttrs(copy, "GenConstrType", 1)[0]);
         expectRefusal(model, refusal);
     }
     EXPECT_EQ(19, kind);
 }
 
-// Terms of equal products are summed, whatever their order, and cancel out.
-TEST(Build, KeepsQuadraticData) {
+// Calls, one after the other, and the text of what they make of a model. Entries in one place are
+// summed when a model is loaded; so are terms of equal products, whatever their order, and cancel
+// out. An objective is replaced as a whole; without a sense it keeps the one that it has.
+TEST(Build, CallsMakeWhatTextsSay) {
     Env env;
-    Model model = Data{{0, 0, 0}, {}, {}, {}, {}}.build(env);
-    KVXmodel *m = model.get();
-    const int row[] = {2, 1, 0, 1}, col[] = {0, 1, 2, 0}, lind[] = {2};
-    const double val[] = {1, 2, 3, 4};
-    MUST(model, KVXaddqpterms(m, 4, row, col, val));
-    EXPECT_EQ(1, intAttr(model, "IsQP"));
-    int num = 0, ind[4], second[4];
-    double values[4];
-    auto terms = [&] {
-        std::string text;
-        for (int k = 0; k < num; k++)
-            text += std::to_string(ind[k]) + std::to_string(second[k]) + ' ' +
-                    std::to_string(static_cast<int>(values[k])) + ';';
-        return text;
-    };
-    MUST(model, KVXgetq(m, &num, ind, second, values));
-    EXPECT_EQ("01 4;02 4;11 2;", terms());
-    expectRefusal(model, "convex");
-    const double minus[] = {-4, 1};
-    MUST(model, KVXaddqpterms(m, 2, row, col, minus));
-    MUST(model, KVXgetq(m, &num, ind, second, values));
-    EXPECT_EQ("01 4;11 3;", terms());
-    MUST(model, KVXsetobjective(m, KVX_MAXIMIZE, 0, nullptr, nullptr, 1, row, col, val, 0));
-    EXPECT_EQ(1, intAttr(model, "NumQNZs"));
-    MUST(model, KVXdelq(m));
-    EXPECT_EQ(0, intAttr(model, "NumQNZs") + intAttr(model, "IsQP"));
-
-    MUST(model, KVXaddqconstr(m, 1, lind, val, 2, row, col, val, '>', 5, nullptr));
-    MUST(model, KVXgetqconstr(m, 0, nullptr, nullptr, nullptr, &num, ind, second, values));
-    EXPECT_EQ("02 1;11 2;", terms());
-    MUST(model, KVXgetqconstr(m, 0, &num, ind, values, nullptr, nullptr, nullptr, nullptr));
-    EXPECT_EQ(std::pair(2, 1.0), std::pair(ind[0], values[0]));
-    const char *name = nullptr;
-    MUST(model, KVXgetstrattrelement(m, "QConstrName", 0, &name));
-    EXPECT_STREQ("Q0", name);
-    EXPECT_NE(std::string::npos, described(m).find("QConstrRHS 5\nQConstrSense >\n"));
-    MUST(model, KVXsetdblattrelement(m, "QConstrRHS", 0, 6));
-    MUST(model, KVXsetcharattrelement(m, "QConstrSense", 0, '<'));
-    EXPECT_NE(std::string::npos, described(m).find("QConstrRHS 6\nQConstrSense <\n"));
-    expectRefusal(model, "quadratic constraint Q0");
-    EXPECT_EQ(KVX_ERROR_INDEX_OUT_OF_RANGE,
-              KVXgetqconstr(m, 1, &num, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+    static const int beg[] = {3, 0, 5}, len[] = {2, 3, 0}, ind[] = {1, 0, 1, 0, 1}, two = 2;
+    static const int row[] = {2, 1, 0, 1}, col[] = {0, 1, 2, 0}, begins[] = {0, 2}, zeros[2] = {};
+    static const double obj[] = {1, 2, 3}, val[] = {1, 2, 3, 5, -5}, rhs[] = {4, 6}, seven = 7,
+                        minus[] = {-4, 1};
+    static const char *const names[] = {"a", "b"};
+    KVXmodel *loaded = nullptr;
+    ASSERT_EQ(KVX_OK,
+              KVXloadmodel(env, &loaded, nullptr, 3, 2, KVX_MAXIMIZE, 2, obj, "<=", rhs, beg, len,
+                           ind, val, nullptr, nullptr, nullptr, nullptr, nullptr));
+    Model model(loaded);
+    const struct {
+        std::function<int(KVXmodel *)> call;
+        const char *text;
+    } steps[] = {
+        {[](auto) { return KVX_OK; },
+         "max 2 + C0 + 2 C1 + 3 C2 st R0: 5 C0 + 2 C1 <= 4 R1: -5 C0 + 4 C1 = 6"},
+        {[](auto m) { return KVXchgcoeffs(m, 1, zeros, &two, &seven); },
+         "max 2 + C0 + 2 C1 + 3 C2 st R0: 5 C0 + 2 C1 + 7 C2 <= 4 R1: -5 C0 + 4 C1 = 6"},
+        {[](auto m) { return KVXdelconstrs(m, 2, ind); }, "max 2 + C0 + 2 C1 + 3 C2 st"},
+        {[](auto m) { return KVXaddqpterms(m, 4, row, col, val); },
+         "max 2 + C0 + 2 C1 + 3 C2 + [ 8 C0 * C2 + 4 C1 ^2 + 10 C0 * C1 ] / 2 st"},
+        {[](auto m) { return KVXaddqpterms(m, 2, row, col, minus); },
+         "max 2 + C0 + 2 C1 + 3 C2 + [ 6 C1 ^2 + 10 C0 * C1 ] / 2 st"},
+        {[](auto m) {
+             return KVXsetpwlobj(m, 0, 2, obj, obj) +
+                    KVXsetobjectiven(m, 0, 1, nullptr, 1, &two, &seven, 0, 1, 0, 0) +
+                    KVXsetobjective(m, 0, 1, &two, &seven, 1, row, col, val, 3);
+         },
+         "max 3 + 0 C0 + 0 C1 + 7 C2 + [ 2 C0 * C2 ] / 2 st"},
+        {[](auto m) { return KVXdelq(m); }, "max 3 + 0 C0 + 0 C1 + 7 C2 st"},
+        {[](auto m) { return KVXaddqconstr(m, 1, &two, val, 2, row, col, val, '>', 5, nullptr); },
+         "max 3 + 0 C0 + 0 C1 + 7 C2 st Q0: C2 + [ C0 * C2 + 2 C1 ^2 ] >= 5"},
+        {[](auto m) {
+             return KVXsetdblattrelement(m, "QConstrRHS", 0, 6) +
+                    KVXsetcharattrelement(m, "QConstrSense", 0, '<');
+         },
+         "max 3 + 0 C0 + 0 C1 + 7 C2 st Q0: C2 + [ C0 * C2 + 2 C1 ^2 ] <= 6"},
+        {[](auto m) { return KVXdelqconstrs(m, 1, zeros); }, "max 3 + 0 C0 + 0 C1 + 7 C2 st"},
+        {[](auto m) { return KVXaddconstrs(m, 2, 4, begins, ind, val, ">=", rhs, names); },
+         "max 3 + 0 C0 + 0 C1 + 7 C2 st a: C1 + 2 C0 >= 4 b: 3 C1 + 5 C0 = 6"},
+        {[](auto m) { return KVXaddrangeconstrs(m, 2, 4, begins, row, val, obj, rhs, nullptr); },
+         "max 3 + 0 C0 + 0 C1 + 7 C2 st a: C1 + 2 C0 >= 4 b: 3 C1 + 5 C0 = 6\n"
+         "R4: 1 <= C2 + 2 C1 <= 4 R5: 2 <= 3 C0 + 5 C1 <= 6"},
+        {[](auto m) { return KVXaddvars(m, 2, 4, begins, ind, val, rhs, obj, rhs, "IC", names); },
+         "max 3 + 0 C0 + 0 C1 + 7 C2 + 4 a + 6 b st a: C1 + 2 C0 + 2 a + 5 b >= 4\n"
+         "b: 3 C1 + 5 C0 + a + 3 b = 6 R4: 1 <= C2 + 2 C1 <= 4 R5: 2 <= 3 C0 + 5 C1 <= 6\n"
+         "bounds 1 <= a <= 4 2 <= b <= 6 int a"}};
+    for (const auto &[call, text] : steps) {
+        MUST(model, call(loaded));
+        EXPECT_EQ(described(fromText(env, text).get()), described(loaded)) << text;
+    }
 }
 
-TEST(Build, ReadsBackWhatWasLoaded) {
+// What can be stored and not be solved, and the part of the text that says why.
+TEST(Build, RefusesToSolveByName) {
     Env env;
-    KVXmodel *handle = nullptr;
-    const int beg[] = {3, 0, 5}, len[] = {2, 3, 0}, ind[] = {1, 0, 1, 0, 1}; // 1 + 3 in one place
-    const double val[] = {1, 2, 3, 5, -5}, rhs[] = {4, 6};
-    ASSERT_EQ(KVX_OK,
-              KVXloadmodel(env, &handle, nullptr, 3, 2, KVX_MAXIMIZE, 2, nullptr, "<=", rhs, beg,
-                           len, ind, val, nullptr, nullptr, nullptr, nullptr, nullptr));
-    Model model(handle);
-    const int rows[] = {0, 0}, cols[] = {0, 2};
-    const double changes[] = {0, 7};
-    MUST(model, KVXchgcoeffs(handle, 2, rows, cols, changes));
-    int num = 0, begins[4], indices[8];
-    double values[8];
-    MUST(model, KVXgetvars(handle, &num, begins, indices, values, 0, 3));
-    EXPECT_EQ((std::vector<int>{0, 1, 3, 4}), std::vector<int>(begins, begins + 4));
-    EXPECT_EQ((std::vector<int>{1, 0, 1, 0}), std::vector<int>(indices, indices + num));
-    EXPECT_EQ((std::vector<double>{-5, 2, 4, 7}), std::vector<double>(values, values + num));
+    for (auto [text, why] : {std::pair{"min x + y + [ - 2 y ^2 ] / 2", "y"},
+                             {"min x + y + [ 4 x * y ] / 2", "x"},
+                             {"min x + y + [ 2 x ^2 + 6 x * y + 2 y ^2 ] / 2", "convex"},
+                             {"min x + [ 2 x ^2 ] / 2 int x", "x"},
+                             {"min x + 0 y + [ 2 x ^2 ] / 2 bounds 2 <= y <= 9 semi y", "sets"},
+                             {"min x st c: y + [ x ^2 ] <= 4", "quadratic constraint c"}})
+        expectRefusal(fromText(env, text), why);
+}
+
+// Terms of equal indices are summed, and dropped where they cancel out.
+TEST(Build, TidiesSparseLists) {
+    int ind[] = {2, 0, 2, 1}, first[] = {1, 0, 1, 1}, second[] = {2, 3, 2, 0}, length = 4;
+    double val[] = {1, 3, -1, 4};
+    Vector values = {1, 3, -1, 4};
+    KVXclean2(&length, ind, val);
+    EXPECT_EQ(std::vector({0, 1}), std::vector(ind, ind + length));
+    EXPECT_EQ((Vector{3, 4}), Vector(val, val + length));
+    length = 4;
+    KVXclean3(&length, first, second, values.data());
+    EXPECT_EQ(std::vector({0, 3, 1, 0}), std::vector({first[0], second[0], first[1], second[1]}));
+    EXPECT_EQ((Vector{3, 4}), Vector(values.data(), values.data() + length));
 }
 
 TEST(Build, RefusesBadInputAndLeavesTheModelAlone) {
     Env env;
-    Model owner(built(env, {}));
+    Model owner = built(env, whole);
     KVXmodel *m = owner.get();
     const std::string before = described(m);
     const int none[] = {0, 0}, back[] = {1, 0}, far[] = {0, 99}, type = 1, four = 4;

@@ -7,8 +7,6 @@
 
 namespace {
 
-using Ints = std::vector<int>;
-
 template <class T>
 void erase(std::vector<T> &items, int index) {
     items.erase(items.begin() + index);
@@ -25,67 +23,61 @@ TEST(Edit, RowsMatchADenseMatrix) {
     for (int k = 0; k < 2; k++)
         MUST(model, KVXsetobjectiven(m, k, k, nullptr, 0, nullptr, nullptr, 0, 1, 0, 0));
     MUST(model, KVXsetintattr(m, "ObjNumber", 1));
+    const int begin = 0;
+    const double zero = 0;
+    auto dense = [&](size_t size, int density) {
+        Vector result(size);
+        for (double &value : result)
+            value = random(0, 3) < density ? random(1, 9) : 0;
+        return result;
+    };
     for (int round = 0, made = 1; round < 400; round++) {
         SCOPED_TRACE(round);
         const int vars = static_cast<int>(data.obj.size()),
-                  rows = static_cast<int>(data.rows.size());
-        const int begin = 0, kind = random(0, 9);
-        Ints first, second;
-        Vector val;
+                  rows = static_cast<int>(data.rows.size()), kind = random(0, 9);
         if (kind < 2 && vars < 200) {
-            for (int j = random(1, 60); j > 0; j--) {
+            for (int last = vars + random(0, 59), j = vars; j <= last; j++) {
+                const Vector column = dense(data.rows.size(), 3);
+                const Sparse entries(column);
                 data.obj.push_back(made++);
-                for (int i = 0; i < rows; i++) {
-                    const bool isNew = random(0, 2) > 0;
-                    data.rows[static_cast<size_t>(i)].val.push_back(isNew ? random(1, 9) : 0);
-                    if (isNew) {
-                        first.push_back(i);
-                        val.push_back(data.rows[static_cast<size_t>(i)].val.back());
-                    }
-                }
-                MUST(model,
-                     KVXaddvars(m, 1, static_cast<int>(val.size()), &begin, first.data(),
-                                val.data(), &data.obj.back(), nullptr, nullptr, nullptr, nullptr));
-                MUST(model, KVXsetdblattrelement(m, "ObjN", static_cast<int>(data.obj.size()) - 1,
-                                                 data.obj.back()));
-                first.clear();
-                val.clear();
+                for (size_t i = 0; i < column.size(); i++)
+                    data.rows[i].val.push_back(column[i]);
+                MUST(model, KVXaddvars(m, 1, entries.size(), &begin, entries.ind.data(),
+                                       entries.val.data(), &data.obj.back(), nullptr, nullptr,
+                                       nullptr, nullptr));
+                MUST(model, KVXsetdblattrelement(m, "ObjN", j, data.obj.back()));
             }
         } else if (kind < 4 && rows < 6) {
-            data.rows.push_back({Vector(data.obj.size()), 0, inf});
-            for (int j = 0, density = random(0, 3); j < vars; j++)
-                if (random(0, 3) < density) {
-                    second.push_back(j);
-                    val.push_back(random(1, 9));
-                    data.rows.back().val[static_cast<size_t>(j)] = val.back();
-                }
-            const double zero = 0;
-            MUST(model, KVXaddconstrs(m, 1, static_cast<int>(val.size()), &begin, second.data(),
-                                      val.data(), ">", &zero, nullptr));
+            data.rows.push_back({dense(data.obj.size(), random(0, 3)), 0, inf});
+            const Sparse entries(data.rows.back().val);
+            MUST(model, KVXaddconstrs(m, 1, entries.size(), &begin, entries.ind.data(),
+                                      entries.val.data(), ">", &zero, nullptr));
         } else if (kind == 4 && vars > 90) {
-            for (int k = random(1, 20); k > 0; k--) {
-                const int index = random(0, static_cast<int>(data.obj.size()) - 1);
+            for (int left = vars; left > vars - 20; left--) {
+                const int index = random(0, left - 1);
                 MUST(model, KVXdelvars(m, 1, &index));
                 erase(data.obj, index);
                 for (Row &row : data.rows)
                     erase(row.val, index);
-                EXPECT_EQ(data.obj.size(), intAttr(model, "NumVars"));
+                EXPECT_EQ(left - 1, intAttr(model, "NumVars"));
             }
         } else if (kind == 5 && rows > 2) {
             const int index = random(0, rows - 1);
             MUST(model, KVXdelconstrs(m, 1, &index));
             erase(data.rows, index);
-            EXPECT_EQ(data.rows.size(), intAttr(model, "NumConstrs"));
+            EXPECT_EQ(rows - 1, intAttr(model, "NumConstrs"));
         } else {
-            for (int k = random(1, 60), i = random(0, rows - 1); k > 0; k--) {
-                first.push_back(i);
+            const int count = random(1, 60);
+            const std::vector<int> first(60, random(0, rows - 1));
+            std::vector<int> second;
+            Vector val;
+            for (int k = 0; k < count; k++) {
                 second.push_back(random(0, vars - 1));
                 val.push_back(random(0, 1) * random(1, 9));
-                data.rows[static_cast<size_t>(i)].val[static_cast<size_t>(second.back())] =
+                data.rows[static_cast<size_t>(first[0])].val[static_cast<size_t>(second.back())] =
                     val.back();
             }
-            MUST(model, KVXchgcoeffs(m, static_cast<int>(val.size()), first.data(), second.data(),
-                                     val.data()));
+            MUST(model, KVXchgcoeffs(m, count, first.data(), second.data(), val.data()));
         }
         EXPECT_EQ(data.obj, dblAttrs(model, round % 2 ? "Obj" : "ObjN", data.obj.size()));
         int count = 0, nonzeros = 0, begins[300], ind[1500];
@@ -185,32 +177,17 @@ TEST(Edit, ChangesForgetResultsAndNames) {
 
 TEST(Edit, CountsAndKinds) {
     Env env;
-    Model model = Data{Vector(5), {0, -1, 0, 0, 0}, {1, 1, 2, 1, 1}, "IIICB", {}}.build(env);
-    EXPECT_EQ(2, intAttr(model, "NumBinVars"));
-    EXPECT_EQ(4, intAttr(model, "NumIntVars"));
-    const int type = KVX_SOS_TYPE1, begin = 0, members[] = {0, 1};
-    const double weights[] = {1, 2};
-    Model sets = Data{{0, 0}, {}, {}, {}, {}}.build(env);
-    EXPECT_EQ(0, intAttr(sets, "IsMIP"));
-    MUST(sets, KVXaddsos(sets.get(), 1, 2, &type, &begin, members, weights));
-    EXPECT_EQ(1, intAttr(sets, "IsMIP"));
-}
-
-// The objective is replaced as a whole; without a sense it keeps the one that it has.
-TEST(Edit, ObjectivesAreReplaced) {
-    Env env;
-    Model model = Data{{1, 2}, {}, {}, {}, {}, KVX_MAXIMIZE, 7}.build(env);
-    KVXmodel *m = model.get();
-    const int index = 1;
-    const double points[] = {1, 2}, five = 5;
-    MUST(model, KVXsetpwlobj(m, 0, 2, points, points));
-    MUST(model, KVXaddqpterms(m, 1, &index, &index, &five));
-    MUST(model, KVXsetobjectiven(m, 0, 1, nullptr, 1, &index, &five, 0, 1, 0, 0));
-    MUST(model, KVXsetobjective(m, 0, 1, &index, &five, 0, nullptr, nullptr, nullptr, 3));
-    Model expected = Data{{0, 5}, {}, {}, {}, {}, KVX_MAXIMIZE, 3}.build(env);
-    EXPECT_EQ(described(expected.get()), described(m));
-    EXPECT_EQ(3, dblAttr(model, "ObjCon"));
-    EXPECT_EQ(0, intAttr(model, "IsMultiObj"));
+    const std::tuple<const char *, int, int, int> models[] = {
+        {"min a + b + c + d + e bounds a <= 1 -1 <= b <= 1 c <= 2 d <= 1 int a b c bin e", 4, 2, 1},
+        {"min a + b", 0, 0, 0},
+        {"min a + b sos1 a: 1 b: 2", 0, 0, 1}};
+    for (auto [text, integers, binaries, isMip] : models) {
+        Model model = fromText(env, text);
+        EXPECT_EQ(std::tuple(integers, binaries, isMip),
+                  std::tuple(intAttr(model, "NumIntVars"), intAttr(model, "NumBinVars"),
+                             intAttr(model, "IsMIP")))
+            << text;
+    }
 }
 
 } // namespace

@@ -1,107 +1,89 @@
-// Round trips by lazy constraints: the shortest of all tours where they are few, and agreement of
-// different settings where they aren't.
+// Lazy constraints and cuts: rows that come by callback have the same optimum as rows of the model.
 #include "solver_case.h"
-
-#include <algorithm>
-#include <numeric>
 
 namespace {
 
-struct Tour {
-    Env env;
-    const size_t cities;
-    std::vector<std::pair<size_t, size_t>> edges; // (0, 1), (0, 2), (1, 2), (0, 3) ...
-    Data data;
-    int lazies = 0;
-
-    Tour(size_t cities, unsigned seed) : cities(cities) {
-        Random random(seed);
-        for (size_t i = 0; i < cities; i++)
-            for (size_t j = 0; j < i; j++) {
-                edges.push_back({j, i});
-                data.obj.push_back(random(10, 99));
-            }
-        data.types.assign(edges.size(), KVX_BINARY);
-        for (size_t city = 0; city < cities; city++) {
-            Vector val;
-            for (auto [i, j] : edges)
-                val.push_back(i == city || j == city);
-            data.rows.push_back({val, 2, 2});
-        }
-    }
-
-    double solve(std::vector<std::pair<const char *, int>> params) {
-        Model model = data.build(env);
-        params.push_back({"LazyConstraints", 1});
-        for (auto [name, value] : params)
-            EXPECT_EQ(KVX_OK, KVXsetintparam(KVXgetenv(model.get()), name, value));
-        EXPECT_EQ(KVX_OK, KVXsetcallbackfunc(model.get(), callback, this));
-        auto [status, length] = solved(model);
-        EXPECT_EQ(KVX_STATUS_OPTIMAL, status);
-        EXPECT_EQ(cities, trip(dblAttrs(model, "X", edges.size())).second);
-        return length;
-    }
-
-    double shortest() const {
-        std::vector<size_t> order(cities);
-        std::iota(order.begin(), order.end(), 0);
-        double best = inf;
-        do {
-            double length = 0;
-            for (size_t k = 0; k < cities; k++) {
-                auto [low, high] = std::minmax(order[k], order[(k + 1) % cities]);
-                length += data.obj[high * (high - 1) / 2 + low];
-            }
-            best = std::min(best, length);
-        } while (std::next_permutation(order.begin() + 1, order.end()));
-        return best;
-    }
-
-    // Edges among the cities of the round trip through city 0, and the number of those cities.
-    std::pair<std::vector<int>, size_t> trip(const Vector &x) const {
-        std::vector<char> isReached(cities);
-        isReached[0] = true;
-        std::vector<int> inside;
-        for (size_t round = 0; round < cities; round++)
-            for (size_t e = 0; e < x.size(); e++)
-                if (auto [i, j] = edges[e]; x[e] > 0.5 && (isReached[i] || isReached[j]))
-                    isReached[i] = isReached[j] = true;
-        for (size_t e = 0; e < x.size(); e++)
-            if (isReached[edges[e].first] && isReached[edges[e].second])
-                inside.push_back(static_cast<int>(e));
-        return {inside, std::accumulate(isReached.begin(), isReached.end(), size_t{0})};
-    }
-
-    static int callback(KVXmodel *, void *cbdata, int where, void *userdata) {
-        auto &tour = *static_cast<Tour *>(userdata);
-        if (where != KVX_CB_MIPSOL)
-            return 0;
-        Vector x(tour.edges.size()), ones(x.size(), 1);
-        EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_MIPSOL_SOL, x.data()));
-        auto [ind, reached] = tour.trip(x);
-        if (reached == tour.cities)
-            return 0;
-        tour.lazies++;
-        return KVXcblazy(cbdata, static_cast<int>(ind.size()), ind.data(), ones.data(), '<',
-                         static_cast<double>(reached) - 1);
-    }
-};
-
-TEST(Lazy, FindsTheShortestTours) {
-    int lazies = 0;
-    for (unsigned seed = 0; seed < 12; seed++) {
-        Tour tour(6 + seed % 3, seed);
-        EXPECT_EQ(tour.shortest(), tour.solve({})) << "seed " << seed;
-        lazies += tour.lazies;
-    }
-    EXPECT_GT(lazies, 0);
+// Gives a row to a function of callbacks.
+int add(decltype(KVXcblazy) function, void *cbdata, const Row &row) {
+    const Sparse entries(row.val);
+    const char sense = row.upper < inf ? '<' : '>';
+    return function(cbdata, entries.size(), entries.ind.data(), entries.val.data(), sense,
+                    sense == '>' ? row.lower : row.upper);
 }
 
-TEST(Lazy, SettingsAgreeOnALongerTour) {
-    Tour tour(25, 4711);
-    double length = tour.solve({});
-    EXPECT_EQ(length, tour.solve({{"Seed", 7}, {"Cuts", 0}}));
-    EXPECT_EQ(length, tour.solve({{"Seed", 1}, {"Heuristics", 0}}));
+TEST(Lazy, RowsFromCallbacksHold) {
+    Env env;
+    int lazies = 0, optimal = 0;
+    for (unsigned seed = 0; seed < 60; seed++) {
+        SCOPED_TRACE(seed);
+        Random random(seed);
+        const int vars = seed % 4 ? 5 : 15;
+        const Data all =
+            randomData(random, vars, vars, seed % 3 ? "I" : "CI", seed % 5 ? 0 : 3).within(-9, 9);
+        Data given = all;
+        given.rows.resize(2);
+        Model model = given.build(env);
+        setParam(model, "LazyConstraints", "1");
+        for (const char *name : {"Presolve", "Cuts", "Heuristics"})
+            setParam(model, name, std::to_string(random(0, 1)));
+        Callback callback = [&](void *cbdata, int where) {
+            Vector x(all.obj.size());
+            if (where != KVX_CB_MIPSOL)
+                return 0;
+            EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_MIPSOL_SOL, x.data()));
+            for (const Row &row : all.rows) {
+                const Data alone{{}, {}, {}, {}, {row}};
+                if (alone.holds(x, 1e-5))
+                    continue;
+                lazies++;
+                for (Row side : {Row{row.val, row.lower, inf}, Row{row.val, -inf, row.upper}})
+                    if (side.lower > -inf || side.upper < inf) {
+                        EXPECT_EQ(KVX_OK, add(KVXcblazy, cbdata, side));
+                    }
+            }
+            return 0;
+        };
+        setCallback(model, callback);
+        const auto expected = solved(all.build(env)), found = solved(model);
+        EXPECT_EQ(expected.first, found.first);
+        EXPECT_NEAR(expected.second, found.second, 1e-5);
+        if (found.first == KVX_STATUS_OPTIMAL) {
+            optimal++;
+            EXPECT_TRUE(all.holds(dblAttrs(model, "X", all.obj.size()), 1e-5));
+        }
+    }
+    EXPECT_GT(optimal, 30);
+    EXPECT_GT(lazies, 100);
+}
+
+// Of each two neighbours on a circle of seven at least one is chosen: three and a half in the
+// relaxation, until a cut says that there are four.
+TEST(Lazy, CutsHoldInTheRelaxation) {
+    Env env;
+    Data circle{Vector(7, 1), Vector(7), Vector(7, 1), std::string(7, 'I'), {}};
+    for (size_t j = 0; j < 7; j++) {
+        circle.rows.push_back({Vector(7), 1, inf});
+        circle.rows[j].val[j] = circle.rows[j].val[(j + 1) % 7] = 1;
+    }
+    for (const Row &cut : {Row{Vector(7, 1), 4, inf}, Row{Vector(7, -1), -inf, -4}}) {
+        Model model = circle.build(env);
+        for (const char *name : {"Cuts", "Heuristics"})
+            setParam(model, name, "0");
+        int violations = 0;
+        Callback callback = [&](void *cbdata, int where) {
+            Vector x(7);
+            if (where != KVX_CB_MIPNODE)
+                return 0;
+            EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_MIPNODE_REL, x.data()));
+            if (product(x, Vector(7, 1)) > 4 - 1e-6)
+                return 0;
+            violations++;
+            return add(KVXcbcut, cbdata, cut);
+        };
+        setCallback(model, callback);
+        EXPECT_EQ(std::pair(KVX_STATUS_OPTIMAL, 4.0), solved(model));
+        EXPECT_EQ(1, violations);
+    }
 }
 
 } // namespace

@@ -1,22 +1,19 @@
-// What ends runs and what callbacks may do in them; several objectives' tolerances and settings.
+// What ends runs and what callbacks may do in them; starts, several objectives' tolerances.
 #include "solver_case.h"
 
+#include <cmath>
 #include <filesystem>
 #include <tuple>
 
 namespace {
 
-void setParam(const Model &model, const char *name, const char *value) {
-    EXPECT_EQ(KVX_OK, KVXsetparam(KVXgetenv(model.get()), name, value)) << name;
-}
-
 TEST(Limits, EndRuns) {
     Env env;
-    const std::tuple<const char *, const char *, int> limits[] = {
-        {"IterationLimit", "100", KVX_STATUS_ITERATION_LIMIT},
-        {"NodeLimit", "20", KVX_STATUS_NODE_LIMIT},
-        {"SolutionLimit", "1", KVX_STATUS_SOLUTION_LIMIT}};
-    for (auto [name, value, expected] : limits) {
+    for (auto [name, value, expected] :
+         {std::tuple{"IterationLimit", "100", KVX_STATUS_ITERATION_LIMIT},
+          {"NodeLimit", "20", KVX_STATUS_NODE_LIMIT},
+          {"MIPGap", "1", KVX_STATUS_OPTIMAL},
+          {"SolutionLimit", "1", KVX_STATUS_SOLUTION_LIMIT}}) {
         Model model = marketSplit(env, 40, 5);
         MUST(model, KVXsetdblattr(model.get(), "ObjCon", 1e4));
         for (const char *other : {"Cuts", "Heuristics"})
@@ -34,10 +31,27 @@ TEST(Limits, EndRuns) {
     }
 }
 
-TEST(Limits, CallbacksSetThemAndLittleElse) {
+TEST(Limits, CallbacksSetThem) {
+    Env env;
+    for (auto [name, value, expected] : {std::tuple{"TimeLimit", 0.2, KVX_STATUS_TIME_LIMIT},
+                                         {"NodeLimit", 20.0, KVX_STATUS_NODE_LIMIT},
+                                         {"MIPGap", 1.0, KVX_STATUS_OPTIMAL}}) {
+        Model model = marketSplit(env, 40, 5);
+        MUST(model, KVXsetdblattr(model.get(), "ObjCon", 1e4));
+        setParam(model, "TimeLimit", "30");
+        Callback callback = [limit = name, to = value](void *cbdata, int) {
+            return KVXcbsetdblparam(cbdata, limit, to);
+        };
+        setCallback(model, callback);
+        EXPECT_EQ(expected, solved(model).first) << name;
+    }
+}
+
+TEST(Limits, CallbacksLearnAndDoLittleElse) {
     Env env;
     Model model = marketSplit(env, 40, 5);
-    auto limit = [](KVXmodel *m, void *cbdata, int where, void *) {
+    KVXmodel *m = model.get();
+    Callback callback = [&](void *cbdata, int where) {
         int type = 0, vector = 0;
         double runtime = 0;
         const std::tuple<int, int, int> codes[] = {{KVX_CB_MIP_SOLCOUNT, KVX_TYPE_INT, 0},
@@ -52,33 +66,67 @@ TEST(Limits, CallbacksSetThemAndLittleElse) {
         EXPECT_EQ(KVX_OK, KVXgetdblattr(m, "Runtime", &runtime));
         EXPECT_GT(runtime, 0);
         EXPECT_EQ(KVX_ERROR_NOT_SUPPORTED, KVXcbproceed(cbdata));
-        if (where == KVX_CB_MIPSOL) {
-            EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, KVXcblazy(cbdata, 0, nullptr, nullptr, '<', 1));
-        }
-        return KVXcbsetdblparam(cbdata, "TimeLimit", 0.2);
+        EXPECT_NE(KVX_OK, KVXcbget(cbdata, KVX_CB_IIS, KVX_CB_RUNTIME, &runtime));
+        EXPECT_NE(KVX_OK, KVXcbget(cbdata, where, KVX_CB_IIS_CONSTRS, &runtime));
+        EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_RUNTIME, &runtime));
+        EXPECT_NE(KVX_OK, KVXcbsetintparam(cbdata, "Seed", 1));
+        EXPECT_EQ(where == KVX_CB_MIPNODE, KVXcbcut(cbdata, 0, nullptr, nullptr, '<', 1) == KVX_OK);
+        EXPECT_NE(KVX_OK, KVXcbcut(cbdata, 0, nullptr, nullptr, '<', 1e30));
+        EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, KVXcblazy(cbdata, 0, nullptr, nullptr, '<', 1));
+        return 0;
     };
-    setParam(model, "TimeLimit", "4");
-    MUST(model, KVXsetcallbackfunc(model.get(), limit, nullptr));
+    setParam(model, "TimeLimit", "0.3");
+    setCallback(model, callback);
     EXPECT_EQ(KVX_STATUS_TIME_LIMIT, solved(model).first);
-    EXPECT_LT(dblAttr(model, "Runtime"), 3);
+}
+
+// A start that the solver calls infeasible but is a solution within the tolerance proves that
+// something is wrong; one that breaks a set by a little is none.
+TEST(Limits, StartsAreJudged) {
+    Env env;
+    const struct {
+        const char *text;
+        Vector start;
+        int status;
+        double objective;
+    } cases[] = {
+        {"min x st c: x >= 1.000005 bin x", {1}, KVX_STATUS_NUMERIC, 0},
+        {"max x + y bounds x <= 0.05 y <= 0.05 sos1 x: 1 y: 2",
+         {0.05, 0.05},
+         KVX_STATUS_OPTIMAL,
+         0.05},
+        {"max x + y st c: x + y <= 1.5 bin x y", {0, KVX_UNDEFINED}, KVX_STATUS_OPTIMAL, 1},
+        {"max x + y st c: x + y <= 1.5 bin x y", {7, 7}, KVX_STATUS_OPTIMAL, 1}};
+    for (const auto &[text, start, status, objective] : cases) {
+        Model model = fromText(env, text);
+        MUST(model, KVXsetdblattrarray(model.get(), "Start", 0, static_cast<int>(start.size()),
+                                       start.data()));
+        EXPECT_EQ(std::pair(status, objective), solved(model)) << text;
+    }
 }
 
 // The only two solutions are the start and the one that is proposed then.
 TEST(Limits, ProposalsAreTaken) {
     Env env;
     Model model = marketSplit(env, 40, 5);
-    double value = 0;
-    auto propose = [](KVXmodel *, void *cbdata, int where, void *result) {
+    double proposed = 0;
+    Callback propose = [&](void *cbdata, int where) {
         Vector point(50, KVX_UNDEFINED);
         for (size_t j = 0; j < 40; j++)
             point[j] = j % 4 == 0;
-        double &proposed = *static_cast<double *>(result), none = 0;
         if (where != KVX_CB_MIPSOL || proposed > 0)
             return 0;
+        double none = 0;
         EXPECT_EQ(KVX_OK, KVXcbsolution(cbdata, point.data(), &proposed));
-        const Vector broken(50);
-        EXPECT_EQ(KVX_OK, KVXcbsolution(cbdata, broken.data(), &none));
+        for (double changed : {-1.0, 0.4}) { // none that a solution has
+            point[0] = changed;
+            EXPECT_EQ(KVX_OK, KVXcbsolution(cbdata, point.data(), &none));
+            EXPECT_EQ(inf, none);
+        }
+        EXPECT_EQ(KVX_OK, KVXcbsolution(cbdata, Vector(50).data(), &none));
         EXPECT_EQ(inf, none);
+        point[0] = std::nan("");
+        EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, KVXcbsolution(cbdata, point.data(), &none));
         return 0;
     };
     const Vector start(40);
@@ -86,15 +134,15 @@ TEST(Limits, ProposalsAreTaken) {
     for (const char *name : {"Heuristics", "Cuts"})
         setParam(model, name, "0");
     setParam(model, "SolutionLimit", "2");
-    MUST(model, KVXsetcallbackfunc(model.get(), propose, &value));
+    setCallback(model, propose);
     EXPECT_EQ(KVX_STATUS_SOLUTION_LIMIT, solved(model).first);
-    EXPECT_NEAR(value, dblAttr(model, "ObjVal"), 1e-6);
+    EXPECT_NEAR(proposed, dblAttr(model, "ObjVal"), 1e-6);
 }
 
 // The first objective is 5 + x, of which the second gets a fifth.
 TEST(Limits, ObjectivesTolerateAndRestore) {
     Env env;
-    Model model = Data{{0, 0}, {}, {10, 20}, "II", {{{1, 1}, -inf, 12}}, KVX_MAXIMIZE}.build(env);
+    Model model = fromText(env, "max 0 x + 0 y st c: x + y <= 12 bounds x <= 10 y <= 20 int x y");
     KVXmodel *m = model.get();
     EXPECT_NE(nullptr, KVXgetmultiobjenv(m, 0));
     KVXdiscardmultiobjenvs(m);
@@ -102,29 +150,42 @@ TEST(Limits, ObjectivesTolerateAndRestore) {
     for (int k : {0, 1})
         MUST(model, KVXsetobjectiven(m, k, 1 - k, nullptr, 1, &k, &one, k ? 0 : 5, 1, k ? 0 : 1,
                                      k ? 0 : 0.2));
+    EXPECT_EQ(nullptr, KVXgetmultiobjenv(m, 2));
+    EXPECT_STREQ("objective 2: there are 2", KVXgetmerrormsg(m));
     // Lazy constraints are for the first one only.
     EXPECT_EQ(KVX_OK, KVXsetintparam(KVXgetmultiobjenv(m, 0), "LazyConstraints", 1));
-    std::vector<int> results;
-    auto isLazy = [](KVXmodel *, void *cbdata, int where, void *all) {
-        if (where == KVX_CB_MIPSOL || where == KVX_CB_MULTIOBJ)
-            static_cast<std::vector<int> *>(all)->push_back(
-                where == KVX_CB_MULTIOBJ ? -1 : KVXcblazy(cbdata, 0, nullptr, nullptr, '<', 1));
+    int level = 0;
+    Callback callback = [&](void *cbdata, int where) {
+        level += where == KVX_CB_MULTIOBJ;
+        if (where == KVX_CB_MIPSOL) {
+            EXPECT_EQ(level == 0, KVXcblazy(cbdata, 0, nullptr, nullptr, '<', 1) == KVX_OK);
+        }
         return 0;
     };
-    MUST(model, KVXsetcallbackfunc(m, isLazy, &results));
+    setCallback(model, callback);
     EXPECT_EQ(std::pair(KVX_STATUS_OPTIMAL, 12.0), solved(model));
     EXPECT_EQ((Vector{7, 5}), dblAttrs(model, "X", 2));
     EXPECT_NEAR(15, dblAttr(model, "ObjBound"), 1e-6);
-    int level = 0;
-    for (int result : results)
-        if (result < 0)
-            level++;
-        else
-            EXPECT_EQ(level == 0, result == KVX_OK) << level;
     EXPECT_EQ(2, level);
-    EXPECT_NE(nullptr, KVXgetmultiobjenv(m, 1));
-    setParam(model, "TimeLimit", "0"); // holds for both
+    MUST(model, KVXsetcallbackfunc(m, nullptr, nullptr));
+
+    // The second one's own environment ends the run before it, at the solution of the first.
+    KVXenv *second = KVXgetmultiobjenv(m, 1);
+    EXPECT_EQ(second, KVXgetmultiobjenv(m, 1));
+    EXPECT_EQ(KVX_ERROR_UNKNOWN_PARAMETER, KVXsetintparam(second, "Foo", 1));
+    EXPECT_STREQ("unknown parameter \"Foo\"", KVXgeterrormsg(second));
+    EXPECT_EQ(KVX_OK, KVXsetdblparam(second, "TimeLimit", 0));
     EXPECT_EQ(KVX_STATUS_TIME_LIMIT, solved(model).first);
+    EXPECT_EQ(15, dblAttr(model, "ObjVal"));
+    KVXdiscardmultiobjenvs(m);
+    EXPECT_EQ(KVX_STATUS_OPTIMAL, solved(model).first);
+    setParam(model, "TimeLimit", "0"); // holds for both, whatever they say themselves
+    EXPECT_EQ(KVX_OK, KVXsetdblparam(KVXgetmultiobjenv(m, 0), "TimeLimit", 9));
+    EXPECT_EQ(KVX_STATUS_TIME_LIMIT, solved(model).first);
+    EXPECT_EQ(0, intAttr(model, "SolCount"));
+    const double points[] = {0, 1};
+    MUST(model, KVXsetpwlobj(m, 0, 2, points, points));
+    EXPECT_EQ(KVX_ERROR_NOT_SUPPORTED, KVXoptimize(m));
 }
 
 TEST(Limits, BasesAreStartedFrom) {
@@ -136,25 +197,20 @@ TEST(Limits, BasesAreStartedFrom) {
     EXPECT_GT(dblAttr(model, "IterCount"), 0);
     EXPECT_EQ(KVX_STATUS_OPTIMAL, solved(model).first);
     EXPECT_EQ(0, dblAttr(model, "IterCount"));
-    Model unused = Data{{0}, {-inf}, {inf}, {}, {{{0}, 0, 1}}}.build(env);
+    Model unused = fromText(env, "min 0 x st c: 0 <= 0 x <= 1 bounds x free");
     EXPECT_EQ(KVX_STATUS_OPTIMAL, solved(unused).first);
-    int basis = 0;
-    MUST(unused, KVXgetintattrelement(unused.get(), "VarBasis", 0, &basis));
-    EXPECT_EQ(KVX_SUPERBASIC, basis);
+    EXPECT_EQ(std::vector{KVX_SUPERBASIC}, intAttrs(unused, "VarBasis", 1));
 }
 
 TEST(Limits, InnerModelsKeepIntegersAndWriteNothing) {
     Env env;
-    Model odd = Data{{0}, {0}, {3}, "I", {{{2}, 1, 1}}}.build(env);
+    Model odd = fromText(env, "min 0 x st c: 2 x = 1 bounds x <= 3 int x");
     const std::string file = temporary("inner.json");
-    setParam(odd, "ResultFile", file.c_str());
+    setParam(odd, "ResultFile", file);
     MUST(odd, KVXcomputeIIS(odd.get()));
-    int isMember = 0;
-    MUST(odd, KVXgetintattrelement(odd.get(), "IISConstr", 0, &isMember));
-    EXPECT_EQ(1, isMember);
+    EXPECT_EQ(std::vector{1}, intAttrs(odd, "IISConstr", 1));
     EXPECT_FALSE(std::filesystem::exists(file));
-
-    Model semi = derived(Data{{1}, {2}, {5}, "S", {}}.build(env), KVXrelaxmodel);
+    Model semi = derived(fromText(env, "min x bounds 2 <= x <= 5 semi x"), KVXrelaxmodel);
     EXPECT_EQ(Vector{0}, dblAttrs(semi, "LB", 1));
 }
 

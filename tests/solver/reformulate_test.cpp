@@ -198,11 +198,7 @@ TEST(Reformulate, SetsOfContinuousVariables) {
     for (unsigned seed = 0; seed < 60; seed++) {
         SCOPED_TRACE(seed);
         Random random(seed);
-        Data data = randomData(random, 4, 2, "C");
-        for (size_t j = 0; j < 4; j++) {
-            data.lb[j] = std::max(data.lb[j], -3.0);
-            data.ub[j] = std::min(data.ub[j], 3.0);
-        }
+        const Data data = randomData(random, 4, 2, "C").within(-3, 3);
         const Special set = sos(random(1, 2));
         Model model = data.build(env);
         MUST(model, set.add(model.get()));

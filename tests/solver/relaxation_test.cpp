@@ -75,6 +75,23 @@ TEST(Relaxation, FindsTheLeastPenaltyAndTheBestObjectiveAtIt) {
     EXPECT_LT(impossible, 40);
 }
 
+// x >= 4 and x <= 1, of which the second weighs twice as much: (4 - x)^2 + 2 (x - 1)^2 is least
+// at 2.
+TEST(Relaxation, SquaredViolationsAreLeast) {
+    Env env;
+    for (int minrelax : {0, 1}) {
+        Model model = fromText(env, "min y - x st c: x >= 4 d: x <= 1 bounds y >= 3 x free");
+        const double weights[] = {1, 2};
+        double least = -1;
+        MUST(model, KVXfeasrelax(model.get(), 1, minrelax, nullptr, nullptr, weights, &least));
+        EXPECT_NEAR(minrelax ? 6 : 0, least, 1e-6);
+        auto [status, objective] = solved(model);
+        ASSERT_EQ(KVX_STATUS_OPTIMAL, status);
+        EXPECT_NEAR(minrelax ? 1 : 6, objective, 1e-5);
+        EXPECT_NEAR(2, dblAttrs(model, "X", 2)[1], 1e-5);
+    }
+}
+
 TEST(Relaxation, RefusesWhatItCantDo) {
     Env env;
     Model model = Case(0).data.build(env);

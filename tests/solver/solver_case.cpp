@@ -1,5 +1,6 @@
 #include "solver_case.h"
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -32,6 +33,25 @@ Vector dblAttrs(const Model &model, const char *name, size_t count) {
     return result;
 }
 
+std::vector<int> intAttrs(const Model &model, const char *name, size_t count) {
+    std::vector<int> result(count);
+    EXPECT_EQ(KVX_OK,
+              KVXgetintattrarray(model.get(), name, 0, static_cast<int>(count), result.data()))
+        << KVXgetmerrormsg(model.get());
+    return result;
+}
+
+void setParam(const Model &model, const char *name, const std::string &value) {
+    EXPECT_EQ(KVX_OK, KVXsetparam(KVXgetenv(model.get()), name, value.c_str())) << name;
+}
+
+void setCallback(const Model &model, Callback &callback) {
+    auto call = [](KVXmodel *, void *cbdata, int where, void *function) {
+        return (*static_cast<Callback *>(function))(cbdata, where);
+    };
+    EXPECT_EQ(KVX_OK, KVXsetcallbackfunc(model.get(), call, &callback));
+}
+
 std::pair<int, double> solved(const Model &model) {
     EXPECT_EQ(KVX_OK, KVXoptimize(model.get())) << KVXgetmerrormsg(model.get());
     int status = intAttr(model, "Status");
@@ -44,26 +64,29 @@ Model derived(const Model &model, int (*derive)(KVXmodel *, KVXmodel **)) {
     return Model(result);
 }
 
+Sparse::Sparse(const Vector &dense) {
+    for (size_t j = 0; j < dense.size(); j++)
+        if (dense[j] != 0) {
+            ind.push_back(static_cast<int>(j));
+            val.push_back(dense[j]);
+        }
+}
+
 Model Data::build(KVXenv *env) const {
     KVXmodel *model = nullptr;
     auto orNull = [](const auto &values) { return values.empty() ? nullptr : values.data(); };
     EXPECT_EQ(KVX_OK, KVXnewmodel(env, &model, "m", static_cast<int>(obj.size()), orNull(obj),
                                   orNull(lb), orNull(ub), orNull(types), nullptr));
     for (const auto &[dense, lower, upper] : rows) {
-        std::vector<int> ind;
-        Vector val;
-        for (size_t j = 0; j < dense.size(); j++)
-            if (dense[j] != 0) {
-                ind.push_back(static_cast<int>(j));
-                val.push_back(dense[j]);
-            }
-        const int begin = 0, length = static_cast<int>(ind.size());
+        const Sparse entries(dense);
+        const int begin = 0, length = entries.size(), *const ind = entries.ind.data();
+        const double *const val = entries.val.data();
         const char sense = lower == upper ? '=' : upper < inf ? '<' : '>';
         const bool isRange = lower != upper && (lower > -inf) == (upper < inf);
-        EXPECT_EQ(KVX_OK, isRange ? KVXaddrangeconstrs(model, 1, length, &begin, ind.data(),
-                                                       val.data(), &lower, &upper, nullptr)
-                                  : KVXaddconstrs(model, 1, length, &begin, ind.data(), val.data(),
-                                                  &sense, sense == '>' ? &lower : &upper, nullptr));
+        EXPECT_EQ(KVX_OK, isRange ? KVXaddrangeconstrs(model, 1, length, &begin, ind, val, &lower,
+                                                       &upper, nullptr)
+                                  : KVXaddconstrs(model, 1, length, &begin, ind, val, &sense,
+                                                  sense == '>' ? &lower : &upper, nullptr));
     }
     EXPECT_EQ(KVX_OK, KVXsetintattr(model, "ModelSense", sense));
     EXPECT_EQ(KVX_OK, KVXsetdblattr(model, "ObjCon", constant));
@@ -79,6 +102,15 @@ bool Data::holds(const Vector &x, double tolerance) const {
         check(x[j], lb[j], ub[j]);
     for (const Row &row : rows)
         check(product(row.val, x), row.lower, row.upper);
+    return result;
+}
+
+Data Data::within(double low, double high) const {
+    Data result = *this;
+    for (double &bound : result.lb)
+        bound = std::max(bound, low);
+    for (double &bound : result.ub)
+        bound = std::min(bound, high);
     return result;
 }
 
@@ -149,6 +181,14 @@ std::string contents(const std::string &path) {
 
 void store(const std::string &path, const std::string &text) {
     std::ofstream(path, std::ios::binary) << text;
+}
+
+Model fromText(KVXenv *env, const std::string &text) {
+    const std::string path = temporary("text.lp");
+    store(path, text);
+    KVXmodel *model = nullptr;
+    EXPECT_EQ(KVX_OK, KVXreadmodel(env, path.c_str(), &model)) << KVXgeterrormsg(env) << text;
+    return Model(model);
 }
 
 template <class T>
@@ -224,6 +264,9 @@ std::string described(KVXmodel *model) {
         }
     };
     const char *const text = nullptr;
+    double constant = 0;
+    EXPECT_EQ(KVX_OK, KVXgetdblattr(model, "ObjCon", &constant));
+    out << constant << '\n';
     attrs(KVXgetdblattrarray, 0.0, vars, {"LB", "UB", "Obj", "ObjN", "Start"});
     attrs(KVXgetcharattrarray, ' ', vars, {"VarType"});
     attrs(KVXgetstrattrarray, text, vars, {"VarName"});

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -38,7 +39,15 @@ using Model = std::unique_ptr<KVXmodel, FreeModel>;
 // Attributes that must be there; an array has one element for each variable or constraint.
 int intAttr(const Model &model, const char *name);
 double dblAttr(const Model &model, const char *name);
+std::vector<int> intAttrs(const Model &model, const char *name, size_t count);
 Vector dblAttrs(const Model &model, const char *name, size_t count);
+
+// A parameter of the model's own environment, as text.
+void setParam(const Model &model, const char *name, const std::string &value);
+
+// A callback that may hold on to things; it has to live as long as the model is used.
+using Callback = std::function<int(void *cbdata, int where)>;
+void setCallback(const Model &model, Callback &callback);
 
 // Solves a model: its status, and the objective value when it is optimal.
 std::pair<int, double> solved(const Model &model);
@@ -60,6 +69,14 @@ struct Row {
     double lower, upper;
 };
 
+// The entries of a row or column that aren't 0.
+struct Sparse {
+    std::vector<int> ind;
+    Vector val;
+    explicit Sparse(const Vector &dense);
+    int size() const { return static_cast<int>(ind.size()); }
+};
+
 // A model to be built. Bounds and types may be left empty.
 struct Data {
     Vector obj, lb, ub;
@@ -70,6 +87,7 @@ struct Data {
 
     Model build(KVXenv *env) const;
     bool holds(const Vector &x, double tolerance = 0) const;
+    Data within(double low, double high) const; // with bounds that are at least as narrow
 };
 
 // Rows and bounds of all shapes around a point of integers from -3 to 3; the rows are then shifted
@@ -97,6 +115,9 @@ void forPoints(size_t vars, int low, int high, Use use) {
 std::string temporary(const std::string &name);
 std::string contents(const std::string &path);
 void store(const std::string &path, const std::string &text);
+
+// The model of a text in LP format.
+Model fromText(KVXenv *env, const std::string &text);
 
 // A general constraint as text: its variables, number and sense, and its arrays.
 std::string describedGeneral(KVXmodel *model, int constr);
