@@ -344,7 +344,6 @@ class BuildTest extends EnvCase {
         wrong("count", () -> model.getInts("VarBasis", 0, -1));
         wrong("single", () -> model.getInts("NumVars"));
         beyond("-1", () -> model.getInts("VarBasis", -1, 1));
-        beyond("2147483647", () -> model.getDoubles("LB", 1, Integer.MAX_VALUE));
         beyond("2", () -> matrix(ints(0, 0), ints()).list(2));
         assertEquals("4 3", model.variables().count() + " " + model.constraints().count());
     }

@@ -2,7 +2,6 @@ package com.korvex;
 
 import java.util.ArrayList;
 import java.util.List;
-import java.util.Objects;
 import java.util.function.IntFunction;
 import java.util.function.LongFunction;
 import java.util.function.LongToIntFunction;
@@ -82,9 +81,13 @@ abstract class ModelCalls {
 
     <A> A read(Access<A> access, String attribute, int start, int count, IntFunction<A> array) {
         Check.notNegative("count", count);
-        if (count >= LONG)
-            Objects.checkFromIndexSize(
-                start, count, together(model -> count(model, counterOf(model, attribute))));
+        if (count >= LONG) {
+            int there = together(model -> count(model, counterOf(model, attribute)));
+            if (start > there - count)
+                throw new KVXException(KVX.ERROR_INDEX_OUT_OF_RANGE, count + " elements from " +
+                                                                         start + " on: there are " +
+                                                                         there);
+        }
         return ofRange(access, attribute, start, count, array.apply(count));
     }
 
