@@ -125,7 +125,8 @@ public final class KVXCallbackContext {
     public String message() { return KorvexJni.cbgetstrinfo(valid(), where, KVX.CB_MSG_STRING); }
 
     /**
-     * Adds a cut that the node's relaxation breaks; it must not cut off integer solutions.
+     * Adds a cut that the node's relaxation breaks, at {@link KVX#CB_MIPNODE}; it must not cut off
+     * integer solutions.
      *
      * @param ind variable indices
      * @param val their coefficients
@@ -137,7 +138,8 @@ public final class KVXCallbackContext {
     }
 
     /**
-     * Adds a constraint that solutions must obey; {@link KVXParameter#LAZY_CONSTRAINTS} must be 1.
+     * Adds a constraint that solutions must obey, at {@link KVX#CB_MIPSOL} or {@link
+     * KVX#CB_MIPNODE}; {@link KVXParameter#LAZY_CONSTRAINTS} must be 1.
      *
      * @param ind variable indices
      * @param val their coefficients
@@ -157,7 +159,7 @@ public final class KVXCallbackContext {
     }
 
     /**
-     * Proposes a solution.
+     * Proposes a solution, at {@link KVX#CB_MIP}, {@link KVX#CB_MIPSOL} or {@link KVX#CB_MIPNODE}.
      *
      * @param solution a value a variable, {@link KVX#UNDEFINED} where none is known
      * @return its objective value, {@link KVX#INFINITY} if it isn't feasible or not yet known
@@ -173,7 +175,10 @@ public final class KVXCallbackContext {
     }
 
     /**
-     * Changes an int parameter of the run that is going on, or a double one to that value.
+     * Changes an int parameter of the run that is going on, or a double one to that value; the
+     * model's parameters stay as they are. {@link KVXParameter#TIME_LIMIT}, {@link
+     * KVXParameter#NODE_LIMIT}, {@link KVXParameter#MIP_GAP}, {@link KVXParameter#MIP_GAP_ABS},
+     * {@link KVXParameter#LOG_INTERVAL} and {@link KVXParameter#LOG_TO_CONSOLE} can be changed.
      *
      * @param name its name
      * @param value its value
@@ -188,7 +193,7 @@ public final class KVXCallbackContext {
     }
 
     /**
-     * Changes a double parameter of the run that is going on.
+     * Changes a double parameter of the run, as {@link #set(String, int)} does.
      *
      * @param name its name
      * @param value its value
@@ -198,7 +203,7 @@ public final class KVXCallbackContext {
     }
 
     /**
-     * Changes a text parameter of the run that is going on.
+     * Changes a text parameter of the run, where a library has some that can be.
      *
      * @param name its name
      * @param value its value
@@ -207,13 +212,16 @@ public final class KVXCallbackContext {
         check(cb -> KorvexJni.cbsetstrparam(cb, name, value));
     }
 
-    /** Ends the present phase and goes on. */
+    /**
+     * Ends the present phase, the optimisation of one of several objectives or a trial of {@link
+     * KVXModel#tune}, and goes on.
+     */
     public void proceed() { check(KorvexJni::proceed); }
 
     /**
      * Ends the optimisation of one of several objectives and goes on with the next.
      *
-     * @param objective its number
+     * @param objective its number, of one that is being optimised
      */
     public void stopObjective(int objective) { check(cb -> model.stopObjective(cb, objective)); }
 
