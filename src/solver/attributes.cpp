@@ -182,8 +182,7 @@ int isMip(M &m, size_t) {
 }
 
 double gap(M &m, size_t) {
-    double difference = std::abs(m.solution.objval - m.solution.bound);
-    return difference == 0 ? 0 : difference / std::max(1e-10, std::abs(m.solution.objval));
+    return relativeGap(m.solution.objval, m.solution.bound);
 }
 
 double runtime(M &m, size_t) {

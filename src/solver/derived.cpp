@@ -35,6 +35,10 @@ void refuseUnlessLinear(const ModelData &model, const char *types, const char *w
                  model.vars[j].name.text().c_str(), model.vars[j].type);
 }
 
+ModelData itself(const KVXmodel &model) {
+    return model;
+}
+
 ModelData relaxed(const KVXmodel &model) {
     ModelData data = model;
     data.sos.clear();
@@ -178,14 +182,6 @@ int KVXcopymodeltoenv(KVXmodel *model, KVXenv *env, KVXmodel **newP) {
     });
 }
 
-int KVXrelaxmodel(KVXmodel *model, KVXmodel **newP) {
-    return derive(model, newP, relaxed);
-}
-
-int KVXfixmodel(KVXmodel *model, KVXmodel **newP) {
-    return derive(model, newP, fixed);
-}
-
 int KVXconverttofixed(KVXmodel *model) {
     return guarded(model, [&] {
         static_cast<ModelData &>(*model) = fixed(*model);
@@ -193,23 +189,14 @@ int KVXconverttofixed(KVXmodel *model) {
     });
 }
 
-int KVXpresolvemodel(KVXmodel *model, KVXmodel **newP) {
-    return derive(model, newP, presolved);
-}
-
-int KVXdualmodel(KVXmodel *model, KVXmodel **newP) {
-    return derive(model, newP, dual);
-}
-
-int KVXfeasibility(KVXmodel *model, KVXmodel **newP) {
-    return derive(model, newP, feasibility);
-}
-
-int KVXlinearizemodel(KVXmodel *model, KVXmodel **newP) {
-    return derive(model, newP, reformulated);
-}
-
-// A model has one scenario, itself.
-int KVXsinglescenariomodel(KVXmodel *model, KVXmodel **newP) {
-    return derive(model, newP, [](const KVXmodel &original) -> ModelData { return original; });
-}
+#define KVX_DERIVE(function, make)                                                                 \
+    int function(KVXmodel *model, KVXmodel **newP) {                                               \
+        return derive(model, newP, make);                                                          \
+    }
+KVX_DERIVE(KVXrelaxmodel, relaxed)
+KVX_DERIVE(KVXfixmodel, fixed)
+KVX_DERIVE(KVXpresolvemodel, presolved)
+KVX_DERIVE(KVXdualmodel, dual)
+KVX_DERIVE(KVXfeasibility, feasibility)
+KVX_DERIVE(KVXlinearizemodel, reformulated)
+KVX_DERIVE(KVXsinglescenariomodel, itself) // A model has one scenario.

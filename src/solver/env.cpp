@@ -98,11 +98,9 @@ void KVXfreeenv(KVXenv *env) {
 }
 
 void KVXversion(int *major, int *minor, int *technical) {
-    const int version[] = {KVX_VERSION_MAJOR, KVX_VERSION_MINOR, KVX_VERSION_TECHNICAL};
-    int *const results[] = {major, minor, technical};
-    for (int i = 0; i < 3; i++)
-        if (results[i])
-            *results[i] = version[i];
+    store(major, KVX_VERSION_MAJOR);
+    store(minor, KVX_VERSION_MINOR);
+    store(technical, KVX_VERSION_TECHNICAL);
 }
 
 const char *KVXgeterrormsg(KVXenv *env) {

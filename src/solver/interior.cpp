@@ -73,7 +73,6 @@ class InteriorPoint {
     void keep();
 
     const Problem &problem;
-    const int none = -1;
     std::vector<int> columns, rows; // of the problem
     int n = 0, m = 0;               // their numbers
     Sparse Q, A;
@@ -96,65 +95,51 @@ InteriorPoint::InteriorPoint(const Problem &given)
     analyze();
 }
 
+// A row for each of those that are picked, with a 1 at its place.
+Sparse picking(const std::vector<int> &picked, size_t size) {
+    Sparse result(intSize(picked.size()), intSize(size));
+    for (size_t k = 0; k < picked.size(); k++)
+        result.insert(intSize(k), picked[k]) = 1;
+    return result;
+}
+
+Eigen::Map<const Dense> dense(const std::vector<double> &values) {
+    return {values.data(), intSize(values.size())};
+}
+
 // Leaves out fixed columns, at their value, and rows without sides.
 void InteriorPoint::select() {
     constexpr double nearlyFixed = 1e-10; // There has to be something between two bounds.
     auto isFixed = [](double low, double high) {
         return high - low <= nearlyFixed * std::max(1.0, std::abs(low));
     };
-    std::vector<int> column(x.size(), none), row(multipliers.size(), none);
     for (size_t j = 0; j < x.size(); j++)
-        if (isFixed(problem.lower[j], problem.upper[j])) {
+        if (isFixed(problem.lower[j], problem.upper[j]))
             x[j] = problem.lower[j];
-        } else {
-            column[j] = intSize(columns.size());
+        else
             columns.push_back(intSize(j));
-        }
-    for (size_t i = 0; i < row.size(); i++)
-        if (problem.rowLower[i] > -COIN_DBL_MAX || problem.rowUpper[i] < COIN_DBL_MAX) {
-            row[i] = intSize(rows.size());
+    for (size_t i = 0; i < multipliers.size(); i++)
+        if (problem.rowLower[i] > -COIN_DBL_MAX || problem.rowUpper[i] < COIN_DBL_MAX)
             rows.push_back(intSize(i));
-        }
     n = intSize(columns.size());
     m = intSize(rows.size());
+    const Sparse ofColumns = picking(columns, x.size()), ofRows = picking(rows, multipliers.size());
+    const CoinPackedMatrix &all = problem.matrix;
+    const Eigen::Map<const Sparse> coefficients(
+        all.getNumRows(), all.getNumCols(), all.getNumElements(), all.getVectorStarts(),
+        all.getIndices(), all.getElements(), all.getVectorLengths());
+    Q = ofColumns * hessian(problem) * ofColumns.transpose();
+    A = ofRows * coefficients * ofColumns.transpose();
     const std::vector<double> gradient = problem.gradient(x);
-    std::vector<double> activity(row.size());
-    problem.matrix.times(x.data(), activity.data());
-    c.resize(n);
+    const Dense activity = coefficients * dense(x);
+    c = ofColumns * dense(gradient);
     lower.resize(n + m);
     upper.resize(n + m);
-    for (int k = 0; k < n; k++) {
-        const size_t j = at(columns[at(k)]);
-        c[k] = gradient[j];
-        lower[k] = problem.lower[j];
-        upper[k] = problem.upper[j];
-    }
-    for (int k = 0; k < m; k++) {
-        const size_t i = at(rows[at(k)]);
-        lower[n + k] = problem.rowLower[i] - activity[i];
-        upper[n + k] = problem.rowUpper[i] - activity[i];
-        if (isFixed(lower[n + k], upper[n + k]))
-            upper[n + k] = lower[n + k];
-    }
-    std::vector<Entry3> entries;
-    for (auto [pair, value] : problem.products) {
-        const int j = column[at(pair.first)], k = column[at(pair.second)];
-        if (j >= 0 && k >= 0) {
-            entries.emplace_back(j, k, value);
-            entries.emplace_back(k, j, value);
-        }
-    }
-    Q.resize(n, n);
-    Q.setFromTriplets(entries.begin(), entries.end());
-    entries.clear();
-    for (int k = 0; k < n; k++) {
-        const int j = columns[at(k)];
-        for (auto e = problem.matrix.getVectorFirst(j); e < problem.matrix.getVectorLast(j); e++)
-            if (int i = row[at(problem.matrix.getIndices()[e])]; i >= 0)
-                entries.emplace_back(i, k, problem.matrix.getElements()[e]);
-    }
-    A.resize(m, n);
-    A.setFromTriplets(entries.begin(), entries.end());
+    lower << ofColumns * dense(problem.lower), ofRows * (dense(problem.rowLower) - activity);
+    upper << ofColumns * dense(problem.upper), ofRows * (dense(problem.rowUpper) - activity);
+    for (int k = n; k < n + m; k++)
+        if (isFixed(lower[k], upper[k]))
+            upper[k] = lower[k];
 }
 
 // Brings the largest number of every row and column of the system near to 1.

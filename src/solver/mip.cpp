@@ -33,6 +33,7 @@ struct Mip {
     void node(const double *relaxation, OsiCuts &cuts);
     void dropFreeRows();
     int solveOnce();
+    Outcome solveWithin();
     void markIntegers(OsiSolverInterface &solver) const;
     void configure(CbcModel &cbc);
     void addSets(CbcModel &cbc) const;
@@ -419,12 +420,50 @@ int Mip::searchReduced(OsiSolverInterface &solver, double relaxed) {
     return run.stopped() || second == KVX_STATUS_OPTIMAL ? second : search(solver, false);
 }
 
+// A ray of the relaxation may break a set and proves nothing. When no solution is better than a
+// value that is far away, this becomes a row, which limits the relaxation. The problem is unbounded
+// when there is one and a ray has zeros where it has them in sets.
+Outcome Mip::solveWithin() {
+    constexpr double far = 1e6, nodes = 10000;
+    Constraint row;
+    double largest = 0;
+    for (size_t j = 0; j < problem.cost.size(); j++)
+        if (problem.cost[j] != 0) {
+            row.row.push_back({intSize(j), problem.cost[j]});
+            largest = std::max(largest, std::abs(problem.cost[j]));
+        }
+    row.upper = -far * largest;
+    auto inner = makeInnerModel(run.settings, reformulated(run.model));
+    addConstraint(*inner, row);
+    const int status = findPoint(run, *inner, nodes);
+    std::vector<double> point = inner->solution.x;
+    if (status == KVX_STATUS_INFEASIBLE) {
+        row.lower = std::exchange(row.upper, KVX_INFINITY);
+        problem.addRow(row);
+        return solveLp(run, problem);
+    }
+    if (inner->solution.hasX && round(point)) {
+        Problem rest = problem;
+        for (const Sos &set : problem.sets)
+            for (auto [j, weight] : set.members)
+                if (std::abs(point[at(j)]) <= zeroInSet)
+                    rest.lower[at(j)] = rest.upper[at(j)] = 0;
+        if (Outcome outcome = solveLp(run, rest); outcome.status == KVX_STATUS_UNBOUNDED)
+            return outcome;
+    }
+    Outcome outcome;
+    outcome.status = run.stopped();
+    if (!run.stopped())
+        fail(KVX_ERROR_NOT_SUPPORTED, "the model's relaxation is unbounded: with sets, or what "
+                                      "becomes sets, give the variables bounds");
+    return outcome;
+}
+
 int Mip::solveOnce() {
     Outcome relaxation = solveLp(run, problem);
-    if (relaxation.status == KVX_STATUS_UNBOUNDED) {
-        if (!problem.sets.empty()) // A ray of the relaxation may break a set and proves nothing.
-            fail(KVX_ERROR_NOT_SUPPORTED, "the model's relaxation is unbounded: with sets, or what "
-                                          "becomes sets, give the variables bounds");
+    if (relaxation.status == KVX_STATUS_UNBOUNDED && !problem.sets.empty()) {
+        relaxation = solveWithin();
+    } else if (relaxation.status == KVX_STATUS_UNBOUNDED) {
         auto inner = makeInnerModel(run.settings, run.model);
         for (const Constraint &row : run.lazies)
             addConstraint(*inner, row);

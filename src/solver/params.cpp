@@ -140,11 +140,6 @@ int getParam(KVXenv *env, const char *name, T *current, T *minimum = nullptr, T 
     });
 }
 
-template <class T, class Value>
-int set(KVXenv *env, const char *name, Value value) {
-    return guarded(env, [&] { setParam(*env, position<T>(name), T(value)); });
-}
-
 } // namespace
 
 std::vector<ParameterValue> defaultParameters() {
@@ -202,14 +197,6 @@ void readParams(KVXenv &env, std::istream &file, const std::string &filename) {
 
 using namespace korvex;
 
-int KVXgetintparam(KVXenv *env, const char *name, int *value) {
-    return getParam(env, name, value);
-}
-
-int KVXgetdblparam(KVXenv *env, const char *name, double *value) {
-    return getParam(env, name, value);
-}
-
 int KVXgetlongstrparam(KVXenv *env, const char *name, char *buffer, int capacity, int *length) {
     return guardedRead(env, [&] {
         const auto &value = std::get<std::string>(env->parameters[position<std::string>(name)]);
@@ -217,16 +204,6 @@ int KVXgetlongstrparam(KVXenv *env, const char *name, char *buffer, int capacity
         copyText(value, buffer, capacity);
         *length = intSize(value.size());
     });
-}
-
-int KVXgetintparaminfo(KVXenv *env, const char *name, int *current, int *minimum, int *maximum,
-                       int *standard) {
-    return getParam(env, name, current, minimum, maximum, standard);
-}
-
-int KVXgetdblparaminfo(KVXenv *env, const char *name, double *current, double *minimum,
-                       double *maximum, double *standard) {
-    return getParam(env, name, current, minimum, maximum, standard);
 }
 
 int KVXgetstrparaminfo(KVXenv *env, const char *name, char *current, char *standard) {
@@ -238,13 +215,20 @@ int KVXgetstrparaminfo(KVXenv *env, const char *name, char *current, char *stand
     });
 }
 
-int KVXsetintparam(KVXenv *env, const char *name, int value) {
-    return set<int>(env, name, value);
-}
-
-int KVXsetdblparam(KVXenv *env, const char *name, double value) {
-    return set<double>(env, name, value);
-}
+// The functions of numbers.
+#define KVX_PARAMETER(type, T)                                                                     \
+    int KVXget##type##param(KVXenv *env, const char *name, T *value) {                             \
+        return getParam(env, name, value);                                                         \
+    }                                                                                              \
+    int KVXget##type##paraminfo(KVXenv *env, const char *name, T *current, T *minimum, T *maximum, \
+                                T *standard) {                                                     \
+        return getParam(env, name, current, minimum, maximum, standard);                           \
+    }                                                                                              \
+    int KVXset##type##param(KVXenv *env, const char *name, T value) {                              \
+        return guarded(env, [&] { setParam(*env, position<T>(name), value); });                    \
+    }
+KVX_PARAMETER(int, int)
+KVX_PARAMETER(dbl, double)
 
 int KVXsetstrparam(KVXenv *env, const char *name, const char *value) {
     return guarded(env, [&] {

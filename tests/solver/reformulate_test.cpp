@@ -256,4 +256,23 @@ TEST(Reformulate, TakesBoundsFromSeveralRows) {
     }
 }
 
+// The relaxation is unbounded: x0 <= 3 + x1, and x1 or x2 is 0.
+TEST(Reformulate, SetsLimitWhatTheirRelaxationDoesNot) {
+    Env env;
+    const int type = 1;
+    for (auto [least, status, value] :
+         {std::tuple(0.5, KVX_STATUS_OPTIMAL, 3.0), std::tuple(0.0, KVX_STATUS_UNBOUNDED, 0.0),
+          std::tuple(4.0, KVX_STATUS_INFEASIBLE, 0.0)}) {
+        Model model = Data{{1, 0, 0},
+                           {0, 0, least},
+                           Vector(3, inf),
+                           {},
+                           {{{1, -1, 0}, -inf, 3}, {{0, 0, 1}, 0, 3}},
+                           KVX_MAXIMIZE}
+                          .build(env);
+        MUST(model, KVXaddsos(model.get(), 1, 2, &type, &begin, operands, weights));
+        EXPECT_EQ(std::pair(status, value), solved(model));
+    }
+}
+
 } // namespace
