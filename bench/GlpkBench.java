@@ -2,9 +2,6 @@ import com.korvex.KVXEnv;
 import com.korvex.KVXModel;
 import com.korvex.KorvexJni;
 import java.util.Arrays;
-import java.util.LinkedHashMap;
-import java.util.Map;
-import java.util.function.IntSupplier;
 import org.gnu.glpk.GLPK;
 import org.gnu.glpk.GLPKConstants;
 import org.gnu.glpk.SWIGTYPE_p_double;
@@ -58,10 +55,10 @@ public final class GlpkBench {
                 Arrays.setAll(d.ind(), k -> (k / 5 + k % 5 * (rows / 5)) % rows);
                 Arrays.fill(d.val(), 1.5);
                 Arrays.fill(d.ub(), 1);
-                Map<String, IntSupplier> calls = new LinkedHashMap<>();
-                calls.put("bridge", () -> build(env, d, rows));
-                calls.put("glpk-java", () -> buildByGlpk(d, rows));
-                Bench.measure("build", nonzeros, calls);
+                new Bench.Workload("build", nonzeros)
+                    .with("bridge", () -> build(env, d, rows))
+                    .with("glpk-java", () -> buildByGlpk(d, rows))
+                    .measure();
             }
         }
     }

@@ -1,6 +1,4 @@
 import com.sun.jna.Native;
-import java.util.Map;
-import java.util.function.IntSupplier;
 
 /** JNA's direct mapping, its faster way; it has no arrays of texts. */
 public final class JnaPeer implements Bench.Peer {
@@ -12,17 +10,20 @@ public final class JnaPeer implements Bench.Peer {
                                  long names);
 
     @Override
-    public Map<String, IntSupplier> attribute() {
+    public void attribute(Bench.Workload workload) {
         int[] slot = new int[1];
-        return Map.of("jna", () -> KVXgetintattr(1, "NumVars", slot));
+        workload.with("jna", () -> KVXgetintattr(1, "NumVars", slot));
+    }
+
+    private static int add(Bench.Data d, byte[] types) {
+        return KVXaddvars(1, d.vars(), d.nonzeros(), d.beg(), d.ind(), d.val(), d.obj(), d.lb(),
+                          d.ub(), types, 0);
     }
 
     @Override
-    public Map<String, IntSupplier> addvars(Bench.Data d) {
+    public void addvars(Bench.Workload workload, Bench.Data d) {
         byte[] types = new byte[d.vars()];
-        IntSupplier call = ()
-            -> KVXaddvars(1, d.vars(), d.nonzeros(), d.beg(), d.ind(), d.val(), d.obj(), d.lb(),
-                          d.ub(), types, 0);
-        return d.names() == null ? Map.of("jna", call) : Map.of();
+        if (d.names() == null)
+            workload.with("jna", () -> add(d, types));
     }
 }

@@ -1,6 +1,3 @@
-import java.util.Map;
-import java.util.function.IntSupplier;
-
 /** SWIG's two ways; neither takes an array of texts. */
 public final class SwigPeer implements Bench.Peer {
     static { System.loadLibrary("swigpeer"); }
@@ -31,21 +28,23 @@ public final class SwigPeer implements Bench.Peer {
         return status;
     }
 
-    @Override
-    public Map<String, IntSupplier> attribute() {
-        int[] slot = new int[1];
-        return Map.of("swig-arrays", () -> Swig.KVXgetintattr(null, "NumVars", slot));
+    private static int addAsArrays(Bench.Data d, String types) {
+        return Swig.addArrays(null, d.vars(), d.nonzeros(), d.beg(), d.ind(), d.val(), d.obj(),
+                              d.lb(), d.ub(), types);
     }
 
     @Override
-    public Map<String, IntSupplier> addvars(Bench.Data d) {
+    public void attribute(Bench.Workload workload) {
+        int[] slot = new int[1];
+        workload.with("swig-arrays", () -> Swig.KVXgetintattr(null, "NumVars", slot));
+    }
+
+    @Override
+    public void addvars(Bench.Workload workload, Bench.Data d) {
         if (d.names() != null || d.nonzeros() > 1_000_000)
-            return Map.of(); // ten millions would take minutes
+            return; // ten millions would take minutes
         String types = new String(d.types());
-        return Map.of("swig-arrays",
-                      ()
-                          -> Swig.addArrays(null, d.vars(), d.nonzeros(), d.beg(), d.ind(), d.val(),
-                                            d.obj(), d.lb(), d.ub(), types),
-                      "swig-elements", () -> addByElement(d, types));
+        workload.with("swig-elements", () -> addByElement(d, types));
+        workload.with("swig-arrays", () -> addAsArrays(d, types));
     }
 }

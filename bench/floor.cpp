@@ -13,15 +13,8 @@
 
 namespace {
 
-constexpr jint outOfMemory = KVX_ERROR_OUT_OF_MEMORY;
-
 KVXmodel *asModel(jlong handle) {
     return reinterpret_cast<KVXmodel *>(handle);
-}
-
-template <class Element>
-Element *allocate(jint count) {
-    return static_cast<Element *>(malloc(static_cast<size_t>(count) * sizeof(Element)));
 }
 
 void narrow(const jchar *from, char *to, jint count) {
@@ -29,31 +22,45 @@ void narrow(const jchar *from, char *to, jint count) {
         to[k] = static_cast<char>(from[k]);
 }
 
+// What is allocated and fetched goes back when the function returns. A bench doesn't run out of
+// memory.
+struct Scratch {
+    ~Scratch() {
+        for (int k = 0; k < count; ++k)
+            free(buffers[k]);
+    }
+    template <class Element>
+    Element *take(jint size) {
+        void *&buffer = buffers[count++];
+        return static_cast<Element *>(buffer = malloc(static_cast<size_t>(size) * sizeof(Element)));
+    }
+    void *buffers[10];
+    int count = 0;
+};
+
+struct Text {
+    Text(JNIEnv *jni, jstring string)
+        : jni(jni), string(string), characters(jni->GetStringUTFChars(string, nullptr)) {}
+    ~Text() { jni->ReleaseStringUTFChars(string, characters); }
+    operator const char *() const { return characters; }
+    JNIEnv *const jni;
+    const jstring string;
+    const char *const characters;
+};
+
 } // namespace
 
 FLOOR(getintattr)(JNIEnv *jni, jclass, jlong model, jstring name, jintArray value) {
-    if (!name)
-        return KVX_ERROR_NULL_ARGUMENT;
-    const char *text = jni->GetStringUTFChars(name, nullptr);
-    if (!text)
-        return outOfMemory;
+    const Text text(jni, name);
     jint result = 0;
     const jint status = KVXgetintattr(asModel(model), text, &result);
-    if (status == 0)
-        jni->SetIntArrayRegion(value, 0, 1, &result);
-    jni->ReleaseStringUTFChars(name, text);
+    jni->SetIntArrayRegion(value, 0, 1, &result);
     return status;
 }
 
 FLOOR(setintparam)(JNIEnv *jni, jclass, jlong env, jstring name, jint value) {
-    if (!name)
-        return KVX_ERROR_NULL_ARGUMENT;
-    const char *text = jni->GetStringUTFChars(name, nullptr);
-    if (!text)
-        return outOfMemory;
-    const jint status = KVXsetintparam(reinterpret_cast<KVXenv *>(env), text, value);
-    jni->ReleaseStringUTFChars(name, text);
-    return status;
+    const Text text(jni, name);
+    return KVXsetintparam(reinterpret_cast<KVXenv *>(env), text, value);
 }
 
 FLOOR(updatemodel)(JNIEnv *, jclass, jlong model) {
@@ -64,47 +71,36 @@ FLOOR(addvars)
 (JNIEnv *jni, jclass, jlong model, jint numvars, jint numnz, jintArray beg, jintArray ind,
  jdoubleArray val, jdoubleArray obj, jdoubleArray lb, jdoubleArray ub, jcharArray types,
  jobjectArray names) {
-    jint *begins = nullptr, *indices = nullptr, fetched = 0, status = outOfMemory;
-    jdouble *values = nullptr, *objective = nullptr, *lower = nullptr, *upper = nullptr;
-    jchar *javaTypes = nullptr;
-    char *nativeTypes = nullptr;
-    jobject *references = nullptr;
-    const char **texts = nullptr;
-    if (!(indices = allocate<jint>(numnz)) || !(values = allocate<jdouble>(numnz)) ||
-        !(objective = allocate<jdouble>(numvars)) || !(begins = allocate<jint>(numvars)) ||
-        !(lower = allocate<jdouble>(numvars)) || !(upper = allocate<jdouble>(numvars)) ||
-        !(javaTypes = allocate<jchar>(numvars)) || !(nativeTypes = allocate<char>(numvars)))
-        goto done;
-    if (names &&
-        (!(references = allocate<jobject>(numvars)) || !(texts = allocate<const char *>(numvars))))
-        goto done;
+    Scratch scratch;
+    auto *const indices = scratch.take<jint>(numnz);
+    auto *const values = scratch.take<jdouble>(numnz);
+    auto *const objective = scratch.take<jdouble>(numvars);
+    auto *const begins = scratch.take<jint>(numvars);
+    auto *const lower = scratch.take<jdouble>(numvars);
+    auto *const upper = scratch.take<jdouble>(numvars);
+    auto *const javaTypes = scratch.take<jchar>(numvars);
+    auto *const nativeTypes = scratch.take<char>(numvars);
+    auto *const references = names ? scratch.take<jobject>(numvars) : nullptr;
+    auto *const texts = names ? scratch.take<const char *>(numvars) : nullptr;
     jni->GetDoubleArrayRegion(obj, 0, numvars, objective);
     jni->GetIntArrayRegion(beg, 0, numvars, begins);
     jni->GetDoubleArrayRegion(lb, 0, numvars, lower);
     jni->GetDoubleArrayRegion(ub, 0, numvars, upper);
     jni->GetCharArrayRegion(types, 0, numvars, javaTypes);
     narrow(javaTypes, nativeTypes, numvars);
-    for (; names && fetched < numvars; ++fetched) {
-        const jobject name = references[fetched] = jni->GetObjectArrayElement(names, fetched);
-        texts[fetched] =
-            name ? jni->GetStringUTFChars(static_cast<jstring>(name), nullptr) : nullptr;
-        if (name && !texts[fetched])
-            goto done;
+    for (jint k = 0; names && k < numvars; ++k) {
+        const jobject name = references[k] = jni->GetObjectArrayElement(names, k);
+        texts[k] = name ? jni->GetStringUTFChars(static_cast<jstring>(name), nullptr) : nullptr;
     }
     jni->GetIntArrayRegion(ind, 0, numnz, indices);
     jni->GetDoubleArrayRegion(val, 0, numnz, values);
-    status = KVXaddvars(asModel(model), numvars, numnz, begins, indices, values, objective, lower,
-                        upper, nativeTypes, texts);
-done:
-    for (jint k = 0; k < fetched; ++k) {
+    const jint status = KVXaddvars(asModel(model), numvars, numnz, begins, indices, values,
+                                   objective, lower, upper, nativeTypes, texts);
+    for (jint k = 0; names && k < numvars; ++k) {
         if (references[k])
             jni->ReleaseStringUTFChars(static_cast<jstring>(references[k]), texts[k]);
         jni->DeleteLocalRef(references[k]);
     }
-    void *const scratch[] = {objective, begins,    indices,     values,     lower,
-                             upper,     javaTypes, nativeTypes, references, texts};
-    for (void *buffer : scratch)
-        free(buffer);
     return status;
 }
 
@@ -112,81 +108,56 @@ FLOOR(getvars)
 (JNIEnv *jni, jclass, jlong model, jintArray numnz, jintArray beg, jintArray ind, jdoubleArray val,
  jint start, jint count) {
     jint found = 0, capacity = 0;
-    jint status = KVXgetvars(asModel(model), &found, nullptr, nullptr, nullptr, start, count);
-    if (status != 0)
-        return status;
+    KVXgetvars(asModel(model), &found, nullptr, nullptr, nullptr, start, count);
     jni->GetIntArrayRegion(numnz, 0, 1, &capacity);
     jni->SetIntArrayRegion(numnz, 0, 1, &found);
-    if (found < 1 || found > capacity)
-        return status;
-    jint *begins = allocate<jint>(count + 1), *indices = allocate<jint>(found);
-    jdouble *values = allocate<jdouble>(found);
-    status = outOfMemory;
-    if (begins && indices && values)
-        status = KVXgetvars(asModel(model), &found, begins, indices, values, start, count);
-    if (status == 0) {
-        jni->SetIntArrayRegion(beg, 0, count, begins);
-        jni->SetIntArrayRegion(ind, 0, found, indices);
-        jni->SetDoubleArrayRegion(val, 0, found, values);
-    }
-    free(begins);
-    free(indices);
-    free(values);
+    if (found > capacity)
+        return KVX_ERROR_INVALID_ARGUMENT;
+    Scratch scratch;
+    auto *const begins = scratch.take<jint>(count + 1), *const indices = scratch.take<jint>(found);
+    auto *const values = scratch.take<jdouble>(found);
+    const jint status = KVXgetvars(asModel(model), &found, begins, indices, values, start, count);
+    jni->SetIntArrayRegion(beg, 0, count, begins);
+    jni->SetIntArrayRegion(ind, 0, found, indices);
+    jni->SetDoubleArrayRegion(val, 0, found, values);
     return status;
 }
 
 FLOOR(getchars)
 (JNIEnv *jni, jclass, jlong model, jstring name, jint start, jint count, jcharArray values) {
-    const char *text = jni->GetStringUTFChars(name, nullptr);
-    char *native = text ? allocate<char>(count) : nullptr;
-    jchar *java = native ? allocate<jchar>(count) : nullptr;
-    jint status = outOfMemory;
-    if (java)
-        status = KVXgetcharattrarray(asModel(model), text, start, count, native);
-    for (jint k = 0; status == 0 && k < count; ++k)
+    const Text text(jni, name);
+    Scratch scratch;
+    auto *const native = scratch.take<char>(count);
+    auto *const java = scratch.take<jchar>(count);
+    const jint status = KVXgetcharattrarray(asModel(model), text, start, count, native);
+    for (jint k = 0; k < count; ++k)
         java[k] = static_cast<jchar>(static_cast<signed char>(native[k]));
-    if (status == 0)
-        jni->SetCharArrayRegion(values, 0, count, java);
-    if (text)
-        jni->ReleaseStringUTFChars(name, text);
-    free(native);
-    free(java);
+    jni->SetCharArrayRegion(values, 0, count, java);
     return status;
 }
 
 FLOOR(setchars)
 (JNIEnv *jni, jclass, jlong model, jstring name, jint start, jint count, jcharArray values) {
-    const char *text = jni->GetStringUTFChars(name, nullptr);
-    char *native = text ? allocate<char>(count) : nullptr;
-    jchar *java = native ? allocate<jchar>(count) : nullptr;
-    jint status = outOfMemory;
-    if (java) {
-        jni->GetCharArrayRegion(values, 0, count, java);
-        narrow(java, native, count);
-        status = KVXsetcharattrarray(asModel(model), text, start, count, native);
-    }
-    if (text)
-        jni->ReleaseStringUTFChars(name, text);
-    free(native);
-    free(java);
-    return status;
+    const Text text(jni, name);
+    Scratch scratch;
+    auto *const native = scratch.take<char>(count);
+    auto *const java = scratch.take<jchar>(count);
+    jni->GetCharArrayRegion(values, 0, count, java);
+    narrow(java, native, count);
+    return KVXsetcharattrarray(asModel(model), text, start, count, native);
 }
 
 FLOOR(getstrings)
 (JNIEnv *jni, jclass, jlong model, jstring name, jint start, jint count, jobjectArray values) {
-    const char *text = jni->GetStringUTFChars(name, nullptr);
-    const char **texts = text ? allocate<const char *>(count) : nullptr;
-    jint status = outOfMemory;
-    if (texts)
-        status = KVXgetstrattrarray(asModel(model), text, start, count, texts);
-    for (jint k = 0; status == 0 && k < count; ++k) {
+    const Text text(jni, name);
+    Scratch scratch;
+    auto *const texts = scratch.take<const char *>(count);
+    const jint status = KVXgetstrattrarray(asModel(model), text, start, count, texts);
+    for (jint k = 0; k < count; ++k) {
         const jstring string = jni->NewStringUTF(texts[k]);
         jni->SetObjectArrayElement(values, k, string);
         jni->DeleteLocalRef(string);
     }
-    if (text)
-        jni->ReleaseStringUTFChars(name, text);
-    free(texts);
     return status;
 }
 

@@ -17,9 +17,8 @@ timed() {
     printf '  %s: %s\n' "$(basename "$file")" "$1" >&2
     "${@:2}" >answer 2>&1 || { cat answer >&2 && exit 1; }
     awk -v begin="$begin" -v end="$EPOCHREALTIME" '
-        /^Objective value:/ { value = $3 }
-        /^Optimal objective / { value = $3 }
-        END { print end - begin, value == "" ? "none" : value }' answer
+        /^Objective value:|^Optimal objective / { value = $3 }
+        END { print end - begin, value == "" ? "none" : sprintf("%.8g", value) }' answer
 }
 
 solving() {
@@ -30,14 +29,10 @@ solving() {
         cbc=$(timed cbc cbc "$file" -sec "$LIMIT" -ratio 1e-4 -solve)
         solver=$(timed solver "$bench" solve "$file")
         watched=$(timed callback "$bench" watch "$file")
-        echo "$(basename "${file%.*}") $cbc $solver $watched"
-    done | awk '
-        function value(text) { return text == "none" ? text : sprintf("%.8g", text) }
-        {
-            printf "| %s | %.2f | %.2f | %.2f | %.2f | %.2f | %s | %s | %s |\n", $1, $2, $4, $4 / $2,
-                $6, $6 / $2, value($3), value($5), value($7)
-            fflush()
-        }'
+        echo "$(basename "${file%.*}") $cbc $solver $watched" | awk '{
+            printf "| %s | %.2f | %.2f | %.2f | %.2f | %.2f | %s | %s | %s |\n",
+                $1, $2, $4, $4 / $2, $6, $6 / $2, $3, $5, $7 }'
+    done
 }
 
 {
@@ -45,10 +40,7 @@ solving() {
         "$bench" building && echo
         "$bench" patterns && echo
         awk -v directory=models -f "$here/models.awk"
-        for file in models/*.lp; do
-            "$bench" convert "$file" "${file%.lp}.mps" # as cbc reads them
-            files+=("${file%.lp}.mps")
-        done
+        files=(models/*.lp)
     fi
     solving
 } | tee solver.md

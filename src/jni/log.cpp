@@ -26,10 +26,7 @@ JNI_METHOD(jint, KVXEnv, jniSetLogCB)(JNIEnv *jni, jobject self, jlong handle, j
 
     // The solver let go of the old record when it took the new one, or none. After a failure no
     // callback shall stay installed; a solver that refuses that, too, still holds the old one.
-    bool letGo = true;
-    if (status != 0)
-        letGo = KVXsetlogcallbackfuncenv(env, nullptr, nullptr) == 0;
-    if (letGo)
+    if (status == 0 || KVXsetlogcallbackfuncenv(env, nullptr, nullptr) == 0)
         releaseCallback(jni, static_cast<JavaCallbackInfo *>(old));
     if (status != 0)
         releaseCallback(jni, replacement);
