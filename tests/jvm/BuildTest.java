@@ -322,11 +322,11 @@ class BuildTest extends EnvCase {
         wrong("2147483648 entries", () -> SparseMatrix.of(Collections.nCopies(2048, huge)));
         wrong("beg[1] is 0", () -> matrix(ints(1, 0), ints(0), 1));
         wrong("beg[0] is -1", () -> matrix(ints(-1), ints(0), 1));
-        wrong("beg[0] is 2", () -> matrix(ints(2), ints(0), 1));
-        wrong("beg[0] is 7", () -> model.variables().add(bad));
-        wrong("beg[0] is 7", () -> model.constraints().add(Rows.of(kept, new char[2], 1, 1)));
-        wrong("beg[0] is 7", () -> model.sos().add(new SpecialOrderedSets.Sets(ints(1, 1), kept)));
-        wrong("beg[0] is 7", () -> KVXModel.load(env, "", 1, 0, bad, rows));
+        wrong("last of beg is 2", () -> matrix(ints(2), ints(0), 1));
+        wrong("less than 7", () -> model.variables().add(bad));
+        wrong("less than 7", () -> model.constraints().add(Rows.of(kept, new char[2], 1, 1)));
+        wrong("less than 7", () -> model.sos().add(new SpecialOrderedSets.Sets(ints(1, 1), kept)));
+        wrong("less than 7", () -> KVXModel.load(env, "", 1, 0, bad, rows));
         wrong("no constraints", () -> new KVXModel(env, "", bad));
         wrong("rows with",
               () -> KVXModel.load(env, "", 1, 0, columns, Rows.ranges(null, doubles(1), 2)));

@@ -102,11 +102,14 @@ public record SparseMatrix(int[] beg, int[] ind, double[] val) {
     private static void checkBegins(int[] beg, int entries) {
         int last = 0;
         for (int k = 0; k < beg.length; k++) {
-            if (beg[k] < last || beg[k] > entries)
-                throw new IllegalArgumentException("beg[" + k + "] is " + beg[k] + ", not from " +
-                                                   last + " to " + entries);
+            if (beg[k] < last)
+                throw new IllegalArgumentException("beg[" + k + "] is " + beg[k] + ", less than " +
+                                                   last);
             last = beg[k];
         }
+        if (last > entries) // It is the greatest of them.
+            throw new IllegalArgumentException("the last of beg is " + last +
+                                               ", and there are only " + entries + " entries");
     }
 
     @Override
