@@ -1,53 +1,59 @@
 // Attribute files and results: read whole or not at all, written when there is something to write.
-#include "files_case.h"
+#include "solver_case.h"
 
 #include <nlohmann/json.hpp>
 
 namespace {
 
-TEST_F(Files, AttributeFilesAreReadWholeOrNotAtAll) {
-    Model model = read("sample.mps", sampleMps);
-    ASSERT_TRUE(model) << message;
-    const Vector start = {0.1, KVX_UNDEFINED, -1e-300, 3, KVX_UNDEFINED, 1e17 / 3};
-    const std::vector<int> vars = {0, -2, -1, 0, -1, -2}, rows = {-1, 0, 0, -2, 0};
-    EXPECT_EQ(KVXsetdblattrarray(model.get(), "Start", 0, 6, start.data()), 0);
-    EXPECT_EQ(KVXsetintattrarray(model.get(), "VarBasis", 0, 6, vars.data()), 0);
-    EXPECT_EQ(KVXsetintattrarray(model.get(), "ConstrBasis", 0, 5, rows.data()), 0);
-    EXPECT_EQ(KVXsetparam(KVXgetenv(model.get()), "MIPGap", "0.123"), 0);
-    Model other = read("sample.mps");
+int write(const Model &model, const char *name) {
+    return KVXwrite(model.get(), temporary(name).c_str());
+}
+
+TEST(AttributeFiles, AreReadWholeOrNotAtAll) {
+    Env env;
+    const char *text = "min x + i + j st c: x + i <= 4 d: i - j >= 1 int i j";
+    Model model = fromText(env, text), other = fromText(env, text);
+    const Vector start = {0.1, KVX_UNDEFINED, 1e17 / 3};
+    const std::vector<int> vars = {0, -2, -1}, rows = {-1, 0};
+    MUST(model, KVXsetdblattrarray(model.get(), "Start", 0, 3, start.data()));
+    MUST(model, KVXsetintattrarray(model.get(), "VarBasis", 0, 3, vars.data()));
+    MUST(model, KVXsetintattrarray(model.get(), "ConstrBasis", 0, 2, rows.data()));
+    setParam(model, "MIPGap", "0.123");
     for (const char *name : {"a.mst.gz", "a.bas", "a.prm.bz2"}) {
-        write(model, name);
+        MUST(model, write(model, name));
         MUST(other, KVXread(other.get(), temporary(name).c_str()));
     }
     for (const char *name : {"a.sol", "a.json"})
-        write(model, name, KVX_ERROR_DATA_NOT_AVAILABLE);
-    for (auto [name, text] : {std::pair{"b.mst", "# comment\nx 7\ny 2\n"},
-                              {"b.sol", "x 7\ni 7x\n"},
-                              {"b.bas", "NAME\n UL x\n XU i nowhere\nENDATA\n"},
-                              {"c.bas", "NAME\n UL x\n"},
-                              {"b.prm", "MIPGap 0.5\nNoSuch 1\n"}}) {
-        store(temporary(name), text);
-        EXPECT_NE(KVXread(other.get(), temporary(name).c_str()), 0) << name;
-        std::string problem = KVXgetmerrormsg(other.get());
-        EXPECT_NE(problem.find(temporary(name) + ", line "), std::string::npos) << problem;
+        EXPECT_EQ(KVX_ERROR_DATA_NOT_AVAILABLE, write(model, name));
+    for (auto [name, damaged] : {std::pair{"b.mst", "# comment\nx 7\ny 2\n"},
+                                 {"b.sol", "x 7\ni 7x\n"},
+                                 {"b.bas", "NAME\n UL x\n XU i nowhere\nENDATA\n"},
+                                 {"c.bas", "NAME\n UL x\n"},
+                                 {"b.prm", "MIPGap 0.5\nNoSuch 1\n"}}) {
+        const std::string path = temporary(name);
+        store(path, damaged);
+        EXPECT_NE(KVX_OK, KVXread(other.get(), path.c_str())) << name;
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, path + ", line ", KVXgetmerrormsg(other.get()));
     }
-    std::vector<int> gotVars(6), gotRows(5);
-    MUST(other, KVXgetintattrarray(other.get(), "VarBasis", 0, 6, gotVars.data()));
-    MUST(other, KVXgetintattrarray(other.get(), "ConstrBasis", 0, 5, gotRows.data()));
     double gap = 0;
-    EXPECT_EQ(KVXgetdblparam(KVXgetenv(other.get()), "MIPGap", &gap), 0);
-    EXPECT_EQ(std::tie(start, vars, rows),
-              std::make_tuple(dblAttrs(other, "Start", 6), gotVars, gotRows));
-    EXPECT_EQ(gap, 0.123);
+    EXPECT_EQ(KVX_OK, KVXgetdblparam(KVXgetenv(other.get()), "MIPGap", &gap));
+    EXPECT_EQ(std::tuple(start, vars, rows, 0.123),
+              std::tuple(dblAttrs(other, "Start", 3), intAttrs(other, "VarBasis", 3),
+                         intAttrs(other, "ConstrBasis", 2), gap));
+    for (const char *name : {" x", "#x"}) {
+        MUST(model, KVXsetstrattrelement(model.get(), "VarName", 0, name));
+        EXPECT_EQ(KVX_ERROR_FILE_WRITE, write(model, "r.mst"));
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, name, KVXgetmerrormsg(model.get()));
+        EXPECT_EQ("", contents(temporary("r.mst")));
+    }
 }
 
 // The result of a run, as the parameter "ResultFile" asks for it and on request.
-TEST_F(Files, ResultsAreWritten) {
-    Model model = read("a.lp", "max\n 2 x + y + 0.5 \"q\nst\n c: x + y <= 4\n d: x - \"q >= 1\n"
-                               "bounds\n x <= 3\n \"q <= 0\nend\n");
-    ASSERT_TRUE(model) << message;
-    KVXenv *own = KVXgetenv(model.get());
-    EXPECT_EQ(KVXsetstrparam(own, "ResultFile", temporary("r.json").c_str()), 0);
+TEST(AttributeFiles, ResultsAreWritten) {
+    Env env;
+    Model model = fromText(env, "max 2 x + y + 0.5 \"q st c: x + y <= 4 d: x - \"q >= 1\n"
+                                "bounds x <= 3 \"q <= 0");
+    setParam(model, "ResultFile", temporary("r.json"));
     auto result = [&] {
         solved(model);
         return nlohmann::json::parse(contents(temporary("r.json")));
@@ -57,16 +63,16 @@ TEST_F(Files, ResultsAreWritten) {
     EXPECT_EQ(json["objective"], 7);
     EXPECT_EQ(json["gap"], 0);
     EXPECT_EQ(json["variables"].dump(), R"([{"name":"x","value":3.0},{"name":"y","value":1.0}])");
-    write(model, "r.sol.gz");
-    EXPECT_EQ(KVXread(model.get(), temporary("r.sol.gz").c_str()), 0);
+    MUST(model, write(model, "r.sol.gz"));
+    MUST(model, KVXread(model.get(), temporary("r.sol.gz").c_str()));
     EXPECT_EQ(dblAttrs(model, "Start", 3), (Vector{3, 1, 0}));
 
-    EXPECT_EQ(KVXsetdblattrelement(model.get(), "LB", 0, 3), 0);
-    EXPECT_EQ(KVXsetdblattrelement(model.get(), "RHS", 0, 2), 0);
+    MUST(model, KVXsetdblattrelement(model.get(), "LB", 0, 3));
+    MUST(model, KVXsetdblattrelement(model.get(), "RHS", 0, 2));
     json = result();
     EXPECT_EQ(json["status"], "infeasible");
     EXPECT_TRUE(json["objective"].is_null());
-    EXPECT_EQ(KVXsetstrparam(own, "ResultFile", "/nowhere/r.sol"), 0);
+    setParam(model, "ResultFile", "/nowhere/r.sol");
     MUST(model, KVXoptimize(model.get())) << "there is no solution to write";
 }
 

@@ -5,7 +5,7 @@ namespace {
 
 TEST(Derived, OptimaAgree) {
     Env env;
-    int optimal = 0;
+    int optimal = 0, infeasible = 0;
     for (unsigned seed = 0; seed < 300; seed++) {
         SCOPED_TRACE(seed);
         Random random(seed);
@@ -21,13 +21,17 @@ TEST(Derived, OptimaAgree) {
         auto presolved = solved(derived(mip, KVXpresolvemodel));
         EXPECT_EQ(mipStatus, presolved.first);
         EXPECT_NEAR(mipValue, presolved.second, 1e-6);
+        const double violation = solved(derived(mip, KVXfeasibility)).second;
+        if (mipStatus != KVX_STATUS_INFEASIBLE_OR_UNBOUNDED) {
+            EXPECT_EQ(mipStatus == KVX_STATUS_INFEASIBLE, violation > 1e-6);
+        }
+        infeasible += violation > 1e-6;
         if (mipStatus != KVX_STATUS_OPTIMAL)
             continue;
         optimal++;
         auto relaxed = solved(derived(mip, KVXrelaxmodel));
         EXPECT_EQ(status, relaxed.first);
         EXPECT_NEAR(value, relaxed.second, 1e-6);
-        EXPECT_NEAR(0, solved(derived(mip, KVXfeasibility)).second, 1e-6);
         Model fixed = derived(mip, KVXfixmodel);
         EXPECT_EQ(0, intAttr(fixed, "IsMIP"));
         EXPECT_NEAR(mipValue, solved(fixed).second, 1e-6);
@@ -37,22 +41,7 @@ TEST(Derived, OptimaAgree) {
         EXPECT_EQ(described(mip.get()), described(copy.get()));
     }
     EXPECT_GT(optimal, 100);
-}
-
-TEST(Derived, FeasibilityMeasuresTheViolation) {
-    Env env;
-    int infeasible = 0;
-    for (unsigned seed = 0; seed < 60; seed++) {
-        Random random(seed);
-        Model model = randomData(random, random(1, 6), random(1, 6), "CI", 9).build(env);
-        double violation = solved(derived(model, KVXfeasibility)).second;
-        infeasible += violation > 1e-6;
-        const int status = solved(model).first;
-        if (status != KVX_STATUS_INFEASIBLE_OR_UNBOUNDED) {
-            EXPECT_EQ(violation > 1e-6, status == KVX_STATUS_INFEASIBLE) << seed;
-        }
-    }
-    EXPECT_GT(infeasible, 10);
+    EXPECT_GT(infeasible, 5);
 }
 
 } // namespace

@@ -44,12 +44,10 @@ TEST(Iis, IsInfeasibleAndIrreducible) {
         infeasible++;
         MUST(model, KVXcomputeIIS(model.get()));
         std::set<Member> iis;
-        for (auto [attribute, count] : {std::pair{"IISLB", 5}, {"IISUB", 5}, {"IISConstr", 4}})
-            for (int index = 0, value = 0; index < count; index++) {
-                EXPECT_EQ(0, KVXgetintattrelement(model.get(), attribute, index, &value));
-                if (value)
+        for (auto [attribute, count] : {std::pair{"IISLB", 5U}, {"IISUB", 5U}, {"IISConstr", 4U}})
+            for (size_t index = 0; index < count; index++)
+                if (intAttrs(model, attribute, count)[index])
                     iis.insert({attribute, index});
-            }
         largest = std::max(largest, static_cast<int>(iis.size()));
         auto isInfeasibleWithout = [&](const Member &left) {
             Data part = data;
@@ -84,16 +82,15 @@ TEST(Iis, CanBeFollowedAndEnded) {
         model = randomCase(seed++).build(env);
     while (!isInfeasible(model));
     std::vector<int> undecided;
-    auto follow = [](KVXmodel *, void *cbdata, int where, void *data) {
-        auto &all = *static_cast<std::vector<int> *>(data);
+    Callback follow = [&](void *cbdata, int where) {
         int value = -1;
         if (where != KVX_CB_IIS)
             return 0;
-        EXPECT_EQ(0, KVXcbget(cbdata, where, KVX_CB_IIS_UNDECIDED, &value));
-        all.push_back(value);
-        return all.size() == 3 ? 4711 : 0;
+        EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_IIS_UNDECIDED, &value));
+        undecided.push_back(value);
+        return undecided.size() == 3 ? 4711 : 0;
     };
-    MUST(model, KVXsetcallbackfunc(model.get(), follow, &undecided));
+    setCallback(model, follow);
     EXPECT_EQ(4711, KVXcomputeIIS(model.get()));
     MUST(model, KVXcomputeIIS(model.get()));
     EXPECT_TRUE(std::is_sorted(undecided.rbegin(), undecided.rend() - 3));

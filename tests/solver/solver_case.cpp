@@ -2,11 +2,46 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <new>
 #include <numeric>
 #include <sstream>
 #include <unistd.h>
+
+// Allocations until one fails; negative: none does.
+static thread_local int allowed = -1;
+
+__attribute__((noinline)) void *operator new(std::size_t size) {
+    if (allowed >= 0 && allowed-- == 0)
+        throw std::bad_alloc();
+    if (void *memory = std::malloc(size ? size : 1))
+        return memory;
+    throw std::bad_alloc();
+}
+__attribute__((noinline)) void *operator new(std::size_t size, const std::nothrow_t &) noexcept {
+    return std::malloc(size ? size : 1);
+}
+__attribute__((noinline)) void operator delete(void *memory) noexcept {
+    std::free(memory);
+}
+__attribute__((noinline)) void operator delete(void *memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+int inScarceMemory(const Model &model, const std::function<int(KVXmodel *)> &call) {
+    const std::string before = described(model.get());
+    for (int count = 0; count < 1000; count++) {
+        allowed = count;
+        const int status = call(model.get());
+        allowed = -1;
+        if (status != KVX_ERROR_OUT_OF_MEMORY)
+            return status;
+        EXPECT_EQ(before, described(model.get())) << count;
+    }
+    return KVX_ERROR_OUT_OF_MEMORY;
+}
 
 int Env::load(KVXenv *&env, int major, int key) {
     return KVXloadenvadv(&env, nullptr, KVX_INTERFACE_JAVA, major, 0, 0, nullptr, nullptr, nullptr,
@@ -181,6 +216,22 @@ std::string contents(const std::string &path) {
 
 void store(const std::string &path, const std::string &text) {
     std::ofstream(path, std::ios::binary) << text;
+}
+
+std::string caseFile(const std::string &name) {
+    return CASES_DIRECTORY "/" + name;
+}
+
+std::vector<TextCase> readCases(const std::string &name) {
+    std::vector<TextCase> cases;
+    std::ifstream file(caseFile(name));
+    for (std::string line; std::getline(file, line);)
+        if (line.rfind("== ", 0) == 0)
+            cases.push_back({line.substr(3), ""});
+        else if (!cases.empty() && !line.empty())
+            cases.back().text += line + '\n';
+    EXPECT_FALSE(cases.empty()) << name;
+    return cases;
 }
 
 Model fromText(KVXenv *env, const std::string &text) {

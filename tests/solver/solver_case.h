@@ -42,6 +42,10 @@ double dblAttr(const Model &model, const char *name);
 std::vector<int> intAttrs(const Model &model, const char *name, size_t count);
 Vector dblAttrs(const Model &model, const char *name, size_t count);
 
+// The status of a call that before fails by every single one of its allocations, each time leaving
+// the model as it was.
+int inScarceMemory(const Model &model, const std::function<int(KVXmodel *)> &call);
+
 // A parameter of the model's own environment, as text.
 void setParam(const Model &model, const char *name, const std::string &value);
 
@@ -115,6 +119,15 @@ void forPoints(size_t vars, int low, int high, Use use) {
 std::string temporary(const std::string &name);
 std::string contents(const std::string &path);
 void store(const std::string &path, const std::string &text);
+
+// A file that goes with these sources.
+std::string caseFile(const std::string &name);
+
+// Some have texts, each below a line that begins with "== " and a title.
+struct TextCase {
+    std::string title, text;
+};
+std::vector<TextCase> readCases(const std::string &name);
 
 // The model of a text in LP format.
 Model fromText(KVXenv *env, const std::string &text);
