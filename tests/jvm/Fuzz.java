@@ -102,7 +102,8 @@ final class Fuzz {
     }
 
     static String describe(Executable method, Object[] args) {
-        return method.getDeclaringClass().getSimpleName() + "." + method.getName() + text(args);
+        return method.getDeclaringClass().getSimpleName() + "." + method.getName() + " " +
+            text(args);
     }
 
     /** The objects that an episode's calls share. */
@@ -212,9 +213,8 @@ final class Fuzz {
         private final int note;
         private int meddled;
 
-        Caller(World world, long seed) { this(world, seed, THREADS); }
-
-        private Caller(World world, long seed, int note) {
+        /** Notes its calls at a place that others may share. */
+        Caller(World world, long seed, int note) {
             this.world = world;
             this.note = note;
             hostile = new Hostile(world, seed);
@@ -317,7 +317,7 @@ final class Fuzz {
     }
 
     @SuppressWarnings("unchecked")
-    private static <T extends Throwable> void escape(Throwable t) throws T {
+    static <T extends Throwable> void escape(Throwable t) throws T {
         throw(T) t;
     }
 
@@ -325,18 +325,14 @@ final class Fuzz {
         World world = new World(seed);
         Random random = new Random(seed);
         Future<?> watch = clock.scheduleAtFixedRate(world::watch, 10, 10, TimeUnit.MILLISECONDS);
-        if (random.nextInt(4) > 0) {
-            new Caller(world, random.nextLong(), 0).run(CALLS);
-        } else {
-            List<Thread> threads = new ArrayList<>();
-            for (int i = 0; i < THREADS; i++) {
-                Caller caller = new Caller(world, random.nextLong(), i);
-                threads.add(new Thread(() -> caller.run(CALLS)));
-                threads.get(i).start();
-            }
-            for (Thread thread : threads)
-                thread.join();
+        List<Thread> threads = new ArrayList<>();
+        for (int i = random.nextInt(4) > 0 ? 1 : THREADS; i > 0; i--) {
+            Caller caller = new Caller(world, random.nextLong(), i);
+            threads.add(new Thread(() -> caller.run(CALLS), "caller " + i));
         }
+        threads.forEach(Thread::start);
+        for (Thread thread : threads)
+            thread.join();
         world.begun.put(Thread.currentThread(), System.nanoTime());
         world.end();
         watch.cancel(false);

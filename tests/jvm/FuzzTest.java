@@ -22,7 +22,7 @@ class FuzzTest {
         String text = child.out();
         if (child.status() != 0) // the end of what it said, what it called, and where it crashed
             throw new AssertionError("status " + child.status() + "\n" +
-                                     text.substring(Math.max(0, text.length() - 20_000)) +
+                                     text.substring(Math.max(0, text.length() - 20_000)) + "\n" +
                                      Files.readString(notes).replaceAll("\0+", "\n") +
                                      (Files.exists(error) ? Files.readString(error) : ""));
         return Long.parseLong(text.replaceFirst("(?s).*?(\\d+) calls$", "$1"));

@@ -133,7 +133,7 @@ final class Hostile {
             return array(type.componentType());
         if (once(25))
             return null;
-        Fuzz.Caller caller = new Fuzz.Caller(world, random.nextLong());
+        Fuzz.Caller caller = new Fuzz.Caller(world, random.nextLong(), 0);
         if (type == Consumer.class)
             return (Consumer<String>)line -> caller.meddle(null);
         if (type == KVXCallback.class)
@@ -193,7 +193,7 @@ final class Hostile {
             model.params().set("LazyConstraints", 1);
         model.params().set("TimeLimit", 0.2);
         if (!once(3))
-            model.setCallback(new Fuzz.Caller(world, random.nextLong())::meddle);
+            model.setCallback(new Fuzz.Caller(world, random.nextLong(), 0)::meddle);
     }
 
     /** Changes some bytes of a file that a call has written. */

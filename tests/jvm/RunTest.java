@@ -63,9 +63,7 @@ class RunTest extends EnvCase {
             AtomicInteger calls = new AtomicInteger();
             model.setCallback(context -> {
                 calls.incrementAndGet();
-                Thrown checked = new Thrown();
-                checked.add(first);
-                checked.rethrow();
+                Fuzz.<RuntimeException>escape(first);
             });
             env.setLog(line -> {
                 if (calls.get() > 0)
