@@ -303,7 +303,7 @@ final class Fuzz {
                         call(KVXCallbackContext.class, context);
                 }
                 if (hostile.once(30))
-                    Fuzz.<RuntimeException>escape(new Hostile.Marker());
+                    Models.<RuntimeException>escape(new Hostile.Marker());
                 if (hostile.once(200)) {
                     world.overflowed = true;
                     meddleForever();
@@ -314,11 +314,6 @@ final class Fuzz {
         }
 
         private int meddleForever() { return meddleForever() + 1; }
-    }
-
-    @SuppressWarnings("unchecked")
-    static <T extends Throwable> void escape(Throwable t) throws T {
-        throw(T) t;
     }
 
     private static void episode(long seed, ScheduledExecutorService clock) throws Exception {

@@ -63,7 +63,7 @@ class RunTest extends EnvCase {
             AtomicInteger calls = new AtomicInteger();
             model.setCallback(context -> {
                 calls.incrementAndGet();
-                Fuzz.<RuntimeException>escape(first);
+                Models.<RuntimeException>escape(first);
             });
             env.setLog(line -> {
                 if (calls.get() > 0)
