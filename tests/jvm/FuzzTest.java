@@ -32,7 +32,7 @@ class FuzzTest {
     void hostileCallsAreAnswered(@TempDir Path directory) throws Exception {
         boolean checked =
             ManagementFactory.getRuntimeMXBean().getInputArguments().contains("-Xcheck:jni");
-        assertTrue(fuzz(directory, checked, 1, 6, Long.MAX_VALUE) > 1000);
+        assertTrue(fuzz(directory, checked, 1, 6, Long.MAX_VALUE) > 100);
     }
 
     /** Arguments: a number of calls, or of seconds, as in 60s; and a seed. A third is checked. */
