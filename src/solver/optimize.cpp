@@ -207,6 +207,21 @@ double Problem::violation(const std::vector<double> &x) const {
     return worst;
 }
 
+bool Problem::makeSolution(std::vector<double> &x, double tolerance) const {
+    for (size_t j = 0; j < x.size(); j++)
+        if (integer[j] && x[j] != KVX_UNDEFINED)
+            x[j] = std::round(x[j]) + 0.0; // no negative zero
+    // At most type consecutive members of a set aren't zero.
+    auto holds = [&](const Sos &set) {
+        auto isUsed = [&](Entry member) { return std::abs(x[at(member.index)]) > zeroInSet; };
+        auto first = std::find_if(set.members.begin(), set.members.end(), isUsed);
+        return std::none_of(first + std::min<long>(set.type, set.members.end() - first),
+                            set.members.end(), isUsed);
+    };
+    return std::count(x.begin(), x.end(), KVX_UNDEFINED) == 0 && violation(x) <= tolerance &&
+           std::all_of(sets.begin(), sets.end(), holds);
+}
+
 bool Problem::isOptimal(const std::vector<double> &x, const double *multipliers,
                         double tolerance) const {
     std::vector<double> activity(rowLower.size());

@@ -49,6 +49,10 @@ struct Problem {
     // The largest violation of a bound or row, relative to the size of what it violates.
     double violation(const std::vector<double> &x) const;
 
+    // Makes the known integers of a point exact; unknown values are KVX_UNDEFINED. Whether it is a
+    // solution then.
+    bool makeSolution(std::vector<double> &x, double tolerance) const;
+
     // Whether the rows' multipliers prove that a feasible point of the problem without integers is
     // optimal.
     bool isOptimal(const std::vector<double> &x, const double *multipliers, double tolerance) const;
@@ -102,6 +106,12 @@ struct SimplexWatch : ClpEventHandler {
 Outcome solveLp(Run &run, const Problem &problem);
 
 Outcome solveMip(Run &run, const Problem &problem);
+
+// Goes on with one whose relaxation is unbounded: tells what is the matter, or changes the problem
+// so that its relaxation, whose optimum it gives, is bounded.
+Outcome solveUnbounded(Run &run, Problem &problem);
+
+constexpr double zeroInSet = 1e-6; // Members of a set up to this size count as zero.
 
 // Refuses a quadratic objective that isn't convex, or with integers or sets. The model tells names.
 void refuseUnlessConvex(const ModelData &model, const Problem &problem);
