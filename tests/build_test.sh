@@ -22,6 +22,11 @@ edit() {
     sed -i "$1" src/java/com/korvex/KorvexJni.java
 }
 
+number=$(sed -nE 's/.*left\.size\(\), ([0-9]+)u.*/\1/p' tests/native/bridge_test.cpp)
+! grep -nrw "${number:?}" run ./*.md src tests ||
+    { echo "FAILED: how many natives there are stands in one place"; exit 1; }
+! grep -rnE '[[:blank:]]$' --exclude=*.svg . || { echo "FAILED: as .editorconfig says"; exit 1; }
+
 hidden=()
 for package in PkgConfig nlohmann_json ZLIB BZip2 GTest; do
     hidden+=("-DCMAKE_DISABLE_FIND_PACKAGE_$package=ON")
@@ -37,6 +42,9 @@ for file in "${files[@]}"; do
         { echo "FAILED: two builds make the same bytes"; exit 1; }
 done
 
+[ -f "$(sed -n 's/.*CompilationDatabase: //p' .clangd)/compile_commands.json" ] ||
+    { echo "FAILED: clangd finds how all is compiled"; exit 1; }
+
 edit '1a // A comment.'
 build || expect '^$' "a comment builds"
 expect 'Building korvex.jar' "a comment makes a new jar"
@@ -51,3 +59,7 @@ expect 'conflicting declaration|conflicting types' "the compiler says what diffe
 mv "$checkout" "$scratch/moved"
 ! "$scratch/moved/run" solve 2>"$scratch/message"
 grep -F "remove it, and run this again" "$scratch/message"
+
+mv "$scratch/moved" "$scratch/a \"quoted\" name"
+! cmake --preset default -S "$scratch/a \"quoted\" name" 2>"$scratch/message"
+grep -F "move the checkout" "$scratch/message"
