@@ -60,6 +60,7 @@ mv "$checkout" "$scratch/moved"
 ! "$scratch/moved/run" solve 2>"$scratch/message"
 grep -F "remove it, and run this again" "$scratch/message"
 
+rm -r "$scratch/moved/build"
 mv "$scratch/moved" "$scratch/a \"quoted\" name"
 ! cmake --preset default -S "$scratch/a \"quoted\" name" 2>"$scratch/message"
 grep -F "move the checkout" "$scratch/message"

@@ -70,4 +70,5 @@ TEXT
 number=$(sed -n 's/.*left.size(), \([0-9]*\)u.*/\1/p' tests/native/bridge_test.cpp)
 sed -i "s/left.size(), ${number}u/left.size(), $((number + 1))u/" tests/native/bridge_test.cpp
 
-./run test -R '^(format|native_test|jvm)$'
+cmake --build --preset default --target korvexjni native_test
+ctest --preset default -R '^(library|native_test)$'
