@@ -1,7 +1,8 @@
 package com.korvex;
 
-import java.io.IOException;
+import java.io.*;
 import java.lang.reflect.*;
+import java.net.URI;
 import java.nio.*;
 import java.nio.channels.FileChannel;
 import java.nio.charset.StandardCharsets;
@@ -31,8 +32,8 @@ final class Fuzz {
     private Fuzz() {}
 
     private static List<Class<?>> publicClasses() {
-        try (JarFile jar = new JarFile(
-                 KVX.class.getProtectionDomain().getCodeSource().getLocation().getPath())) {
+        var place = KVX.class.getProtectionDomain().getCodeSource().getLocation();
+        try (JarFile jar = new JarFile(new File(URI.create(place.toString())))) {
             List<Class<?>> classes = new ArrayList<>();
             for (String name : jar.stream().map(Object::toString).sorted().toList())
                 if (name.startsWith("com/korvex/") && name.endsWith(".class"))
