@@ -56,32 +56,32 @@ TEST(Lazy, RowsFromCallbacksHold) {
     EXPECT_GT(lazies, 100);
 }
 
-// Of each two neighbours on a circle of seven at least one is chosen: three and a half in the
-// relaxation, until a cut says that there are four.
+// Of each two neighbours on three circles of five at least one is chosen: seven and a half in the
+// relaxation, until a cut says that there are nine.
 TEST(Lazy, CutsHoldInTheRelaxation) {
     Env env;
-    Data circle{Vector(7, 1), Vector(7), Vector(7, 1), std::string(7, 'I'), {}};
-    for (size_t j = 0; j < 7; j++) {
-        circle.rows.push_back({Vector(7), 1, inf});
-        circle.rows[j].val[j] = circle.rows[j].val[(j + 1) % 7] = 1;
+    Data circles{Vector(15, 1), Vector(15), Vector(15, 1), std::string(15, 'I'), {}};
+    for (size_t j = 0; j < 15; j++) {
+        circles.rows.push_back({Vector(15), 1, inf});
+        circles.rows[j].val[j] = circles.rows[j].val[j / 5 * 5 + (j + 1) % 5] = 1;
     }
-    for (const Row &cut : {Row{Vector(7, 1), 4, inf}, Row{Vector(7, -1), -inf, -4}}) {
-        Model model = circle.build(env);
+    for (const Row &cut : {Row{Vector(15, 1), 9, inf}, Row{Vector(15, -1), -inf, -9}}) {
+        Model model = circles.build(env);
         for (const char *name : {"Cuts", "Heuristics"})
             setParam(model, name, "0");
         int violations = 0;
         Callback callback = [&](void *cbdata, int where) {
-            Vector x(7);
+            Vector x(15);
             if (where != KVX_CB_MIPNODE)
                 return 0;
             EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_MIPNODE_REL, x.data()));
-            if (product(x, Vector(7, 1)) > 4 - 1e-6)
+            if (product(x, Vector(15, 1)) > 9 - 1e-6)
                 return 0;
             violations++;
             return add(KVXcbcut, cbdata, cut);
         };
         setCallback(model, callback);
-        EXPECT_EQ(std::pair(KVX_STATUS_OPTIMAL, 4.0), solved(model));
+        EXPECT_EQ(std::pair(KVX_STATUS_OPTIMAL, 9.0), solved(model));
         EXPECT_EQ(1, violations);
     }
 }

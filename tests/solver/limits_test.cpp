@@ -39,8 +39,8 @@ TEST(Limits, CallbacksSetThem) {
         Model model = marketSplit(env, 40, 5);
         MUST(model, KVXsetdblattr(model.get(), "ObjCon", 1e4));
         setParam(model, "TimeLimit", "30");
-        Callback callback = [limit = name, to = value](void *cbdata, int) {
-            return KVXcbsetdblparam(cbdata, limit, to);
+        Callback callback = [limit = name, to = value](void *cbdata, int where) {
+            return where == KVX_CB_MIP ? KVXcbsetdblparam(cbdata, limit, to) : 0;
         };
         setCallback(model, callback);
         EXPECT_EQ(expected, solved(model).first) << name;
@@ -186,6 +186,15 @@ TEST(Limits, ObjectivesTolerateAndRestore) {
     const double points[] = {0, 1};
     MUST(model, KVXsetpwlobj(m, 0, 2, points, points));
     EXPECT_EQ(KVX_ERROR_NOT_SUPPORTED, KVXoptimize(m));
+}
+
+TEST(Limits, ToleranceDecides) {
+    Env env;
+    Model model = fromText(env, "min x st c: x + y >= 1.005 bounds x <= 0.5 y <= 0.5");
+    setParam(model, "Presolve", "0");
+    EXPECT_EQ(KVX_STATUS_INFEASIBLE, solved(model).first);
+    setParam(model, "FeasibilityTol", "0.01");
+    EXPECT_EQ(KVX_STATUS_OPTIMAL, solved(model).first);
 }
 
 TEST(Limits, BasesAreStartedFrom) {

@@ -126,16 +126,19 @@ const std::vector<Special> specials = {
      [](const Vector &) { return true; }, [](const Vector &x) { return piecewise(x[1]); }}};
 
 // A random model around a special part. Its variables are limited to the enumerated box by their
-// bounds or, as infinite operands must do as well, by a row each.
+// bounds or, as infinite operands must do as well, by a row each or by several rows together.
 Data randomCase(Random &random) {
     Data data{{}, {}, {}, "IIII", {{{}, -inf, 1.0 * random(-2, 4)}}};
+    const bool isTogether = random(0, 2) == 0;
     for (size_t j = 0; j < 4; j++) {
         data.obj.push_back(random(-3, 3));
         data.lb.push_back(random(0, 1) ? -inf : -width);
         data.ub.push_back(random(0, 1) ? inf : width);
         data.rows[0].val.push_back(random(-2, 2));
         data.rows.push_back({Vector(4), -width, width});
-        data.rows.back().val[j] = random(0, 1) ? 1 : -1;
+        data.rows.back().val[j] = isTogether || random(0, 1) ? 1 : -1;
+        if (isTogether) // the difference and the sum of a pair
+            data.rows.back().val[j ^ 1] = j % 2 ? 1 : -1;
     }
     data.sense = random(0, 1) ? KVX_MINIMIZE : KVX_MAXIMIZE;
     return data;
@@ -225,50 +228,6 @@ TEST(Reformulate, SetsOfContinuousVariables) {
         if (best.first == KVX_STATUS_OPTIMAL) {
             EXPECT_NEAR(best.second, found.second, 1e-6 * (1 + std::abs(best.second)));
         }
-    }
-}
-
-// That |x0| + |x1| <= 4 follows from four rows together only.
-TEST(Reformulate, TakesBoundsFromSeveralRows) {
-    Env env;
-    const int both[] = {0, 1};
-    const struct {
-        std::function<int(KVXmodel *)> add;
-        double greatest; // of x2
-    } cases[] = {
-        {[](KVXmodel *m) { return KVXaddgenconstrAbs(m, "g", 2, 0); }, 4},
-        {[&](KVXmodel *m) { return KVXaddgenconstrNorm(m, "g", 2, 2, both, 1); }, 4},
-        {[&](KVXmodel *m) { return KVXaddgenconstrNorm(m, "g", 2, 2, both, inf); }, 4},
-        {[&](KVXmodel *m) {
-             return KVXaddgenconstrPWL(m, "g", 1, 2, 3, breaks.data(), heights.data());
-         },
-         3},
-    };
-    for (const auto &[add, greatest] : cases) {
-        Model model = fromText(env, "max 0 x0 + 0 x1 + x2 st a: x0 + x1 <= 4 b: x0 - x1 <= 4\n"
-                                    "c: - x0 + x1 <= 4 d: - x0 - x1 <= 4\n"
-                                    "bounds x0 free x1 free x2 free");
-        MUST(model, add(model.get()));
-        EXPECT_NEAR(greatest, solved(model).second, 1e-6);
-    }
-}
-
-// The relaxation is unbounded: x0 <= 3 + x1, and x1 or x2 is 0.
-TEST(Reformulate, SetsLimitWhatTheirRelaxationDoesNot) {
-    Env env;
-    const int type = 1;
-    for (auto [least, status, value] :
-         {std::tuple(0.5, KVX_STATUS_OPTIMAL, 3.0), std::tuple(0.0, KVX_STATUS_UNBOUNDED, 0.0),
-          std::tuple(4.0, KVX_STATUS_INFEASIBLE, 0.0)}) {
-        Model model = Data{{1, 0, 0},
-                           {0, 0, least},
-                           Vector(3, inf),
-                           {},
-                           {{{1, -1, 0}, -inf, 3}, {{0, 0, 1}, 0, 3}},
-                           KVX_MAXIMIZE}
-                          .build(env);
-        MUST(model, KVXaddsos(model.get(), 1, 2, &type, &begin, operands, weights));
-        EXPECT_EQ(std::pair(status, value), solved(model));
     }
 }
 

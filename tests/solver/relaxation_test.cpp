@@ -102,6 +102,9 @@ TEST(Relaxation, RefusesWhatItCantDo) {
     };
     EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, relax(0, negative));
     EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, relax(3, nullptr));
+    setParam(model, "TimeLimit", "0");
+    EXPECT_EQ(KVX_ERROR_DATA_NOT_AVAILABLE,
+              KVXfeasrelax(model.get(), 0, 1, nullptr, nullptr, nullptr, &result));
     EXPECT_EQ(4711, result);
     EXPECT_EQ(before, described(model.get()));
 }
