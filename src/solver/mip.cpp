@@ -48,7 +48,8 @@ struct NodeWatch : CglCutGenerator {
 struct Incumbent : CbcHeuristic {
     Incumbent(CbcModel &cbc, const Run &run) : CbcHeuristic(cbc), run(run) {}
     int solution(double &objective, double *x) override {
-        if (run.best.empty() || run.sense * run.bestObjective >= objective)
+        const bool isWhole = at(model_->getNumCols()) == run.best.size(); // not a part of it
+        if (!isWhole || run.best.empty() || run.sense * run.bestObjective >= objective)
             return 0;
         objective = run.sense * run.bestObjective;
         std::copy(run.best.begin(), run.best.end(), x);
