@@ -64,7 +64,7 @@ TEST(Basis, SolvesMultiplyBack) {
     double numbers[] = {2, -1, 0.5};
     SparseVector b{3, places, numbers};
     Vector dense(rows), products(rows);
-    for (size_t k : {0, 1, 2})
+    for (size_t k : {0u, 1u, 2u})
         dense[static_cast<size_t>(places[k])] = numbers[k];
     expectEqual(dense, combined(solve([&](auto x) { return KVXFSolve(m, &b, x); }, rows)));
     const Vector y = solve([&](auto x) { return KVXBSolve(m, &b, x); }, rows);
