@@ -6,7 +6,8 @@ namespace {
 TEST(Derived, OptimaAgree) {
     Env env;
     int optimal = 0, infeasible = 0;
-    for (unsigned seed = 0; seed < 300; seed++) {
+    for (unsigned k = 0; k <= 300; k++) {
+        const unsigned seed = k < 300 ? k : 3290; // where Cbc searches a part with a solution known
         SCOPED_TRACE(seed);
         Random random(seed);
         Data data = randomData(random, random(1, 6), random(1, 6), "CI", random(0, 3) ? 0 : 3);
