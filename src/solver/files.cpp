@@ -33,7 +33,7 @@ Format formatOf(std::string_view name) {
 
 template <class Value>
 std::string writeValues(const KVXmodel &model, Value value) {
-    Index{model.vars, isWord};
+    Index known{model.vars, isWord};
     std::string text;
     for (size_t j = 0; j < model.vars.size(); j++)
         if (value(j) != KVX_UNDEFINED)
@@ -59,8 +59,8 @@ void readValues(KVXmodel &model, Source &source) {
 std::string writeBasis(const KVXmodel &model) {
     if (!model.hasBasis)
         fail(KVX_ERROR_DATA_NOT_AVAILABLE, "there is no basis");
-    Index{model.vars, isWord};
-    Index{model.constrs, isWord};
+    Index columns{model.vars, isWord};
+    Index rows{model.constrs, isWord};
     std::string text = "NAME\n";
     std::vector<const Sides *> nonbasic;
     for (const Sides &constr : model.constrs)
