@@ -19,18 +19,18 @@ record Launch(int status, String out) {
         for (Object arg : args)
             command.add(arg.toString());
         Path out = Files.createTempFile("launch", ".out");
+        Process process = new ProcessBuilder(command)
+                              .directory(directory.toFile())
+                              .redirectErrorStream(true)
+                              .redirectOutput(out.toFile())
+                              .start();
         try {
-            Process process = new ProcessBuilder(command)
-                                  .directory(directory.toFile())
-                                  .redirectErrorStream(true)
-                                  .redirectOutput(out.toFile())
-                                  .start();
-            if (!process.waitFor(120, TimeUnit.SECONDS)) {
-                process.destroyForcibly();
+            if (!process.waitFor(120, TimeUnit.SECONDS))
                 throw new AssertionError(command + " doesn't end");
-            }
             return new Launch(process.exitValue(), new String(Files.readAllBytes(out)).strip());
         } finally {
+            process.descendants().forEach(ProcessHandle::destroyForcibly);
+            process.destroyForcibly();
             Files.delete(out);
         }
     }

@@ -114,8 +114,15 @@ class RunTest extends EnvCase {
             KVXModel model = Models.marketSplit(Models.quietEnv(), 12, 1, 3);
             model.params().set("LazyConstraints", 1);
             model.setCallback(context -> {
-                while (context.where() == KVX.CB_MIPSOL)
-                    hoard = new Object[] {hoard};
+                for (int length = 1 << 20; context.where() == KVX.CB_MIPSOL; length /= 2) {
+                    try {
+                        while (true) // large blocks first, which are few to be collected
+                            hoard = new Object[] {hoard, new byte[length]};
+                    } catch (OutOfMemoryError e) {
+                        if (length == 0)
+                            throw e;
+                    }
+                }
             });
             try {
                 run(model, Boolean.parseBoolean(args[0]));
