@@ -178,7 +178,9 @@ ModelData feasibility(const KVXmodel &model) {
 int KVXcopymodeltoenv(KVXmodel *model, KVXenv *env, KVXmodel **newP) {
     return guarded(model, [&] {
         needed(newP, "newP");
-        *newP = makeModel(*needed(env, "env"), *model).release();
+        if (env == nullptr)
+            fail(KVX_ERROR_INVALID_ARGUMENT, "the environment is null");
+        *newP = makeModel(*env, *model).release();
     });
 }
 

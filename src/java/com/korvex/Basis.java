@@ -13,7 +13,8 @@ public final class Basis extends ModelPart {
     /**
      * Reads which variables are basic.
      *
-     * @return a variable index a constraint
+     * @return a variable index a constraint; none, with a basis or without, in a model without
+     *     constraints
      */
     public int[] head() {
         return model.together(m -> {
