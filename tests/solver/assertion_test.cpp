@@ -16,6 +16,8 @@ namespace {
 using namespace korvex;
 
 TEST(Assertion, EndsARunInAnError) {
+    if (CLP_VERSION_RELEASE >= 10)
+        GTEST_SKIP() << "Debian 13 has a Clp without assertions";
     const int index = 0;
     const double value = 1;
     OsiClpSolverInterface odd; // COIN's solvers assert that no cost is so large.
