@@ -57,6 +57,27 @@ commercial() {
         rm -r build' >>"$root.log" 2>&1
 }
 
+# README's commands as they stand and in their order, then those that it names. A copy of the
+# development solver stands in for the commercial library.
+readme() {
+    # shellcheck disable=SC2016
+    inside bash -euc 'mkdir -p /opt/korvex/lib
+        cp build/default/lib/libkorvex130.so /opt/korvex/lib
+        sed -n "/^\`\`\`java/,/^\`\`\`\$/p" README.md | sed "1d; \$d" >Bakery.java
+        sed s/Bakery/YourProgram/ Bakery.java >YourProgram.java
+        javac -cp build/default/lib/korvex.jar YourProgram.java
+        sed -n "s/^[$] //p" README.md | grep -v "^\./run test" >commands
+        . ./commands
+        for name in $(sed -n "/^| Name /,/^\$/s/^| .\([A-Z][A-Za-z]*\).*/\1/p" README.md); do
+            ./run example "$name"
+        done
+        ./run solve --help
+        ./run docs
+        if ./run package; then exit 1; fi
+        cmake --preset default -DKORVEX_SOLVER_LIBRARY=
+        ./run package' >>"$root.log" 2>&1
+}
+
 # lively COMMAND...: what packages say isn't on the screen, which is never still for long.
 lively() {
     "$@" 2>&1 | {
@@ -111,6 +132,7 @@ for suite in "$@"; do
     timed "size" small
     # clang's native tests are built already.
     timed "tests built by clang" inside ctest --preset clang -R '^native_test$'
+    timed "README's commands" readme
     if [ "$suite" = bookworm ]; then
         timed "other presets" presets debug asan tsan
         timed "a new native" inside tests/new_native.sh
