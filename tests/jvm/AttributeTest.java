@@ -89,6 +89,8 @@ class AttributeTest extends EnvCase {
             assertEquals("3.0 1.0", model.getDouble("ObjCon") + " " + model.getDouble("UB", 4));
             // An array so long is made only if the model fills it.
             fails(KVX.ERROR_INDEX_OUT_OF_RANGE, () -> model.getInts("VarBasis", 1, 0x7fffffff));
+            assertThrows(IndexOutOfBoundsException.class,
+                         () -> model.getStrings("VarName", 1 << 31, 0x7fffffff));
         }
     }
 

@@ -24,6 +24,12 @@ final class Check {
             throw new IllegalArgumentException(parameter + " is negative: " + value);
     }
 
+    /** Checks where a range begins; where it may end, the solver knows. */
+    static void start(int start) {
+        if (start < 0)
+            throw new IndexOutOfBoundsException("start " + start);
+    }
+
     /** A text for native code, where a character U+0000 can't be told from the end; may be null. */
     static String text(String parameter, String text) {
         if (text != null && text.indexOf('\0') >= 0)

@@ -63,8 +63,7 @@ abstract class ModelCalls {
 
     /** A count of 0 would stand for one element: then the name alone is looked at. */
     <A> A ofRange(Access<A> access, String attribute, int start, int count, A values) {
-        if (start < 0)
-            throw new IndexOutOfBoundsException("start " + start);
+        Check.start(start);
         call(model
              -> count == 0 ? KorvexJni.getattrinfo(model, attribute, new int[3])
                            : access.values(model, attribute, start, count, null, values));
@@ -81,6 +80,7 @@ abstract class ModelCalls {
 
     <A> A read(Access<A> access, String attribute, int start, int count, IntFunction<A> array) {
         Check.notNegative("count", count);
+        Check.start(start);
         if (count >= LONG) {
             int there = together(model -> count(model, counterOf(model, attribute)));
             if (start > there - count)
