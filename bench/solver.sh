@@ -37,8 +37,7 @@ solving() {
 
 {
     if [ ${#files[@]} = 0 ]; then
-        "$bench" building && echo
-        "$bench" patterns && echo
+        "$bench" && echo
         awk -v directory=models -f "$here/models.awk"
         files=(models/*.lp)
     fi
