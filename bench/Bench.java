@@ -6,6 +6,7 @@ import com.korvex.SparseMatrix;
 import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.Collections;
+import java.util.HashMap;
 import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
@@ -14,7 +15,7 @@ import java.util.function.IntSupplier;
 /**
  * Times calls through the bridge against the floor, the limit and the peers named as arguments, all
  * on a solver that does nothing. Prints "workload items variant nanoseconds" lines: the least of
- * many rounds.
+ * many rounds, with the floor first.
  */
 public final class Bench {
     /** Another way from Java to native code: adds its variants where it has any. */
@@ -65,42 +66,40 @@ public final class Bench {
             if (!(name + " " + items).matches(WORKLOADS))
                 return;
             System.err.printf("\r%-20s %9d", name, items);
-            Map<String, Double> least = new LinkedHashMap<>();
-            Map<String, Integer> times = new LinkedHashMap<>();
+            Map<String, Double> least = new HashMap<>();
+            Map<String, Integer> times = new HashMap<>();
             calls.forEach((variant, call) -> times.put(variant, timesInRound(call)));
             // In changing order, since a call leaves the heap to the next as its frees left it.
             List<String> order = new ArrayList<>(calls.keySet());
             long end = System.nanoTime() + VARIANT * order.size();
             for (int round = 0; round < 5 || System.nanoTime() < end; round++) {
                 Collections.shuffle(order);
-                for (String variant : order) {
-                    int count = times.get(variant);
-                    double taken = (double)time(calls.get(variant), count) / count;
-                    least.merge(variant, taken, Math::min);
-                }
+                for (String variant : order)
+                    least.merge(variant, time(calls.get(variant), times.get(variant)), Math::min);
             }
-            least.forEach(
-                (variant, ns) -> System.out.printf("%s %d %s %.1f%n", name, items, variant, ns));
+            for (String variant : calls.keySet())
+                System.out.printf("%s %d %s %.1f%n", name, items, variant, least.get(variant));
         }
 
         private int timesInRound(IntSupplier call) {
             for (long end = System.nanoTime() + WARM_UP; items <= 10 && System.nanoTime() < end;)
                 time(call, 100);
             int times = 1;
-            while (times < 1 << 20 && time(call, times) < ROUND)
+            while (times < 1 << 20 && time(call, times) * times < ROUND)
                 times *= 2;
             return times;
         }
 
-        private static long time(IntSupplier call, int times) {
+        /** Nanoseconds of one of so many calls. */
+        private static double time(IntSupplier call, int times) {
             int status = 0;
             long begin = System.nanoTime();
             for (int k = 0; k < times; k++)
                 status |= call.getAsInt();
-            long taken = System.nanoTime() - begin;
+            double taken = System.nanoTime() - begin;
             if (status != 0)
                 throw new IllegalStateException("status " + status);
-            return taken;
+            return taken / times;
         }
     }
 

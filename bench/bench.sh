@@ -52,7 +52,28 @@ for k in $(seq "$machines"); do
 done
 echo >&2
 
-awk -v chart=chart.data -f "$source/report.awk" results | tee table.md
+# Medians over the virtual machines, of two the lesser: p49. A ratio is to the first variant in the
+# same machine.
+columns=Workload,Items,ns,floor,control,bridge,checked,checks,limit
+columns+=,jna,swig-arrays,swig-elements,ffm,glpk-java
+mlr --inidx --ifs ' ' --omd label machine,Workload,Items,variant,ns \
+    then put '@first[$machine][$Workload][$Items] ??= $ns;
+        $ratio = $ns / @first[$machine][$Workload][$Items]' \
+    then stats1 -a p49,min,max -f ns,ratio -g Workload,Items,variant \
+    then tee --onidx chart.data \
+    then put 'func two(num x) { return fmtnum(x, "%.2f") }
+        @first[$Workload][$Items] ??= fmtnum($ns_p49, "%.0f");
+        $ns = @first[$Workload][$Items];
+        $ratio = $ratio_min == 1 && $ratio_max == 1 ? 1 :
+            format("{} ({}-{})", two($ratio_p49), two($ratio_min), two($ratio_max))' \
+    then cut -f Workload,Items,ns,variant,ratio then reshape -s variant,ratio \
+    then template -f "$columns" results | tee table.md
+awk '$1 == "addvars" && $2 == 1000000 { ns[$3] = $4 }
+    END {
+        if (ns["checks"] && ns["checked"])
+            printf "\nChecks, of a checked call of 10^6 nonzeros: %.1f %%\n",
+                100 * ns["checks"] / ns["checked"]
+    }' chart.data
 gnuplot -e "data='chart.data'; output='chart.svg'" "$source/chart.gp"
 printf '\nInstructions (in all, in the library itself), with doubles that do nothing\n\n'
 LD_LIBRARY_PATH=$out valgrind -q --tool=callgrind --callgrind-out-file=counts --combine-dumps=yes \

@@ -5,9 +5,8 @@
 #include "com_korvex_KVXModel.h"
 #include "com_korvex_KorvexJni.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #include <valgrind/callgrind.h>
@@ -63,24 +62,29 @@ Array array(std::vector<Element> &elements) {
 
 // One call to warm up, which binds symbols and fills the allocator's caches, and one to count.
 template <class Function, class... Arguments>
-void count(const char *name, Function *function, Arguments... arguments) {
+void count(const std::string &name, Function *function, Arguments... arguments) {
     function(arguments...);
     CALLGRIND_ZERO_STATS;
     function(arguments...);
-    CALLGRIND_DUMP_STATS_AT(name);
+    CALLGRIND_DUMP_STATS_AT(name.c_str());
 }
 
-template <class Function>
-void addVariables(const char *name, Function *addvars, JNIEnv *jni, jint numvars, jint numnz) {
+template <class Function, class... Arguments>
+void countBoth(const std::string &name, Function *bridge, Function *floor, Arguments... arguments) {
+    count(name + " bridge", bridge, arguments...);
+    count(name + " floor", floor, arguments...);
+}
+
+void countAdding(const std::string &name, JNIEnv *jni, jint numvars, jint numnz) {
     const auto vars = static_cast<size_t>(numvars), nonzeros = static_cast<size_t>(numnz);
     std::vector<jint> ints(nonzeros);
     std::vector<jdouble> doubles(nonzeros);
     std::vector<jchar> types(vars);
     std::vector<const char *> names(vars, "x");
     const auto reals = array<jdoubleArray>(doubles);
-    count(name, addvars, jni, nullptr, jlong{1}, numvars, numnz, array<jintArray>(ints),
-          array<jintArray>(ints), reals, reals, reals, reals, array<jcharArray>(types),
-          array<jobjectArray>(names));
+    countBoth(name, Java_com_korvex_KorvexJni_addvars, Java_Floor_addvars, jni, nullptr, jlong{1},
+              numvars, numnz, array<jintArray>(ints), array<jintArray>(ints), reals, reals, reals,
+              reals, array<jcharArray>(types), array<jobjectArray>(names));
 }
 
 } // namespace
@@ -90,29 +94,25 @@ int main() {
     JNIEnv env = {&functions};
     JNIEnv *const jni = &env;
     std::vector<jint> slot(1);
-    std::vector<jobject> self(1);
-    char text[] = "Threads";
+    char text[] = "Threads", self[] = "self";
     const auto name = reinterpret_cast<jstring>(text);
     const auto value = array<jintArray>(slot);
-    const auto object = reinterpret_cast<jobject>(self.data());
+    const auto object = reinterpret_cast<jobject>(self);
 
     count("attribute bridge", Java_com_korvex_KorvexJni_getintattrlist, jni, nullptr, jlong{1},
           name, 0, -1, nullptr, value);
     count("attribute floor", Java_Floor_getintattr, jni, nullptr, jlong{1}, name, value);
-    count("parameter bridge", Java_com_korvex_KorvexJni_setintparam, jni, nullptr, jlong{1}, name,
-          1);
-    count("parameter floor", Java_Floor_setintparam, jni, nullptr, jlong{1}, name, 1);
-    addVariables("addvars5 bridge", Java_com_korvex_KorvexJni_addvars, jni, 1, 5);
-    addVariables("addvars5 floor", Java_Floor_addvars, jni, 1, 5);
-    addVariables("addvars1000 bridge", Java_com_korvex_KorvexJni_addvars, jni, 200, 1000);
-    addVariables("addvars1000 floor", Java_Floor_addvars, jni, 200, 1000);
-    count("updatemodel bridge", Java_com_korvex_KorvexJni_updatemodel, jni, nullptr, jlong{1});
-    count("updatemodel floor", Java_Floor_updatemodel, jni, nullptr, jlong{1});
+    countBoth("parameter", Java_com_korvex_KorvexJni_setintparam, Java_Floor_setintparam, jni,
+              nullptr, jlong{1}, name, 1);
+    countAdding("addvars5", jni, 1, 5);
+    countAdding("addvars1000", jni, 200, 1000);
+    countBoth("updatemodel", Java_com_korvex_KorvexJni_updatemodel, Java_Floor_updatemodel, jni,
+              nullptr, jlong{1});
     // Binding and releasing belong to the run: what an upcall costs is what hundred more add.
-    for (const int upcalls : {0, 100}) {
-        const auto model = static_cast<jlong>(upcalls);
-        count(upcalls == 0 ? "run bridge" : "run100 bridge", Java_com_korvex_KVXModel_jnioptimize,
-              jni, object, model, 1, 0, nullptr, nullptr, 0);
-        count(upcalls == 0 ? "run floor" : "run100 floor", Java_Floor_optimize, jni, object, model);
+    for (const jlong upcalls : {0, 100}) {
+        const std::string run = upcalls == 0 ? "run" : "run100";
+        count(run + " bridge", Java_com_korvex_KVXModel_jnioptimize, jni, object, upcalls, 1, 0,
+              nullptr, nullptr, 0);
+        count(run + " floor", Java_Floor_optimize, jni, object, upcalls);
     }
 }
