@@ -37,7 +37,8 @@ solving() {
 
 {
     if [ ${#files[@]} = 0 ]; then
-        "$bench" && echo
+        "$bench"
+        echo
         awk -v directory=models -f "$here/models.awk"
         files=(models/*.lp)
     fi
