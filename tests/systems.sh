@@ -133,6 +133,7 @@ for suite in "$@"; do
     # clang's native tests are built already.
     timed "tests built by clang" inside ctest --preset clang -R '^native_test$'
     timed "README's commands" readme
+    timed "./run test-packages" inside ./run test-packages
     if [ "$suite" = bookworm ]; then
         timed "other presets" presets debug asan tsan
         timed "a new native" inside tests/new_native.sh
