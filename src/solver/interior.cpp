@@ -15,6 +15,7 @@ namespace korvex {
 namespace {
 
 using Dense = Eigen::VectorXd;
+using Array = Eigen::ArrayXd;
 using Sparse = Eigen::SparseMatrix<double>;
 using Entry3 = Eigen::Triplet<double>;
 using Factors =
@@ -37,343 +38,285 @@ Sparse hessian(const Problem &problem) {
     return result;
 }
 
-// One of the finite bounds of a quantity: w is the distance from it, z its multiplier.
-struct Side {
-    int of;
-    double sign; // 1: lower, -1: upper
-    double bound;
-    double w, z = 1, dw = 0, dz = 0;
-    double beyond(const Dense &v) const { return sign * (v[of] - bound) - w; }
-};
-
-// Minimises x'Qx / 2 + c'x over bounds of the quantities (x, Ax): the columns that aren't fixed and
-// the rows that have sides, all of them scaled.
-class InteriorPoint {
-  public:
-    explicit InteriorPoint(const Problem &problem);
-
-    // Goes on until it comes no nearer to an optimum, or the run has to end.
-    void solve(Run &run);
-
-    std::vector<double> x, multipliers; // the best found, of the problem's columns and rows
-
-  private:
-    void select();
-    void scale();
-    void analyze();
-    void begin(double distance);
-    void approach(Run &run, bool isCautious);
-    void report(Run &run, int iteration);
-    double measure();
-    bool factorize();
-    Dense solveSystem(const Dense &right) const;
-    template <class Target>
-    double direction(Target target);
-    double gap(double step) const;
-    void keep();
-
-    const Problem &problem;
-    std::vector<int> columns, rows; // of the problem
-    int n = 0, m = 0;               // their numbers
-    Sparse Q, A;
-    Dense c, lower, upper, scales; // c of the columns, the others of columns and rows
-    double costScale = 1, regularization = 0;
-    double least = COIN_DBL_MAX; // the best point's distance from an optimum
-
-    std::vector<Side> sides;
-    Dense v, y, dv, dy;      // quantities, multipliers of the rows, and their steps
-    Dense dual, primal;      // residuals
-    Sparse system;           // Q and A, without what the sides add to the diagonal
-    Dense weights, diagonal; // Sums of z / w; what they add
-    Factors factors;
-};
-
-InteriorPoint::InteriorPoint(const Problem &given)
-    : x(given.cost.size()), multipliers(given.rowLower.size()), problem(given) {
-    select();
-    scale();
-    analyze();
-}
-
-// A row for each of those that are picked, with a 1 at its place.
-Sparse picking(const std::vector<int> &picked, size_t size) {
-    Sparse result(intSize(picked.size()), intSize(size));
-    for (size_t k = 0; k < picked.size(); k++)
-        result.insert(intSize(k), picked[k]) = 1;
-    return result;
-}
-
 Eigen::Map<const Dense> dense(const std::vector<double> &values) {
     return {values.data(), intSize(values.size())};
 }
 
-// Leaves out fixed columns, at their value, and rows without sides.
-void InteriorPoint::select() {
-    constexpr double nearlyFixed = 1e-10; // There has to be something between two bounds.
-    auto isFixed = [](double low, double high) {
-        return high - low <= nearlyFixed * std::max(1.0, std::abs(low));
-    };
-    for (size_t j = 0; j < x.size(); j++)
-        if (isFixed(problem.lower[j], problem.upper[j]))
-            x[j] = problem.lower[j];
-        else
-            columns.push_back(intSize(j));
-    for (size_t i = 0; i < multipliers.size(); i++)
-        if (problem.rowLower[i] > -COIN_DBL_MAX || problem.rowUpper[i] < COIN_DBL_MAX)
-            rows.push_back(intSize(i));
-    n = intSize(columns.size());
-    m = intSize(rows.size());
-    const Sparse ofColumns = picking(columns, x.size()), ofRows = picking(rows, multipliers.size());
-    const CoinPackedMatrix &all = problem.matrix;
-    const Eigen::Map<const Sparse> coefficients(
-        all.getNumRows(), all.getNumCols(), all.getNumElements(), all.getVectorStarts(),
-        all.getIndices(), all.getElements(), all.getVectorLengths());
-    Q = ofColumns * hessian(problem) * ofColumns.transpose();
-    A = ofRows * coefficients * ofColumns.transpose();
-    const std::vector<double> gradient = problem.gradient(x);
-    const Dense activity = coefficients * dense(x);
-    c = ofColumns * dense(gradient);
-    lower.resize(n + m);
-    upper.resize(n + m);
-    lower << ofColumns * dense(problem.lower), ofRows * (dense(problem.rowLower) - activity);
-    upper << ofColumns * dense(problem.upper), ofRows * (dense(problem.rowUpper) - activity);
-    for (int k = n; k < n + m; k++)
-        if (isFixed(lower[k], upper[k]))
-            upper[k] = lower[k];
-}
+// Minimises x'Qx / 2 + c'x over bounds of the quantities (x, Ax), columns and rows, all of them
+// scaled. What mustn't move or count has the scale 0 and no bounds.
+class InteriorPoint {
+  public:
+    explicit InteriorPoint(const Problem &problem)
+        : x(problem.cost.size()), multipliers(problem.rowLower.size()), problem(problem) {
+        select();
+        scale();
+        analyze();
+    }
 
-// Brings the largest number of every row and column of the system near to 1.
-void InteriorPoint::scale() {
-    scales = Dense::Ones(n + m);
-    for (int round = 0; round < 10; round++) {
-        Dense largest = Dense::Zero(n + m);
-        auto see = [&](const Sparse &matrix, int first) {
-            for (int j = 0; j < n; j++)
-                for (Sparse::InnerIterator entry(matrix, j); entry; ++entry) {
-                    const int i = first + static_cast<int>(entry.row());
-                    const double size = std::abs(entry.value()) * scales[i] * scales[j];
-                    largest[i] = std::max(largest[i], size);
-                    largest[j] = std::max(largest[j], size);
-                }
+    // Goes on until it comes no nearer to an optimum, or the run has to end. Where the predictor
+    // leads nowhere, short steps in the middle of the way come to the optimum. Which regularization
+    // the factors can do with differs.
+    void solve(Run &run) {
+        const struct {
+            double regularization, distance;
+            bool isCautious;
+        } attempts[] = {{1e-10, 1, false},   {1e-7, 1, false},  {1e-10, 10, false},
+                        {1e-10, 100, false}, {1e-8, 100, true}, {1e-11, 100, true},
+                        {1e-6, 100, true}};
+        for (auto [smallest, distance, isCautious] : attempts)
+            if (least > enough && !run.stopped()) {
+                regularization = smallest;
+                begin(distance);
+                approach(run, isCautious);
+            }
+    }
+
+    std::vector<double> x, multipliers; // the best found, of the problem's columns and rows
+
+  private:
+    static bool isFinite(double bound) { return std::abs(bound) < COIN_DBL_MAX / 2; }
+
+    // Fixed columns stay at their value, and rows without sides don't count.
+    void select() {
+        constexpr double nearlyFixed = 1e-10; // There has to be something between two bounds.
+        auto isFixed = [&](int k) {
+            return upper[k] - lower[k] <= nearlyFixed * std::max(1.0, std::abs(lower[k]));
         };
-        see(Q, 0);
-        see(A, n);
-        for (int k = 0; k < n + m; k++)
-            if (largest[k] > 0)
-                scales[k] /= std::sqrt(largest[k]);
-    }
-    const auto ofColumns = scales.head(n).asDiagonal();
-    Q = ofColumns * Q * ofColumns;
-    A = scales.tail(m).asDiagonal() * A * ofColumns;
-    c = ofColumns * c;
-    double largest = n > 0 ? c.cwiseAbs().maxCoeff() : 0;
-    for (int k = 0; k < Q.nonZeros(); k++)
-        largest = std::max(largest, std::abs(Q.valuePtr()[k]));
-    costScale = largest > 0 ? 1 / largest : 1;
-    Q *= costScale;
-    c *= costScale;
-    for (int k = 0; k < n + m; k++) {
-        const double factor = k < n ? 1 / scales[k] : scales[k];
-        for (double *bound : {&lower[k], &upper[k]})
-            *bound = std::abs(*bound) < COIN_DBL_MAX / 2 ? *bound * factor : *bound;
-    }
-}
-
-void InteriorPoint::analyze() {
-    std::vector<Entry3> entries;
-    for (int j = 0; j < n; j++) {
-        for (Sparse::InnerIterator entry(Q, j); entry; ++entry)
-            if (entry.row() >= j)
-                entries.emplace_back(entry.row(), j, entry.value());
-        for (Sparse::InnerIterator entry(A, j); entry; ++entry)
-            entries.emplace_back(n + entry.row(), j, entry.value());
-    }
-    for (int k = 0; k < n + m; k++)
-        entries.emplace_back(k, k, 0);
-    system.resize(n + m, n + m);
-    system.setFromTriplets(entries.begin(), entries.end());
-    factors.analyzePattern(system);
-}
-
-// All sides are that far away, or further.
-void InteriorPoint::begin(double distance) {
-    sides.clear();
-    v.resize(n + m);
-    y = Dense::Zero(m);
-    for (int k = 0; k < n + m; k++)
-        v[k] = std::clamp(0.0, lower[k], upper[k]);
-    for (int k = 0; k < n + m; k++)
-        if (lower[k] < upper[k])
-            for (double sign : {1.0, -1.0})
-                if (const double bound = sign > 0 ? lower[k] : upper[k];
-                    std::abs(bound) < COIN_DBL_MAX / 2)
-                    sides.push_back(
-                        {k, sign, bound, std::max(distance, sign * (v[k] - bound)), distance});
-}
-
-// How far the point is from an optimum: the largest residual or the gap.
-double InteriorPoint::measure() {
-    const Dense x = v.head(n), Qx = Q * x;
-    dual.resize(n + m);
-    dual << Qx + c - A.transpose() * y, y;
-    primal = A * x - v.tail(m);
-    double worst = 0;
-    for (const Side &side : sides) {
-        dual[side.of] -= side.sign * side.z;
-        worst = std::max(worst, std::abs(side.beyond(v)) / (1 + std::abs(side.bound)));
-    }
-    for (int i = 0; i < m; i++) {
-        if (lower[n + i] == upper[n + i])
-            dual[n + i] = 0;
-        worst = std::max(worst, std::abs(primal[i]) / (1 + std::abs(v[n + i])));
-    }
-    for (int k = 0; k < n + m; k++)
-        worst = std::max(worst, std::abs(dual[k]) / (1 + (k < n ? std::abs(Qx[k]) : 0)));
-    return std::max(worst, gap(0) / (1 + std::abs(x.dot(Qx) / 2 + c.dot(x))));
-}
-
-// The sum of the products w z after a step.
-double InteriorPoint::gap(double step) const {
-    double sum = 0;
-    for (const Side &side : sides)
-        sum += (side.w + step * side.dw) * (side.z + step * side.dz);
-    return sum;
-}
-
-bool InteriorPoint::factorize() {
-    weights = diagonal = Dense::Zero(n + m);
-    for (const Side &side : sides)
-        weights[side.of] += side.z / side.w;
-    for (int k = 0; k < n + m; k++)
-        diagonal[k] = k < n ? weights[k] : weights[k] > 0 ? -1 / weights[k] : 0;
-    for (double extra = regularization; extra < mostRegularization; extra *= 100) {
-        Sparse whole = system;
-        for (int k = 0; k < n + m; k++)
-            whole.coeffRef(k, k) += diagonal[k] + (k < n ? extra : -extra);
-        factors.factorize(whole);
-        if (factors.info() == Eigen::Success)
-            return true;
-    }
-    return false; // A pivot has been 0 each time.
-}
-
-// Refines the solution of the regularised system to one of the system itself, as far as it comes.
-Dense InteriorPoint::solveSystem(const Dense &right) const {
-    Dense best = Dense::Zero(n + m), rest = right;
-    for (int round = 0; round < 8; round++) {
-        Dense next = best + factors.solve(rest);
-        Dense left =
-            right - system.selfadjointView<Eigen::Lower>() * next - diagonal.cwiseProduct(next);
-        if (!(left.lpNorm<Eigen::Infinity>() < 0.9 * rest.lpNorm<Eigen::Infinity>()))
-            break;
-        best.swap(next);
-        rest.swap(left);
-    }
-    return best;
-}
-
-// Newton's direction towards products w z that change by what the target says, and the largest
-// step in it.
-template <class Target>
-double InteriorPoint::direction(Target target) {
-    Dense push = -dual;
-    for (const Side &side : sides)
-        push[side.of] += side.sign * (target(side) - side.z * side.beyond(v)) / side.w;
-    Dense right(n + m);
-    right << push.head(n), -primal - diagonal.tail(m).cwiseProduct(push.tail(m));
-    const Dense solution = solveSystem(right);
-    dv.resize(n + m);
-    dv << solution.head(n), A * solution.head(n) + primal;
-    dy = -solution.tail(m);
-    for (int i = 0; i < m; i++)
-        if (lower[n + i] == upper[n + i])
-            dv[n + i] = 0;
-    double step = 1e10;
-    for (Side &side : sides) {
-        side.dw = side.sign * dv[side.of] + side.beyond(v);
-        side.dz = (target(side) - side.z * side.dw) / side.w;
-        if (side.dw < 0)
-            step = std::min(step, -side.w / side.dw);
-        if (side.dz < 0)
-            step = std::min(step, -side.z / side.dz);
-    }
-    return step;
-}
-
-// Where the predictor leads nowhere, short steps in the middle of the way come to the optimum.
-// Which regularization the factors can do with differs.
-void InteriorPoint::solve(Run &run) {
-    const struct {
-        double regularization, distance;
-        bool isCautious;
-    } attempts[] = {{1e-10, 1, false}, {1e-7, 1, false},   {1e-10, 10, false}, {1e-10, 100, false},
-                    {1e-8, 100, true}, {1e-11, 100, true}, {1e-6, 100, true}};
-    for (auto [smallest, distance, isCautious] : attempts)
-        if (least > enough && !run.stopped()) {
-            regularization = smallest;
-            begin(distance);
-            approach(run, isCautious);
+        const CoinPackedMatrix &matrix = problem.matrix;
+        A = Eigen::Map<const Sparse>(m, n, matrix.getNumElements(), matrix.getVectorStarts(),
+                                     matrix.getIndices(), matrix.getElements(),
+                                     matrix.getVectorLengths());
+        lower << dense(problem.lower), dense(problem.rowLower);
+        upper << dense(problem.upper), dense(problem.rowUpper);
+        for (int j = 0; j < n; j++)
+            if (isFixed(j)) {
+                x[at(j)] = lower[j];
+                scales[j] = 0;
+                lower[j] = -COIN_DBL_MAX;
+                upper[j] = COIN_DBL_MAX;
+            }
+        fixed = dense(x);
+        c = dense(problem.gradient(x));
+        lower.tail(m) -= A * fixed;
+        upper.tail(m) -= A * fixed;
+        for (int k = n; k < n + m; k++) {
+            if (isFixed(k))
+                moves[k] = 0;
+            scales[k] = isFinite(lower[k]) || isFinite(upper[k]) ? 1 : 0;
         }
-}
+    }
 
-void InteriorPoint::approach(Run &run, bool isCautious) {
-    double nearest = COIN_DBL_MAX;
-    for (int k = 0, bestK = 0; k < mostIterations && k < bestK + patience; k++) {
-        const double error = measure();
-        if (!(error < COIN_DBL_MAX))
-            break;
-        if (error < nearest) {
-            nearest = error;
-            bestK = k;
+    // Brings the largest number of every row and column of the system near to 1.
+    void scale() {
+        for (int round = 0; round < 10; round++) {
+            Dense largest = Dense::Zero(n + m);
+            auto see = [&](const Sparse &matrix, int first) {
+                for (int j = 0; j < n; j++)
+                    for (Sparse::InnerIterator entry(matrix, j); entry; ++entry) {
+                        const int i = first + static_cast<int>(entry.row());
+                        const double size = std::abs(entry.value()) * scales[i] * scales[j];
+                        largest[i] = std::max(largest[i], size);
+                        largest[j] = std::max(largest[j], size);
+                    }
+            };
+            see(Q, 0);
+            see(A, n);
+            for (int k = 0; k < n + m; k++)
+                if (largest[k] > 0)
+                    scales[k] /= std::sqrt(largest[k]);
         }
-        if (error < least) {
-            least = error;
-            keep();
+        const auto ofColumns = scales.head(n).asDiagonal();
+        Q = ofColumns * Q * ofColumns;
+        A = scales.tail(m).asDiagonal() * A * ofColumns;
+        Q.prune(0.0);
+        A.prune(0.0);
+        c = ofColumns * c;
+        double largest = c.lpNorm<Eigen::Infinity>();
+        for (int k = 0; k < Q.nonZeros(); k++)
+            largest = std::max(largest, std::abs(Q.valuePtr()[k]));
+        costScale = largest > 0 ? 1 / largest : 1;
+        Q *= costScale;
+        c *= costScale;
+    }
+
+    void analyze() {
+        std::vector<Entry3> entries, signs;
+        for (int j = 0; j < n; j++) {
+            for (Sparse::InnerIterator entry(Q, j); entry; ++entry)
+                if (entry.row() >= j)
+                    entries.emplace_back(entry.row(), j, entry.value());
+            for (Sparse::InnerIterator entry(A, j); entry; ++entry)
+                entries.emplace_back(n + entry.row(), j, entry.value());
         }
-        report(run, k);
-        if (run.stopped() || error <= accuracy || !factorize())
-            break;
-        const double mean = sides.empty() ? 0 : gap(0) / static_cast<double>(sides.size());
-        auto towards = [&](double aim) {
-            return direction([&](const Side &side) { return aim - side.w * side.z; });
+        std::vector<double> ends;
+        for (int k = 0; k < n + m; k++) {
+            entries.emplace_back(k, k, 0);
+            for (auto [sign, bound] : {std::pair(1.0, &lower[k]), std::pair(-1.0, &upper[k])}) {
+                if (!isFinite(*bound))
+                    continue;
+                *bound *= k < n ? 1 / scales[k] : scales[k];
+                if (moves[k] == 0)
+                    continue;
+                signs.emplace_back(intSize(ends.size()), k, sign);
+                ends.push_back(sign * *bound);
+            }
+        }
+        system.resize(n + m, n + m);
+        system.setFromTriplets(entries.begin(), entries.end());
+        factors.analyzePattern(system);
+        sides.resize(intSize(ends.size()), n + m);
+        sides.setFromTriplets(signs.begin(), signs.end());
+        bounds = dense(ends);
+    }
+
+    // All sides are that far away, or further.
+    void begin(double distance) {
+        v = lower.cwiseMax(0).cwiseMin(upper);
+        y.setZero(m);
+        w = (sides * v - bounds).cwiseMax(distance);
+        z.setConstant(bounds.size(), distance);
+    }
+
+    // How far the point is from an optimum: the gap and the largest residual.
+    double measure() {
+        auto relative = [](const Dense &residual, const Dense &size) {
+            return residual.cwiseQuotient((1 + size.array().abs()).matrix())
+                .lpNorm<Eigen::Infinity>();
         };
-        const double reach = std::min(1.0, towards(0));
-        const double ratio = sides.empty() ? 0 : gap(reach) / gap(0);
-        const double aim = mean * ratio * ratio * ratio;
-        const std::vector<Side> predicted = sides;
-        double step = isCautious ? 0 : direction([&](const Side &side) {
-            const Side &p = predicted[static_cast<size_t>(&side - sides.data())];
-            return aim - side.w * side.z - p.dw * p.dz;
-        });
-        if (step < 0.1)
-            step = towards(std::max(aim, 0.3 * mean));
-        step = std::min(1.0, (isCautious ? 0.9 : 0.995) * step);
-        v += step * dv;
-        y += step * dy;
-        for (Side &side : sides) {
-            side.w += step * side.dw;
-            side.z += step * side.dz;
+        const Dense x = v.head(n), Qx = Q * x;
+        beyond = (sides * v - bounds).array() - w;
+        primal = A * x - v.tail(m);
+        dual << Qx + c - A.transpose() * y, y;
+        dual = moves.cwiseProduct(dual - sides.transpose() * z.matrix());
+        return (w * z).sum() / (1 + std::abs(x.dot(Qx) / 2 + c.dot(x))) +
+               std::max({relative(beyond, bounds), relative(primal, v.tail(m)),
+                         relative(dual.head(n), Qx), dual.tail(m).lpNorm<Eigen::Infinity>()});
+    }
+
+    bool factorize() {
+        diagonal = sides.cwiseAbs().transpose() * (z / w).matrix();
+        for (double &entry : diagonal.tail(m))
+            entry = entry > 0 ? -1 / entry : 0;
+        Dense signs = Dense::Ones(n + m);
+        signs.tail(m) *= -1;
+        for (double extra = regularization; extra < mostRegularization; extra *= 100) {
+            Sparse whole = system;
+            whole.diagonal() += diagonal + extra * signs;
+            factors.factorize(whole);
+            if (factors.info() == Eigen::Success)
+                return true;
+        }
+        return false; // A pivot has been 0 each time.
+    }
+
+    // Refines the solution of the regularised system to one of the system itself, as far as it
+    // comes.
+    Dense solveSystem(const Dense &right) const {
+        Dense best = Dense::Zero(n + m), rest = right;
+        for (int round = 0; round < 8; round++) {
+            Dense next = best + factors.solve(rest);
+            Dense left =
+                right - system.selfadjointView<Eigen::Lower>() * next - diagonal.cwiseProduct(next);
+            if (!(left.lpNorm<Eigen::Infinity>() < 0.9 * rest.lpNorm<Eigen::Infinity>()))
+                break;
+            best.swap(next);
+            rest.swap(left);
+        }
+        return best;
+    }
+
+    // Newton's direction towards products w z that change by so much, and the largest step in it.
+    double direction(const Array &change) {
+        const Dense push = sides.transpose() * ((change - z * beyond) / w).matrix() - dual;
+        Dense right(n + m);
+        right << push.head(n), -primal - diagonal.tail(m).cwiseProduct(push.tail(m));
+        const Dense solution = solveSystem(right);
+        dy = -solution.tail(m);
+        dv << solution.head(n), A * solution.head(n) + primal;
+        dv = dv.cwiseProduct(moves);
+        dw = (sides * dv).array() + beyond;
+        dz = (change - z * dw) / w;
+        double step = 1e10;
+        for (int k = 0; k < w.size(); k++) {
+            if (dw[k] < 0)
+                step = std::min(step, -w[k] / dw[k]);
+            if (dz[k] < 0)
+                step = std::min(step, -z[k] / dz[k]);
+        }
+        return step;
+    }
+
+    void approach(Run &run, bool isCautious) {
+        double nearest = COIN_DBL_MAX;
+        for (int k = 0, bestK = 0; k < mostIterations && k < bestK + patience; k++) {
+            const double error = measure();
+            if (!(error < COIN_DBL_MAX))
+                break;
+            if (error < nearest) {
+                nearest = error;
+                bestK = k;
+            }
+            if (error < least) {
+                least = error;
+                keep();
+            }
+            report(run, k);
+            if (run.stopped() || error <= accuracy || !factorize())
+                break;
+            auto towards = [&](double aim) { return direction(aim - w * z); };
+            auto meanAfter = [&](double step) {
+                return w.size() > 0 ? ((w + step * dw) * (z + step * dz)).mean() : 0;
+            };
+            const double reach = std::min(1.0, towards(0)), mean = meanAfter(0),
+                         aim = mean > 0 ? mean * std::pow(meanAfter(reach) / mean, 3) : 0;
+            double step = isCautious ? 0 : direction(aim - w * z - dw * dz);
+            if (step < 0.1)
+                step = towards(std::max(aim, 0.3 * mean));
+            step = std::min(1.0, (isCautious ? 0.9 : 0.995) * step);
+            v += step * dv;
+            y += step * dy;
+            w += step * dw;
+            z += step * dz;
         }
     }
-}
 
-void InteriorPoint::report(Run &run, int iteration) {
-    run.iterations = run.earlierIterations + iteration;
-    run.progress(KVX_CB_SIMPLEX, {{KVX_CB_SPX_ITERATIONS, run.iterations},
-                                  {KVX_CB_SPX_OBJVAL, problem.objective(x)},
-                                  {KVX_CB_SPX_PRIMINF, primal.lpNorm<1>()},
-                                  {KVX_CB_SPX_DUALINF, dual.lpNorm<1>() / costScale}});
-}
-
-// Keeps the point as the problem's, within its bounds.
-void InteriorPoint::keep() {
-    for (int k = 0; k < n; k++) {
-        const size_t j = at(columns[at(k)]);
-        x[j] = std::clamp(v[k] * scales[k], problem.lower[j], problem.upper[j]);
+    void report(Run &run, int iteration) {
+        run.iterations = run.earlierIterations + iteration;
+        run.progress(KVX_CB_SIMPLEX, {{KVX_CB_SPX_ITERATIONS, run.iterations},
+                                      {KVX_CB_SPX_OBJVAL, problem.objective(x)},
+                                      {KVX_CB_SPX_PRIMINF, primal.lpNorm<1>()},
+                                      {KVX_CB_SPX_DUALINF, dual.lpNorm<1>() / costScale}});
     }
-    for (int k = 0; k < m; k++)
-        multipliers[at(rows[at(k)])] = y[k] * scales[n + k] / costScale;
-}
+
+    // Keeps the point as the problem's, within its bounds.
+    void keep() {
+        for (int j = 0; j < n; j++)
+            x[at(j)] =
+                std::clamp(fixed[j] + v[j] * scales[j], problem.lower[at(j)], problem.upper[at(j)]);
+        for (int i = 0; i < m; i++)
+            multipliers[at(i)] = y[i] * scales[n + i] / costScale;
+    }
+
+    const Problem &problem;
+    const int n = intSize(x.size()), m = intSize(multipliers.size()); // columns and rows
+    Sparse Q = hessian(problem), A;
+    Dense c, fixed; // of columns: costs, and the values of those that stay there
+    // Of columns and rows:
+    Dense lower{n + m}, upper{n + m}, scales = Dense::Ones(n + m);
+    Dense moves = Dense::Ones(n + m); // 0 for a row whose sides are equal
+    double costScale = 1, regularization = 0;
+    double least = COIN_DBL_MAX; // the best point's distance from an optimum
+
+    Sparse sides;              // which quantity has each finite bound: 1 for a lower one, -1 for
+    Dense bounds;              // an upper one; and the bounds with these signs
+    Array w, z, dw, dz;        // distances from the bounds, their multipliers, and their steps
+    Dense v, y, dv{n + m}, dy; // quantities, multipliers of the rows, and their steps
+    Dense dual{n + m}, primal; // residuals
+    Array beyond;              // those of the distances
+    Sparse system;             // Q and A, without what the sides add to the diagonal
+    Dense diagonal;            // which is this
+    Factors factors;
+};
 
 } // namespace
 
@@ -394,17 +337,13 @@ static bool isUnbounded(Run &run, const Problem &problem) {
     for (int j = 0; j < Q.outerSize(); j++) {
         Constraint row;
         row.lower = row.upper = 0;
-        double largest = 0;
+        const double size = Q.col(j).norm();
         for (Sparse::InnerIterator entry(Q, j); entry; ++entry)
-            largest = std::max(largest, std::abs(entry.value()));
-        for (Sparse::InnerIterator entry(Q, j); entry; ++entry)
-            row.row.push_back({static_cast<int>(entry.row()), entry.value() / largest});
-        if (largest > 0)
+            row.row.push_back({static_cast<int>(entry.row()), entry.value() / size});
+        if (size > 0)
             ray.addRow(row);
     }
-    const double size =
-        std::abs(*std::max_element(ray.cost.begin(), ray.cost.end(),
-                                   [](double a, double b) { return std::abs(a) < std::abs(b); }));
+    const double size = dense(ray.cost).lpNorm<Eigen::Infinity>();
     const Outcome found = solveLp(run, ray);
     return found.status == KVX_STATUS_OPTIMAL && ray.sense * found.objective < -1e-7 * size;
 }
