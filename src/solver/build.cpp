@@ -33,11 +33,9 @@ void addVars(KVXmodel &model, const Lists &columns, const double *obj, const dou
     grow(model.vars, columns.size());
     for (size_t j = 0; j < columns.size(); j++) {
         Range given{lb ? lb[j] : 0, ub ? ub[j] : KVX_INFINITY, types ? types[j] : KVX_CONTINUOUS};
-        Variable v;
-        std::tie(v.lb, v.ub, v.type) = readDomain(given, old + j).tuple();
-        v.obj = obj ? readFinite(obj[j], "an objective coefficient") : 0;
-        v.name = nameOf(names, j, 'C', model.varsMade);
-        model.vars.push_back(std::move(v));
+        const auto [lower, upper, type] = readDomain(given, old + j);
+        const double cost = obj ? readFinite(obj[j], "an objective coefficient") : 0;
+        model.vars.push_back({nameOf(names, j, 'C', model.varsMade), lower, upper, cost, type});
     }
     for (Objective &objective : model.objectives) {
         grow(objective.coefs, columns.size());
@@ -45,7 +43,6 @@ void addVars(KVXmodel &model, const Lists &columns, const double *obj, const dou
     }
     model.rows.addColumns(intSize(old), columns);
     model.varsMade += intSize(columns.size());
-    touch(model);
 }
 
 // Rows with senses and right-hand sides; without senses, with both sides.
@@ -58,18 +55,14 @@ void addRows(KVXmodel &model, int count, int numnz, const int *beg, const int *i
     grow(model.constrs, size);
     for (size_t i = 0; i < size; i++) {
         needed(rhs, "the array of sides");
-        Range given = senses ? sidesOf(senses[i], rhs[i], old + i)
-                             : readSides({rhs[i], needed(upper, "senses or sides")[i], 0}, old + i);
-        Sides sides;
-        std::tie(sides.lower, sides.upper, sides.sense) = given.tuple();
-        if (!sides.sense)
-            sides.sense = senseOf(sides.lower, sides.upper);
-        sides.name = nameOf(names, i, 'R', model.constrsMade);
-        model.constrs.push_back(std::move(sides));
+        const auto [low, high, sense] =
+            senses ? sidesOf(senses[i], rhs[i], old + i)
+                   : readSides({rhs[i], needed(upper, "senses or sides")[i], 0}, old + i);
+        model.constrs.push_back({nameOf(names, i, 'R', model.constrsMade), low, high, KVX_BASIC,
+                                 sense ? sense : senseOf(low, high)});
     }
     model.rows.append(std::move(rows));
     model.constrsMade += intSize(size);
-    touch(model);
 }
 
 // The new index of every item after a deletion, -1 for a deleted one.
@@ -108,10 +101,8 @@ void renumber(Products &products, const std::vector<int> &numbers) {
 template <class Item>
 int deleteItems(KVXmodel *model, std::vector<Item> ModelData::*items, int num, const int *ind,
                 const char *what) {
-    return guarded(model, [&] {
-        keep(model->*items, renumbering((model->*items).size(), num, ind, what));
-        touch(*model);
-    });
+    return guardedChange(
+        model, [&] { keep(model->*items, renumbering((model->*items).size(), num, ind, what)); });
 }
 
 // Renumbers the variables without which a general constraint means nothing: each by use(variable).
@@ -260,7 +251,7 @@ int KVXloadmodel(KVXenv *env, KVXmodel **modelP, const char *name, int numvars, 
 int KVXaddvars(KVXmodel *model, int numvars, int numnz, const int *beg, const int *ind,
                const double *val, const double *obj, const double *lb, const double *ub,
                const char *types, const char *const *names) {
-    return guarded(model, [&] {
+    return guardedChange(model, [&] {
         size_t limit = model->constrs.size();
         Lists columns = readLists(numvars, numnz, beg, ind, val, limit, "constraint");
         addVars(*model, columns, obj, lb, ub, types, names);
@@ -270,7 +261,7 @@ int KVXaddvars(KVXmodel *model, int numvars, int numnz, const int *beg, const in
 int KVXaddconstrs(KVXmodel *model, int numconstrs, int numnz, const int *beg, const int *ind,
                   const double *val, const char *senses, const double *rhs,
                   const char *const *names) {
-    return guarded(model, [&] {
+    return guardedChange(model, [&] {
         addRows(*model, numconstrs, numnz, beg, ind, val, senses, rhs, nullptr, names);
     });
 }
@@ -278,14 +269,14 @@ int KVXaddconstrs(KVXmodel *model, int numconstrs, int numnz, const int *beg, co
 int KVXaddrangeconstrs(KVXmodel *model, int numconstrs, int numnz, const int *beg, const int *ind,
                        const double *val, const double *lower, const double *upper,
                        const char *const *names) {
-    return guarded(model, [&] {
+    return guardedChange(model, [&] {
         addRows(*model, numconstrs, numnz, beg, ind, val, nullptr, lower, upper, names);
     });
 }
 
 int KVXaddsos(KVXmodel *model, int numsos, int nummembers, const int *types, const int *beg,
               const int *ind, const double *weight) {
-    return guarded(model, [&] {
+    return guardedChange(model, [&] {
         std::vector<int> begins = readBegins(numsos, nummembers, beg);
         readArray(numsos, types, "types");
         readArray(nummembers, ind, "members");
@@ -307,7 +298,6 @@ int KVXaddsos(KVXmodel *model, int numsos, int nummembers, const int *types, con
         grow(model->sos, sets.size());
         for (Sos &set : sets)
             model->sos.push_back(std::move(set));
-        touch(*model);
     });
 }
 
@@ -357,7 +347,7 @@ int KVXdelgenconstrs(KVXmodel *model, int num, const int *ind) {
 
 int KVXchgcoeffs(KVXmodel *model, int numchgs, const int *cind, const int *vind,
                  const double *val) {
-    return guarded(model, [&] {
+    return guardedChange(model, [&] {
         readArray(numchgs, cind, "constraint indices");
         readArray(numchgs, vind, "variable indices");
         readArray(numchgs, val, "coefficients");
@@ -372,14 +362,13 @@ int KVXchgcoeffs(KVXmodel *model, int numchgs, const int *cind, const int *vind,
             model->rows.reserve(at(row), count);
         for (int k = 0; k < numchgs; k++)
             model->rows.change(at(cind[k]), vind[k], val[k]);
-        touch(*model);
     });
 }
 
 int KVXsetobjective(KVXmodel *model, int objsense, int numlnz, const int *lind, const double *lval,
                     int numqnz, const int *qrow, const int *qcol, const double *qval,
                     double objcon) {
-    return guarded(model, [&] {
+    return guardedChange(model, [&] {
         int sense = objsense ? readObjSense(objsense) : model->objsense;
         auto terms = readList(std::max(numlnz, 0), lind, lval, model->vars.size(), "variable");
         auto products = readProducts(std::max(numqnz, 0), qrow, qcol, qval, model->vars.size());
@@ -390,14 +379,13 @@ int KVXsetobjective(KVXmodel *model, int objsense, int numlnz, const int *lind, 
         model->products.swap(products);
         for (auto [var, value] : terms)
             model->vars[at(var)].obj = value;
-        touch(*model);
     });
 }
 
 int KVXsetobjectiven(KVXmodel *model, int index, int priority, const char *name, int numlnz,
                      const int *lind, const double *lval, double constant, double weight,
                      double abstol, double reltol) {
-    return guarded(model, [&] {
+    return guardedChange(model, [&] {
         size_t number = readIndex(index, model->objectives.size() + 1, "objective");
         for (double value : {constant, weight, abstol, reltol})
             readFinite(value, "a number of an objective");
@@ -409,12 +397,11 @@ int KVXsetobjectiven(KVXmodel *model, int index, int priority, const char *name,
             objective.coefs[at(var)] = value;
         model->objectives.resize(std::max(model->objectives.size(), number + 1));
         model->objectives[number] = std::move(objective);
-        touch(*model);
     });
 }
 
 int KVXsetpwlobj(KVXmodel *model, int var, int npts, const double *x, const double *y) {
-    return guarded(model, [&] {
+    return guardedChange(model, [&] {
         readIndex(var, model->vars.size(), "variable");
         readPoints(npts, x, y);
         Breakpoints points{{x, x + npts}, {y, y + npts}};
@@ -423,6 +410,5 @@ int KVXsetpwlobj(KVXmodel *model, int var, int npts, const double *x, const doub
         else
             model->pwl.erase(var);
         model->vars[at(var)].obj = 0;
-        touch(*model);
     });
 }

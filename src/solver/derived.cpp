@@ -99,20 +99,15 @@ ModelData presolved(const KVXmodel &model) {
     data.objsense = model.objsense;
     data.objcon = -model.objsense * smaller->objectiveOffset();
     auto limited = [](double value) { return std::clamp(value, -KVX_INFINITY, KVX_INFINITY); };
-    for (int i = 0; i < smaller->numberRows(); i++) {
-        Constraint constr;
-        constr.lower = limited(smaller->rowLower()[i]);
-        constr.upper = limited(smaller->rowUpper()[i]);
-        addConstraint(data, std::move(constr));
-    }
+    for (int i = 0; i < smaller->numberRows(); i++)
+        addConstraint(data,
+                      {{"", limited(smaller->rowLower()[i]), limited(smaller->rowUpper()[i])}});
     const CoinPackedMatrix &matrix = *smaller->matrix();
     for (int j = 0; j < smaller->numberColumns(); j++) {
-        Variable var;
-        var.lb = limited(smaller->columnLower()[j]);
-        var.ub = limited(smaller->columnUpper()[j]);
-        var.obj = model.objsense * smaller->objective()[j];
-        var.type = smaller->isInteger(j) ? KVX_INTEGER : KVX_CONTINUOUS;
-        addVariable(data, std::move(var));
+        addVariable(data,
+                    {"", limited(smaller->columnLower()[j]), limited(smaller->columnUpper()[j]),
+                     model.objsense * smaller->objective()[j],
+                     smaller->isInteger(j) ? KVX_INTEGER : KVX_CONTINUOUS});
         for (auto k = matrix.getVectorFirst(j); k < matrix.getVectorLast(j); k++)
             data.rows.add(at(matrix.getIndices()[k]), {j, matrix.getElements()[k]});
     }
@@ -126,18 +121,10 @@ ModelData dual(const KVXmodel &model) {
     ModelData data;
     data.objsense = -model.objsense;
     data.objcon = model.objcon;
-    for (const Variable &var : model.vars) {
-        Constraint constr;
-        constr.name = var.name;
-        constr.lower = constr.upper = model.objsense * var.obj;
-        addConstraint(data, std::move(constr));
-    }
+    for (const Variable &var : model.vars)
+        addConstraint(data, {{var.name, model.objsense * var.obj, model.objsense * var.obj}});
     auto multiplier = [&](double side, double lb, double ub, Entries row) {
-        Variable var;
-        var.obj = model.objsense * side;
-        var.lb = lb;
-        var.ub = ub;
-        int y = addVariable(data, std::move(var));
+        int y = addVariable(data, {"", lb, ub, model.objsense * side});
         for (auto [j, value] : row)
             data.rows.add(at(j), {y, value});
     };
@@ -162,8 +149,7 @@ ModelData feasibility(const KVXmodel &model) {
     clearObjective(data);
     data.objsense = KVX_MINIMIZE;
     data.hasBasis = false;
-    Variable slack;
-    slack.obj = 1;
+    const Variable slack{"", 0, KVX_INFINITY, 1};
     for (size_t i = 0; i < data.constrs.size(); i++) {
         if (data.constrs[i].lower > -KVX_INFINITY)
             data.rows.add(i, {addVariable(data, slack), 1});
@@ -185,10 +171,7 @@ int KVXcopymodeltoenv(KVXmodel *model, KVXenv *env, KVXmodel **newP) {
 }
 
 int KVXconverttofixed(KVXmodel *model) {
-    return guarded(model, [&] {
-        static_cast<ModelData &>(*model) = fixed(*model);
-        touch(*model);
-    });
+    return guardedChange(model, [&] { static_cast<ModelData &>(*model) = fixed(*model); });
 }
 
 #define KVX_DERIVE(function, make)                                                                 \

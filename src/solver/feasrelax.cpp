@@ -17,10 +17,7 @@ struct Relaxation {
     double constant = 0;
 
     int addVariable(const std::string &name, double ub, double cost) {
-        Variable var;
-        var.name = name;
-        var.ub = ub;
-        int index = korvex::addVariable(data, var);
+        int index = korvex::addVariable(data, {name, 0, ub});
         if (cost != 0)
             costs.push_back({index, cost});
         return index;
@@ -60,11 +57,8 @@ struct Relaxation {
             fail(KVX_ERROR_NOT_SUPPORTED, "semi-continuous variable %s can't be relaxed",
                  var.name.text().c_str());
         var.type = var.isInteger() ? KVX_INTEGER : var.type;
-        Constraint constr;
-        constr.name = (isLower ? "lb_" : "ub_") + var.name;
-        constr.row.push_back({intSize(j), 1});
-        (isLower ? constr.lower : constr.upper) = bound;
-        bound = isLower ? -KVX_INFINITY : KVX_INFINITY;
+        Constraint constr{{(isLower ? "lb_" : "ub_") + var.name}, {{intSize(j), 1}}};
+        std::swap(bound, isLower ? constr.lower : constr.upper);
         relaxConstraint(at(addConstraint(data, constr)), weight);
     }
 
@@ -95,11 +89,8 @@ struct Relaxation {
             for (auto [var, cost] : costs)
                 data.vars[at(var)].ub = inner->solution.x[at(var)] + run.tolerance() / 10;
         } else {
-            Constraint constr;
-            constr.name = "penalty";
-            constr.row = costs;
-            constr.upper = inner->solution.objval - constant;
-            addConstraint(data, constr);
+            const double most = inner->solution.objval - constant;
+            addConstraint(data, {{"penalty", -KVX_INFINITY, most}, costs});
         }
         for (Objective &objective : data.objectives)
             objective.coefs.resize(data.vars.size());
@@ -143,11 +134,10 @@ int KVXfeasrelax(KVXmodel *model, int penalty, int minrelax, const double *lbpen
     double least = 0;
     if (status == KVX_OK && minrelax)
         status = perform(model, [&](Run &run) { least = relaxation.keepLeastPenalty(run); });
-    return status ? status : guarded(model, [&] {
+    return status ? status : guardedChange(model, [&] {
         static_cast<ModelData &>(*model) =
             minrelax ? relaxation.data : relaxation.withPenaltyAsObjective();
         model->hasBasis = false;
-        touch(*model);
         *result = least;
     });
 }

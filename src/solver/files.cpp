@@ -158,16 +158,13 @@ ModelData complete(ModelData model) {
     readFinite(model.objcon, "the objective constant");
     for (size_t j = 0; j < model.vars.size(); j++) {
         Variable &var = model.vars[j];
-        Range domain = readDomain({var.lb, var.ub, var.type}, j);
-        var.lb = domain.lower;
-        var.ub = domain.upper;
+        std::tie(var.lb, var.ub, var.type) = readDomain({var.lb, var.ub, var.type}, j).tuple();
     }
     for (size_t i = 0; i < model.constrs.size(); i++) {
         Sides &constr = model.constrs[i];
-        Range sides = readSides({constr.lower, constr.upper, 0}, i);
-        constr.lower = sides.lower;
-        constr.upper = sides.upper;
-        constr.sense = senseOf(constr.lower, constr.upper);
+        const char sense = senseOf(constr.lower, constr.upper);
+        std::tie(constr.lower, constr.upper, constr.sense) =
+            readSides({constr.lower, constr.upper, sense}, i).tuple();
     }
     for (size_t q = 0; q < model.qconstrs.size(); q++)
         sidesOf(model.qconstrs[q].sense, readFinite(model.qconstrs[q].rhs, "a side"), q);

@@ -57,7 +57,7 @@ int add(KVXmodel *model, const char *name, int kind, const char *kindName, int f
         const char *options = nullptr, double number = 0, int count = 0, const int *vars = nullptr,
         const double *x = nullptr, const double *y = nullptr, char sense = 0,
         const int *parents = nullptr) {
-    return guarded(model, [&] {
+    return guardedChange(model, [&] {
         const size_t size = model->vars.size();
         GeneralConstraint constr;
         constr.kind = kind;
@@ -97,7 +97,6 @@ int add(KVXmodel *model, const char *name, int kind, const char *kindName, int f
         if (isEmpty)
             fail(KVX_ERROR_INVALID_ARGUMENT, "there are no breakpoints, coefficients or nodes");
         addGeneralConstraint(*model, std::move(constr));
-        touch(*model);
     });
 }
 

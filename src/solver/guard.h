@@ -78,6 +78,14 @@ int guarded(KVXmodel *model, Body &&body) noexcept {
         body();
     });
 }
+// One after which the model's results are no longer true.
+template <class Body>
+int guardedChange(KVXmodel *model, Body &&body) noexcept {
+    return guarded(model, [&] {
+        body();
+        touch(*model);
+    });
+}
 template <class Body>
 int guarded(KVXenv *env, Body &&body) noexcept {
     return guardedRead(env, [&] {

@@ -335,8 +335,7 @@ static bool isUnbounded(Run &run, const Problem &problem) {
     recede(ray.rowLower, ray.rowUpper, COIN_DBL_MAX);
     const Sparse Q = hessian(problem);
     for (int j = 0; j < Q.outerSize(); j++) {
-        Constraint row;
-        row.lower = row.upper = 0;
+        Constraint row{{"", 0, 0}};
         const double size = Q.col(j).norm();
         for (Sparse::InnerIterator entry(Q, j); entry; ++entry)
             row.row.push_back({static_cast<int>(entry.row()), entry.value() / size});
@@ -387,18 +386,16 @@ Outcome solveQuadratic(Run &run, const Problem &problem) {
     Problem linear = problem;
     linear.products.clear();
     std::fill(linear.cost.begin(), linear.cost.end(), 0.0);
-    Outcome outcome;
     const int feasible = solveLp(run, linear).status;
     const bool isRay = feasible == KVX_STATUS_OPTIMAL && isUnbounded(run, problem);
-    outcome.status = isRay ? KVX_STATUS_UNBOUNDED : feasible;
     if (run.stopped())
-        outcome.status = run.stopped();
-    if (outcome.status != KVX_STATUS_OPTIMAL)
-        return outcome;
-    outcome.status = KVX_STATUS_NUMERIC;
+        return {run.stopped()};
+    if (isRay || feasible != KVX_STATUS_OPTIMAL)
+        return {isRay ? KVX_STATUS_UNBOUNDED : feasible};
     run.say("The linear constraints have solutions: interior-point method");
     InteriorPoint method(problem);
     method.solve(run);
+    Outcome outcome;
     if (run.stopped()) {
         outcome.status = run.stopped();
     } else if (problem.violation(method.x) <= run.tolerance() &&

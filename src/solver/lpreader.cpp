@@ -48,9 +48,7 @@ class LpReader : LpTokens {
             return intSize(variables.find(name));
         if (const int place = variables.place(name); place >= 0)
             return place;
-        Variable var;
-        var.name = name;
-        return addVariable(model, std::move(var));
+        return addVariable(model, {name});
     }
 
     struct Formula {

@@ -24,8 +24,9 @@ namespace korvex {
 
 struct Variable {
     Name name; // never empty in a model
-    double lb = 0, ub = KVX_INFINITY, obj = 0, start = KVX_UNDEFINED;
+    double lb = 0, ub = KVX_INFINITY, obj = 0;
     char type = KVX_CONTINUOUS;
+    double start = KVX_UNDEFINED;
     int basis = KVX_NONBASIC_LOWER; // warm start in, basis out
     bool iisLb = false, iisUb = false;
 
@@ -46,7 +47,7 @@ struct Sides {
 
 // One by itself.
 struct Constraint : Sides {
-    std::vector<Entry> row; // by variable
+    std::vector<Entry> row = {}; // by variable
 };
 
 // A piecewise-linear objective term.

@@ -158,9 +158,7 @@ class MpsReader {
                         : type == 'G' ? KVX_GREATER_EQUAL
                         : type == 'E' ? KVX_EQUAL
                                       : char{0}});
-        Constraint constr;
-        constr.name = words[1];
-        addConstraint(model, std::move(constr));
+        addConstraint(model, {{words[1]}});
     }
 
     double number(std::string_view word) const {
@@ -184,10 +182,8 @@ class MpsReader {
         if (model.vars.empty() || !(model.vars.back().name == words[0])) {
             if (columnIndex.place(words[0]) >= 0)
                 refuse(words[0], "is there twice");
-            Variable var;
-            var.name = words[0];
-            var.type = isMarked ? KVX_INTEGER : KVX_CONTINUOUS;
-            addVariable(model, std::move(var));
+            addVariable(model,
+                        {words[0], 0, KVX_INFINITY, 0, isMarked ? KVX_INTEGER : KVX_CONTINUOUS});
             columns.push_back({isMarked});
             lists.begin.push_back(lists.entries.size());
         }

@@ -32,8 +32,7 @@ Outcome solveObjectives(Run &run, Problem problem) {
     for (size_t k = 0; k < run.model.objectives.size(); k++)
         levels[run.model.objectives[k].priority].push_back(intSize(k));
     run.hasPhases = true;
-    Outcome result;
-    result.status = KVX_STATUS_OPTIMAL;
+    Outcome result{KVX_STATUS_OPTIMAL};
     std::vector<double> values; // of the levels
     double firstBound = 0, solved = 0;
     Problem first = problem;
@@ -81,8 +80,7 @@ Outcome solveObjectives(Run &run, Problem problem) {
             tolerated += std::abs(objective.weight) *
                          std::max(objective.abstol, objective.reltol * std::abs(own));
         }
-        Constraint row;
-        row.upper = run.sense * value - problem.constant + tolerated;
+        Constraint row{{"", -KVX_INFINITY, run.sense * value - problem.constant + tolerated}};
         for (size_t j = 0; j < problem.cost.size(); j++)
             if (problem.cost[j] != 0)
                 row.row.push_back({intSize(j), problem.cost[j]});

@@ -85,10 +85,10 @@ double violation(const Constraint &row, const std::vector<double> &x);
 // What a solver found.
 struct Outcome {
     int status = KVX_STATUS_NUMERIC;
-    std::vector<double> x;                   // empty: none
-    double objective = 0;                    // in the model's own sense, like the rest
-    std::vector<double> duals, reducedCosts; // empty: none
-    std::vector<int> basis, rowBasis;        // KVX_BASIC and so on; empty: none
+    std::vector<double> x = {};                        // empty: none
+    double objective = 0;                              // in the model's own sense, like the rest
+    std::vector<double> duals = {}, reducedCosts = {}; // empty: none
+    std::vector<int> basis = {}, rowBasis = {};        // KVX_BASIC and so on; empty: none
 };
 
 // Ends what simplex does when the run has to end; for the run's linear model itself it also reports

@@ -45,17 +45,13 @@ using namespace korvex;
 
 int KVXaddqpterms(KVXmodel *model, int numqnz, const int *qrow, const int *qcol,
                   const double *qval) {
-    return guarded(model, [&] {
+    return guardedChange(model, [&] {
         addProducts(model->products, readProducts(numqnz, qrow, qcol, qval, model->vars.size()));
-        touch(*model);
     });
 }
 
 int KVXdelq(KVXmodel *model) {
-    return guarded(model, [&] {
-        model->products.clear();
-        touch(*model);
-    });
+    return guardedChange(model, [&] { model->products.clear(); });
 }
 
 int KVXgetq(KVXmodel *model, int *numqnzP, int *qrow, int *qcol, double *qval) {
@@ -65,7 +61,7 @@ int KVXgetq(KVXmodel *model, int *numqnzP, int *qrow, int *qcol, double *qval) {
 int KVXaddqconstr(KVXmodel *model, int numlnz, const int *lind, const double *lval, int numqnz,
                   const int *qrow, const int *qcol, const double *qval, char sense, double rhs,
                   const char *name) {
-    return guarded(model, [&] {
+    return guardedChange(model, [&] {
         const size_t vars = model->vars.size();
         QuadraticConstraint constr;
         constr.name = readName(name);
@@ -75,7 +71,6 @@ int KVXaddqconstr(KVXmodel *model, int numlnz, const int *lind, const double *lv
         constr.sense = sense;
         constr.rhs = rhs;
         addQuadraticConstraint(*model, std::move(constr));
-        touch(*model);
     });
 }
 

@@ -51,11 +51,7 @@ struct Reformulation {
     double high(int j) { return at(j) < known.size() ? known[at(j)].upper : var(j).ub; }
 
     int variable(double lb, double ub, char type = KVX_CONTINUOUS) {
-        Variable var;
-        var.lb = lb;
-        var.ub = ub;
-        var.type = type;
-        return addVariable(model, std::move(var));
+        return addVariable(model, {"", lb, ub, 0, type});
     }
     int slack(double limit = KVX_INFINITY) { return variable(0, std::max(limit, 0.0)); }
     int binary() { return variable(0, 1, KVX_BINARY); }
@@ -64,9 +60,7 @@ struct Reformulation {
         std::map<int, double> sums;
         for (auto [index, value] : entries)
             sums[index] += value;
-        Constraint constr;
-        constr.lower = lower;
-        constr.upper = upper;
+        Constraint constr{{"", lower, upper}};
         for (auto [index, value] : sums)
             if (value != 0)
                 constr.row.push_back({index, value});

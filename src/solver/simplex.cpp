@@ -119,12 +119,10 @@ int basisStatus(ClpSimplex::Status status, double value, double lower, double up
 
 Outcome solveLp(Run &run, const Problem &problem) {
     const size_t columns = problem.cost.size();
-    Outcome outcome;
     for (size_t j = 0; j < columns; j++)
-        if (problem.lower[j] > problem.upper[j]) {
-            outcome.status = KVX_STATUS_INFEASIBLE;
-            return outcome;
-        }
+        if (problem.lower[j] > problem.upper[j])
+            return {KVX_STATUS_INFEASIBLE};
+    Outcome outcome;
     SimplexWatch watch(run, true);
     std::unique_ptr<ClpSimplex> lp;
     auto attempt = [&](auto solve) { // Leaves no lp when Clp gives up.
@@ -149,14 +147,11 @@ Outcome solveLp(Run &run, const Problem &problem) {
         failByAssertion();
     run.earlierIterations = run.iterations =
         std::max(run.iterations, run.earlierIterations + (lp ? lp->numberIterations() : 0));
-    if (!isSettled()) {
-        outcome.x.clear();
-        outcome.status = run.stopped()                ? run.stopped()
-                         : lp->status() == infeasible ? KVX_STATUS_INFEASIBLE
-                         : lp->status() == unbounded  ? KVX_STATUS_UNBOUNDED
-                                                      : KVX_STATUS_NUMERIC;
-        return outcome;
-    }
+    if (!isSettled())
+        return {run.stopped()                ? run.stopped()
+                : lp->status() == infeasible ? KVX_STATUS_INFEASIBLE
+                : lp->status() == unbounded  ? KVX_STATUS_UNBOUNDED
+                                             : KVX_STATUS_NUMERIC};
     outcome.status = KVX_STATUS_OPTIMAL;
     outcome.objective = problem.objective(outcome.x);
     for (size_t j = 0; j < columns; j++) { // The zero makes a negative zero positive.

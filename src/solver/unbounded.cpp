@@ -52,11 +52,8 @@ bool hasRay(Run &run, const Problem &problem, const std::vector<double> &x) {
 // A ray of the relaxation may break a set and proves nothing. When no solution is far away, the row
 // that says so limits the relaxation.
 Outcome solveUnbounded(Run &run, Problem &problem) {
-    Outcome outcome;
-    if (problem.sets.empty()) {
-        outcome.status = solveIntegers(run);
-        return outcome;
-    }
+    if (problem.sets.empty())
+        return {solveIntegers(run)};
     auto inner = makeInnerModel(run.settings, reformulated(run.model));
     Constraint row = farRow(problem);
     addConstraint(*inner, row);
@@ -72,8 +69,7 @@ Outcome solveUnbounded(Run &run, Problem &problem) {
     if (!isUnbounded && !run.stopped())
         fail(KVX_ERROR_NOT_SUPPORTED, "the model's relaxation is unbounded: with sets, or what "
                                       "becomes sets, give the variables bounds");
-    outcome.status = isUnbounded ? KVX_STATUS_UNBOUNDED : run.stopped();
-    return outcome;
+    return {isUnbounded ? KVX_STATUS_UNBOUNDED : run.stopped()};
 }
 
 } // namespace korvex
