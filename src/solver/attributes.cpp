@@ -14,17 +14,13 @@ using General = GeneralConstraint;
 using Quadratic = QuadraticConstraint;
 
 // A setter checks the value and, in a second round with commit set, stores it: so a list of values
-// is stored only when all of them are good.
-// A text is copied in the first round, for which memory may be lacking.
-struct NewText {
-    const char *given;
-    Name copy;
-};
+// is stored only when all of them are good. A text has been copied before, for which memory may be
+// lacking.
 template <class T>
 struct Access {
-    static constexpr bool isText = std::is_same_v<T, const char *>;
+    using Given = std::conditional_t<std::is_same_v<T, const char *>, Name, T>;
     T (*get)(M &, size_t);
-    void (*set)(M &, size_t, std::conditional_t<isText, NewText &, T>, bool commit) = nullptr;
+    void (*set)(M &, size_t, Given &, bool commit) = nullptr;
 };
 using Int = Access<int>;
 using Dbl = Access<double>;
@@ -65,9 +61,7 @@ template <auto member>
 auto get(M &m, size_t i) {
     auto &value = field(m, i, member);
     using T = std::decay_t<decltype(value)>;
-    if constexpr (std::is_same_v<T, std::string>)
-        return value.c_str();
-    else if constexpr (std::is_same_v<T, Name>)
+    if constexpr (std::is_same_v<T, Name>)
         return m.texts.of(value);
     else if constexpr (std::is_same_v<T, bool>)
         return static_cast<int>(value);
@@ -78,18 +72,11 @@ auto get(M &m, size_t i) {
 }
 
 template <auto member, auto checked, class T>
-void set(M &m, size_t i, T value, bool commit) {
-    auto good = checked(m, value);
+void set(M &m, size_t i, T &value, bool commit) {
     if (commit)
-        field(m, i, member) = good;
-}
-
-template <auto member, auto checked>
-void setText(M &m, size_t i, NewText &text, bool commit) {
-    if (commit)
-        field(m, i, member) = std::move(text.copy);
+        field(m, i, member) = std::move(value);
     else
-        text.copy = checked(text.given);
+        value = checked(m, value);
 }
 
 // The values that setters take.
@@ -106,16 +93,17 @@ struct Good {
             fail(KVX_ERROR_VALUE_OUT_OF_RANGE, "unknown basis status %d", v);
         return v;
     }
-    static Name name(const char *v) {
-        if (!v || !*v)
+    static Name text(M &, const Name &v) { return v; }
+    static Name name(M &, const Name &v) {
+        if (v.empty())
             fail(KVX_ERROR_INVALID_ARGUMENT, "the name of an element can't be empty");
-        return readName(v);
+        return v;
     }
 };
 
 // A bound outside those of a binary variable is refused, not cut off.
 template <auto part, class T>
-void setDomain(M &m, size_t j, T value, bool commit) {
+void setDomain(M &m, size_t j, T &value, bool commit) {
     Variable &var = m.vars[j];
     Range given{var.lb, var.ub, var.type};
     given.*part = value;
@@ -123,7 +111,7 @@ void setDomain(M &m, size_t j, T value, bool commit) {
     if (var.type == KVX_BINARY && (domain.lower > given.lower || domain.upper < given.upper))
         fail(KVX_ERROR_VALUE_OUT_OF_RANGE, "variable %zu is binary", j);
     if (commit)
-        std::tie(var.lb, var.ub, var.type) = std::tie(domain.lower, domain.upper, domain.kind);
+        std::tie(var.lb, var.ub, var.type) = domain.tuple();
 }
 
 double rhsOf(const Range &sides) {
@@ -142,13 +130,13 @@ struct Edit {
 };
 
 template <auto edit, class T>
-void setSides(M &m, size_t i, T value, bool commit) {
+void setSides(M &m, size_t i, T &value, bool commit) {
     Sides &c = m.constrs[i];
     Range sides{c.lower, c.upper, c.sense};
     edit(sides, value, i);
     sides = readSides(sides, i);
     if (commit)
-        std::tie(c.lower, c.upper, c.sense) = std::tie(sides.lower, sides.upper, sides.kind);
+        std::tie(c.lower, c.upper, c.sense) = sides.tuple();
 }
 
 double rhs(M &m, size_t i) {
@@ -221,7 +209,7 @@ constexpr Attribute table[] = {
     {"Runtime", model, Dbl{runtime}},
     {"NodeCount", model, Dbl{get<&Solution::nodes>}, result},
     {"IterCount", model, Dbl{get<&Solution::iterations>}, result},
-    {"ModelName", model, Text{get<&M::name>, setText<&M::name, readName>}, neutral},
+    {"ModelName", model, Text{get<&M::name>, set<&M::name, Good::text>}, neutral},
     {"LB", var, Dbl{get<&Variable::lb>, setDomain<&Range::lower>}},
     {"UB", var, Dbl{get<&Variable::ub>, setDomain<&Range::upper>}},
     {"VarType", var, Char{get<&Variable::type>, setDomain<&Range::kind>}},
@@ -233,7 +221,7 @@ constexpr Attribute table[] = {
     {"VarBasis", var, Int{get<&Variable::basis>, set<&Variable::basis, Good::basis>}, startBasis},
     {"IISLB", var, Int{get<&Variable::iisLb>}, iis},
     {"IISUB", var, Int{get<&Variable::iisUb>}, iis},
-    {"VarName", var, Text{get<&Variable::name>, setText<&Variable::name, Good::name>}, neutral},
+    {"VarName", var, Text{get<&Variable::name>, set<&Variable::name, Good::name>}, neutral},
     {"RHS", row, Dbl{rhs, setSides<Edit::rhs>}},
     {"RowLower", row, Dbl{get<&Sides::lower>, setSides<Edit::lower>}},
     {"RowUpper", row, Dbl{get<&Sides::upper>, setSides<Edit::upper>}},
@@ -242,16 +230,14 @@ constexpr Attribute table[] = {
     {"Slack", row, Dbl{get<&Solution::slacks>}, solution},
     {"ConstrBasis", row, Int{get<&Sides::basis>, set<&Sides::basis, Good::basis>}, startBasis},
     {"IISConstr", row, Int{get<&Sides::iis>}, iis},
-    {"ConstrName", row, Text{get<&Sides::name>, setText<&Sides::name, Good::name>}, neutral},
+    {"ConstrName", row, Text{get<&Sides::name>, set<&Sides::name, Good::name>}, neutral},
     {"QConstrRHS", quadratic, Dbl{get<&Quadratic::rhs>, set<&Quadratic::rhs, Good::number>}},
     {"QConstrSense", quadratic, Char{get<&Quadratic::sense>, set<&Quadratic::sense, Good::sign>}},
-    {"QConstrName", quadratic, Text{get<&Quadratic::name>, setText<&Quadratic::name, Good::name>},
+    {"QConstrName", quadratic, Text{get<&Quadratic::name>, set<&Quadratic::name, Good::name>},
      neutral},
     {"GenConstrType", general, Int{get<&General::kind>}},
-    {"GenConstrName", general, Text{get<&General::name>, setText<&General::name, Good::name>},
-     neutral},
-    {"GenConstrOptions", general,
-     Text{get<&General::options>, setText<&General::options, readName>}},
+    {"GenConstrName", general, Text{get<&General::name>, set<&General::name, Good::name>}, neutral},
+    {"GenConstrOptions", general, Text{get<&General::options>, set<&General::options, Good::text>}},
 };
 
 const Attribute &find(const char *name) {
@@ -315,17 +301,17 @@ int setAttr(M *model, const char *name, Elements elements, const T *values) {
         auto [attribute, access, indices] = prepare<T>(*model, name, elements, values);
         if (!access.set)
             fail(KVX_ERROR_READ_ONLY, "attribute %s can't be set", attribute.name);
-        std::vector<NewText> texts;
-        if constexpr (Access<T>::isText)
-            for (size_t k = 0; k < indices.size(); k++)
-                texts.push_back({values[k], {}});
+        constexpr bool isText = std::is_same_v<T, const char *>;
+        std::vector<typename Access<T>::Given> given;
+        for (size_t k = 0; k < indices.size(); k++)
+            if constexpr (isText)
+                given.push_back(readName(values[k]));
+            else
+                given.push_back(values[k]);
         for (bool commit : {false, true})
             for (size_t k = 0; k < indices.size(); k++)
-                if constexpr (Access<T>::isText)
-                    access.set(*model, indices[k], texts[k], commit);
-                else
-                    access.set(*model, indices[k], values[k], commit);
-        if (Access<T>::isText)
+                access.set(*model, indices[k], given[k], commit);
+        if (isText)
             forgetNames(*model);
         model->hasBasis |= attribute.trait == startBasis && !indices.empty();
         if (attribute.trait == changing)

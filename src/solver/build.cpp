@@ -2,7 +2,6 @@
 // and checked before the model changes.
 #include "input.h"
 
-#include <set>
 #include <utility>
 
 using namespace korvex;
@@ -16,19 +15,13 @@ Name nameOf(const char *const *names, size_t k, char letter, int made) {
     return {letter, made + intSize(k)};
 }
 
-// Takes off what an addition that failed has added.
-template <class Element>
-void cutOff(std::vector<Element> &elements, size_t size) {
-    elements.erase(elements.begin() + static_cast<std::ptrdiff_t>(size), elements.end());
-}
-
 void addVars(KVXmodel &model, const Lists &columns, const double *obj, const double *lb,
              const double *ub, const char *types, const char *const *names) {
     const size_t old = model.vars.size();
     OnFailure undo{[&] {
-        cutOff(model.vars, old);
+        model.vars.resize(old);
         for (Objective &objective : model.objectives)
-            cutOff(objective.coefs, std::min(old, objective.coefs.size()));
+            objective.coefs.resize(std::min(old, objective.coefs.size()));
     }};
     grow(model.vars, columns.size());
     for (size_t j = 0; j < columns.size(); j++) {
@@ -51,7 +44,7 @@ void addRows(KVXmodel &model, int count, int numnz, const int *beg, const int *i
              const char *const *names) {
     Lists rows = readLists(count, numnz, beg, ind, val, model.vars.size(), "variable");
     const size_t old = model.constrs.size(), size = rows.size();
-    OnFailure undo{[&] { cutOff(model.constrs, old); }};
+    OnFailure undo{[&] { model.constrs.resize(old); }};
     grow(model.constrs, size);
     for (size_t i = 0; i < size; i++) {
         needed(rhs, "the array of sides");
@@ -65,16 +58,20 @@ void addRows(KVXmodel &model, int count, int numnz, const int *beg, const int *i
     model.constrsMade += intSize(size);
 }
 
+// Gives new numbers to what has the number 0.
+void countUp(std::vector<int> &numbers) {
+    int next = 0;
+    for (int &number : numbers)
+        number = number == 0 ? next++ : -1;
+}
+
 // The new index of every item after a deletion, -1 for a deleted one.
 std::vector<int> renumbering(size_t size, int num, const int *ind, const char *what) {
     readArray(num, ind, what);
     std::vector<int> numbers(size, 0);
     for (int k = 0; k < num; k++)
         numbers[readIndex(ind[k], size, what)] = -1;
-    int next = 0;
-    for (int &number : numbers)
-        if (number == 0)
-            number = next++;
+    countUp(numbers);
     return numbers;
 }
 
@@ -170,22 +167,21 @@ void deleteLater(std::unique_ptr<Deletion> &deletion, size_t size, int num, cons
 }
 
 // The new numbers after a deletion that then has been done.
-std::unique_ptr<Deletion> finished(std::unique_ptr<Deletion> &deletion) {
-    int next = 0;
-    for (int &number : deletion->numbers)
-        number = number == 0 ? next++ : -1;
-    return std::move(deletion);
+std::vector<int> finished(std::unique_ptr<Deletion> &deletion) {
+    std::vector<int> numbers = std::move(deletion->numbers);
+    deletion.reset();
+    countUp(numbers);
+    return numbers;
 }
 
 } // namespace
 
 void korvex::settle(KVXmodel &model) noexcept {
     if (model.constrDeletion)
-        keepConstraints(model, finished(model.constrDeletion)->numbers);
+        keepConstraints(model, finished(model.constrDeletion));
     if (!model.varDeletion)
         return;
-    const std::unique_ptr<Deletion> deletion = finished(model.varDeletion);
-    const std::vector<int> &numbers = deletion->numbers;
+    const std::vector<int> numbers = finished(model.varDeletion);
     keep(model.vars, numbers);
     model.rows.renumber(numbers);
     for (Sos &set : model.sos)
@@ -284,15 +280,13 @@ int KVXaddsos(KVXmodel *model, int numsos, int nummembers, const int *types, con
         std::vector<Sos> sets;
         for (size_t s = 0; s + 1 < begins.size(); s++) {
             sets.push_back({types[s], {}});
-            std::set<int> vars;
             for (size_t k = at(begins[s]); k < at(begins[s + 1]); k++) {
                 readIndex(ind[k], model->vars.size(), "variable");
                 sets[s].members.push_back({ind[k], readFinite(weight[k], "a weight")});
-                vars.insert(ind[k]);
             }
             if (types[s] != KVX_SOS_TYPE1 && types[s] != KVX_SOS_TYPE2)
                 fail(KVX_ERROR_INVALID_ARGUMENT, "SOS %zu: unknown type %d", s, types[s]);
-            if (vars.size() < sets[s].members.size())
+            if (hasTwins(sets[s].members))
                 fail(KVX_ERROR_INVALID_ARGUMENT, "SOS %zu: a variable is in it twice", s);
         }
         grow(model->sos, sets.size());

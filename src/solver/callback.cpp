@@ -62,7 +62,7 @@ Constraint readRow(const Run &run, int length, const int *ind, const double *val
         refuseNumber(rhs, "the right-hand side");
     for (auto [var, value] : row.row)
         if (!isSolvable(value))
-            refuseNumber(value, "the coefficient of " + run.model.vars[at(var)].name);
+            refuseNumber(value, "the coefficient of " + run.model.vars[at(var)].name.text());
     return row;
 }
 

@@ -33,7 +33,7 @@ struct Relaxation {
             if (std::abs(side) >= KVX_INFINITY)
                 return;
             double cost = penalty == count ? 0 : weight;
-            int index = addVariable(prefix + constr.name, KVX_INFINITY, cost);
+            int index = addVariable(prefix + constr.name.text(), KVX_INFINITY, cost);
             data.rows.add(i, {index, sign});
             oneOf.members.push_back({index, -sign});
         };
@@ -42,7 +42,7 @@ struct Relaxation {
         if (penalty != count || oneOf.members.empty())
             return;
         // A variable that is 1 if and only if nothing is violated: it saves the weight.
-        oneOf.members.push_back({addVariable("kept_" + constr.name, 1, -weight), 2});
+        oneOf.members.push_back({addVariable("kept_" + constr.name.text(), 1, -weight), 2});
         constant += weight;
         data.sos.push_back(oneOf);
     }
@@ -57,7 +57,7 @@ struct Relaxation {
             fail(KVX_ERROR_NOT_SUPPORTED, "semi-continuous variable %s can't be relaxed",
                  var.name.text().c_str());
         var.type = var.isInteger() ? KVX_INTEGER : var.type;
-        Constraint constr{{(isLower ? "lb_" : "ub_") + var.name}, {{intSize(j), 1}}};
+        Constraint constr{{(isLower ? "lb_" : "ub_") + var.name.text()}, {{intSize(j), 1}}};
         std::swap(bound, isLower ? constr.lower : constr.upper);
         relaxConstraint(at(addConstraint(data, constr)), weight);
     }

@@ -7,8 +7,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <set>
-#include <sstream>
 
 namespace korvex {
 namespace {
@@ -37,7 +35,7 @@ std::string writeValues(const KVXmodel &model, Value value) {
     std::string text;
     for (size_t j = 0; j < model.vars.size(); j++)
         if (value(j) != KVX_UNDEFINED)
-            text += model.vars[j].name + ' ' + toText(value(j)) + '\n';
+            text += model.vars[j].name.text() + ' ' + toText(value(j)) + '\n';
     return text;
 }
 
@@ -69,13 +67,13 @@ std::string writeBasis(const KVXmodel &model) {
     auto next = nonbasic.begin();
     for (const Variable &var : model.vars) {
         if (var.basis == KVX_NONBASIC_UPPER)
-            text += " UL " + var.name + '\n';
+            text += " UL " + var.name.text() + '\n';
         if (var.basis != KVX_BASIC)
             continue;
         if (next == nonbasic.end())
             fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the basis has too many members");
         text += (*next)->basis == KVX_NONBASIC_UPPER ? " XU " : " XL ";
-        text += var.name + ' ' + (*next++)->name + '\n';
+        text += var.name.text() + ' ' + (*next++)->name.text() + '\n';
     }
     if (next != nonbasic.end())
         fail(KVX_ERROR_DATA_NOT_AVAILABLE, "the basis has too few members");
@@ -129,7 +127,6 @@ std::string contentsOfModel(const KVXmodel &model, const char *filename, Format 
 }
 
 std::string contents(const KVXmodel &model, const char *filename) {
-    std::ostringstream stream;
     switch (Format format = formatOf(filename)) {
     case mps:
     case lp:
@@ -144,8 +141,7 @@ std::string contents(const KVXmodel &model, const char *filename) {
     case basis:
         return writeBasis(model);
     case parameters:
-        writeParams(model.env, stream);
-        return stream.str();
+        return writeParams(model.env);
     case json:
         return solutionAsJson(model);
     default:
@@ -168,13 +164,9 @@ ModelData complete(ModelData model) {
     }
     for (size_t q = 0; q < model.qconstrs.size(); q++)
         sidesOf(model.qconstrs[q].sense, readFinite(model.qconstrs[q].rhs, "a side"), q);
-    for (size_t s = 0; s < model.sos.size(); s++) {
-        std::set<int> vars;
-        for (const Entry &member : model.sos[s].members)
-            vars.insert(member.index);
-        if (vars.size() < model.sos[s].members.size())
+    for (size_t s = 0; s < model.sos.size(); s++)
+        if (hasTwins(model.sos[s].members))
             fail(KVX_ERROR_FILE_READ, "SOS %zu: a variable is in it twice", s);
-    }
     return model;
 }
 
@@ -225,8 +217,7 @@ int KVXread(KVXmodel *model, const char *filename) {
     return guarded(model, [&] {
         Format format = formatOf(needed(filename, "filename"));
         if (format == parameters) {
-            std::istringstream stream(readFile(filename));
-            readParams(model->env, stream, filename);
+            readParams(model->env, filename);
         } else if (format == solution || format == start || format == basis) {
             readSource(filename, [&](Source &source) {
                 (format == basis ? readBasis : readValues)(*model, source);

@@ -78,9 +78,9 @@ int readObjSense(int sense) {
     return sense;
 }
 
-// Whether an index is there twice. The cost doesn't depend on how large it is, since models are
-// built row by row.
-static bool hasTwins(const Entry *first, const Entry *last) {
+// The cost doesn't depend on how large the indices are, since models are built row by row.
+bool hasTwins(const std::vector<Entry> &entries, size_t begin) {
+    const Entry *first = entries.data() + begin, *last = entries.data() + entries.size();
     auto isIncreasing = [](const Entry &a, const Entry &b) { return a.index < b.index; };
     if (std::adjacent_find(first, last, std::not_fn(isIncreasing)) == last)
         return false;
@@ -115,7 +115,7 @@ void readList(Lists &lists, int count, const int *ind, const double *val, size_t
         list[k] = {ind[k], val[k]};
         hasZeros |= val[k] == 0;
     }
-    if (hasTwins(list, list + length)) {
+    if (hasTwins(entries, begin)) {
         std::unordered_map<int, size_t> places;
         for (size_t k = 0; k < length; k++)
             if (auto [place, isNew] = places.emplace(list[k].index, k); !isNew)

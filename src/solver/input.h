@@ -48,6 +48,9 @@ Range sidesOf(char sense, double rhs, size_t index);
 
 int readObjSense(int sense);
 
+// Whether an index is there twice from an entry on.
+bool hasTwins(const std::vector<Entry> &entries, size_t begin = 0);
+
 // A sparse list: sums entries of equal index at the place of the first, drops zeros.
 std::vector<Entry> readList(int count, const int *ind, const double *val, size_t limit,
                             const char *what);

@@ -168,7 +168,7 @@ class LpReader : LpTokens {
         Relation found = relation(true);
         if (found.body.isQuadratic) {
             lastIsLabelled = false;
-            return quadratic(constr.name, std::move(found));
+            return quadratic(std::move(constr.name), std::move(found));
         }
         constr.row = std::move(found.body.terms);
         constr.lower = std::fmax(found.lower, -KVX_INFINITY); // not NaN
@@ -179,13 +179,13 @@ class LpReader : LpTokens {
         lastIsLabelled = isLabelled;
     }
 
-    void quadratic(const std::string &name, Relation found) {
+    void quadratic(Name name, Relation found) {
         const bool isLow = !std::isnan(found.lower), isHigh = !std::isnan(found.upper);
         if (isLow && isHigh && found.lower != found.upper)
             fail(KVX_ERROR_FILE_READ, "a quadratic constraint needs one side");
         addQuadraticConstraint(model,
-                               {name, std::move(found.body.terms), std::move(found.body.products),
-                                isHigh ? found.upper : found.lower,
+                               {std::move(name), std::move(found.body.terms),
+                                std::move(found.body.products), isHigh ? found.upper : found.lower,
                                 isLow && isHigh ? KVX_EQUAL
                                 : isHigh        ? KVX_LESS_EQUAL
                                                 : KVX_GREATER_EQUAL});

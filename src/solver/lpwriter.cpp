@@ -15,7 +15,7 @@ class LpWriter {
 
     std::string write() {
         if (!model.name.empty())
-            line("\\Problem name: " + model.name);
+            line("\\Problem name: " + model.name.text());
         line(model.objsense == KVX_MAXIMIZE ? "Maximize" : "Minimize");
         line(" obj:");
         for (size_t j = 0; j < model.vars.size(); j++) // also zeros: all are there in their order

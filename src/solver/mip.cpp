@@ -412,20 +412,17 @@ struct Mip {
 
     // Rows without sides mislead some cut generators.
     void dropFreeRows() {
-        std::vector<int> rows;
-        size_t kept = 0;
-        for (size_t i = 0; i < problem.rowLower.size(); i++)
+        std::vector<int> rows, numbers(problem.rowLower.size());
+        for (size_t i = 0; i < numbers.size(); i++)
             if (problem.rowLower[i] == -COIN_DBL_MAX && problem.rowUpper[i] == COIN_DBL_MAX) {
                 rows.push_back(intSize(i));
-            } else {
-                problem.rowLower[kept] = problem.rowLower[i];
-                problem.rowUpper[kept++] = problem.rowUpper[i];
+                numbers[i] = -1;
             }
-        if (kept == 0)
+        if (rows.size() == numbers.size())
             return;
         problem.matrix.deleteRows(intSize(rows.size()), rows.data());
-        problem.rowLower.resize(kept);
-        problem.rowUpper.resize(kept);
+        keep(problem.rowLower, numbers);
+        keep(problem.rowUpper, numbers);
     }
 
     Run &run;

@@ -26,13 +26,12 @@ const char *NameTexts::of(const Name &name) {
     if (name.given() || name.empty())
         return name.empty() ? "" : name.given();
     std::lock_guard lock(mutex);
-    std::deque<Text> &texts = made[name.letter()];
+    std::deque<Room> &texts = made[name.letter()];
     for (int number = intSize(texts.size()); number <= name.number(); number++) {
-        Text &text = texts.emplace_back();
-        const std::string_view written = Name(name.letter(), number).text(text.text);
-        text.text[written.size()] = '\0';
+        Room &room = texts.emplace_back();
+        room[Name(name.letter(), number).text(room).size()] = '\0';
     }
-    return texts[at(name.number())].text;
+    return texts[at(name.number())];
 }
 
 void forgetNames(KVXmodel &model) {

@@ -97,13 +97,13 @@ struct Solution {
     double objval = 0, bound = 0, runtime = 0, nodes = 0, iterations = 0;
     int solutions = 0;
     bool hasX = false, hasDuals = false;
-    std::vector<double> x, reducedCosts; // one a variable
-    std::vector<double> duals, slacks;   // one a constraint
+    std::vector<double> x = {}, reducedCosts = {}; // one a variable
+    std::vector<double> duals = {}, slacks = {};   // one a constraint
 };
 
 // What a model is, without its environment, runs and results.
 struct ModelData {
-    std::string name;
+    Name name;
     int objsense = KVX_MINIMIZE;
     double objcon = 0;
     std::vector<Variable> vars;
@@ -218,7 +218,7 @@ void keep(std::vector<Item> &items, const std::vector<int> &numbers) {
     for (size_t i = 0; i < items.size(); i++)
         if (numbers[i] >= 0 && kept++ != i)
             items[kept - 1] = std::move(items[i]);
-    items.erase(items.begin() + static_cast<std::ptrdiff_t>(kept), items.end());
+    items.resize(kept);
 }
 
 // The sense of a row with those sides.

@@ -102,8 +102,8 @@ class MpsReader {
             {"OBJSENSE", &MpsReader::sense},
             {"ROWS", &MpsReader::row},
             {"COLUMNS", &MpsReader::column},
-            {"RHS", &MpsReader::rightHandSide},
-            {"RANGES", &MpsReader::range},
+            {"RHS", &MpsReader::forRows<&Row::rhs>},
+            {"RANGES", &MpsReader::forRows<&Row::range>},
             {"BOUNDS", &MpsReader::bound},
             {"SOS", &MpsReader::setLine},
             {"SOS1", &MpsReader::setLine},
@@ -202,22 +202,19 @@ class MpsReader {
     }
 
     // [SET] ROW NUMBER [ROW NUMBER]
-    template <class Number>
-    void forRows(Number Row::*number) {
+    template <auto number>
+    void forRows() {
         expect(words.size() >= 2 && words.size() <= 5, "[SET] ROW NUMBER [ROW NUMBER]");
         size_t first = words.size() % 2;
         checkSet(first ? words[0] : "");
         for (size_t k = first; k < words.size(); k += 2) {
-            Number &target = rows[rowIndex.find(words[k])].*number;
+            auto &target = rows[rowIndex.find(words[k])].*number;
             if (!std::isnan(target))
                 refuse(words[k], "is there twice");
-            target = numberIn<Number>(words[k + 1]);
+            target = numberIn<std::decay_t<decltype(target)>>(words[k + 1]);
             this->number(words[k + 1]);
         }
     }
-
-    void rightHandSide() { forRows(&Row::rhs); }
-    void range() { forRows(&Row::range); }
 
     void bound() {
         std::string_view type = words[0];
@@ -279,7 +276,7 @@ class MpsReader {
         const int row = hasRow ? intSize(rowIndex.find(since(1))) : objective;
         if (row < 0)
             refuse(words[0], "needs an objective row");
-        const std::string rowName = model.constrs[at(row)].name;
+        const std::string rowName = model.constrs[at(row)].name.text();
         if (row == objective ? isOfRow : !rows[at(row)].sense)
             refuse(rowName, "is no row with a side");
         if (quadratics.count(row))
@@ -324,7 +321,7 @@ class MpsReader {
             }
             if (quadratic != quadratics.end()) {
                 if (!std::isnan(row.range))
-                    refuse(std::string(constr.name), "is quadratic and has a range");
+                    refuse(constr.name.text(), "is quadratic and has a range");
                 const Entries linear = model.rows[at(i)];
                 addQuadraticConstraint(model, {std::move(constr.name),
                                                {linear.begin(), linear.end()},

@@ -145,9 +145,9 @@ std::string writeMps(const ModelData &model, const Names &names) {
         for (auto [var, weight] : set.members)
             sets += line("", names.vars[at(var)], toText(weight));
     }
+    const std::string name = model.name.text();
     // What ends the name like that would be taken for the format.
-    std::string text =
-        "NAME          " + model.name + (hasEnding(model.name, " free") ? " FREE" : "");
+    std::string text = "NAME          " + name + (hasEnding(name, " free") ? " FREE" : "");
     text += model.objsense == KVX_MAXIMIZE ? "\nOBJSENSE\n    MAX\n" : "\n";
     return text + "ROWS\n" + rows + "COLUMNS\n" + columns + "RHS\n" + rhs +
            section("RANGES", ranges) + section("BOUNDS", bounds) + section("SOS", sets) +

@@ -17,6 +17,8 @@
 
 namespace korvex {
 
+using Room = char[16]; // for the text of a name that nobody gave
+
 class Name {
   public:
     Name() = default; // none
@@ -40,7 +42,7 @@ class Name {
     }
     char letter() const { return static_cast<char>(bits >> 1); } // of a name that wasn't given
     int number() const { return static_cast<int>(bits >> 9); }
-    std::string_view text(char (&room)[16]) const { // in room unless it was given
+    std::string_view text(Room &room) const { // in room unless it was given
         if (given() || empty())
             return empty() ? "" : given();
         room[0] = letter();
@@ -48,10 +50,9 @@ class Name {
         return {room, static_cast<std::size_t>(end - room)};
     }
     std::string text() const {
-        char room[16];
+        Room room;
         return std::string(text(room));
     }
-    operator std::string() const { return text(); }
 
   private:
     static std::uint64_t address(std::string_view text) {
@@ -65,17 +66,8 @@ class Name {
 };
 
 inline bool operator==(const Name &name, std::string_view text) {
-    char room[16];
+    Room room;
     return name.text(room) == text;
-}
-inline std::string operator+(std::string text, const Name &name) {
-    return std::move(text) + name.text();
-}
-inline std::string operator+(const Name &name, const char *text) {
-    return name.text() + text;
-}
-inline std::string operator+(const Name &name, char c) {
-    return name.text() + c;
 }
 
 // Texts of names for callers: those that nobody gave are made when they are asked for, and stay.
@@ -84,11 +76,8 @@ class NameTexts {
     const char *of(const Name &name);
 
   private:
-    struct Text {
-        char text[16];
-    };
     std::mutex mutex;
-    std::map<char, std::deque<Text>> made; // by letter and number
+    std::map<char, std::deque<Room>> made; // by letter and number
 };
 
 // The elements of a list by their names: a hash table with open addressing, since a million names
@@ -107,7 +96,7 @@ class NameIndex {
             size = 0;
             std::vector<Place>(room).swap(places);
         }
-        for (char room[16]; size < elements.size(); size++) {
+        for (Room room; size < elements.size(); size++) {
             const std::string_view text = elements[size].name.text(room);
             const std::size_t hash = std::hash<std::string_view>()(text);
             Place &place = placeOf(elements, text, hash);

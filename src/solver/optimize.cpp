@@ -42,17 +42,19 @@ const char *const statusTexts[] = {
 void store(Run &run, const Outcome &outcome) {
     KVXmodel &model = run.model;
     Solution &solution = model.solution;
-    solution.status = outcome.status;
-    solution.runtime = run.elapsed();
-    solution.bound = run.bound;
-    solution.nodes = run.nodes;
-    solution.iterations = run.iterations;
-    solution.solutions = run.solutions;
-    solution.hasX = !outcome.x.empty();
-    solution.hasDuals = !outcome.duals.empty();
+    solution = {outcome.status,
+                outcome.objective,
+                run.bound,
+                run.elapsed(),
+                run.nodes,
+                run.iterations,
+                run.solutions,
+                !outcome.x.empty(),
+                !outcome.duals.empty(),
+                outcome.x,
+                outcome.reducedCosts,
+                outcome.duals};
     if (solution.hasX) {
-        solution.objval = outcome.objective;
-        solution.x = outcome.x;
         solution.x.resize(model.vars.size());
         for (size_t i = 0; i < model.constrs.size(); i++) {
             const Sides &constr = model.constrs[i];
@@ -63,9 +65,7 @@ void store(Run &run, const Outcome &outcome) {
         }
     }
     if (solution.hasDuals) {
-        solution.duals = outcome.duals;
         solution.duals.resize(model.constrs.size());
-        solution.reducedCosts = outcome.reducedCosts;
         solution.reducedCosts.resize(model.vars.size());
         model.hasBasis = !outcome.basis.empty();
         for (size_t j = 0; model.hasBasis && j < model.vars.size(); j++)
@@ -141,7 +141,7 @@ void refuseNumber(double value, const std::string &what) {
 void Problem::checkNumbers(const ModelData &model) const {
     auto check = [](double value, const char *what, const auto &elements, size_t k) {
         if (!isSolvable(value))
-            refuseNumber(value, what + (k < elements.size() ? " of " + elements[k].name
+            refuseNumber(value, what + (k < elements.size() ? " of " + elements[k].name.text()
                                                             : " of a reformulation's element"));
     };
     auto finite = [](double bound) { return std::abs(bound) == COIN_DBL_MAX ? 0 : bound; };

@@ -2,10 +2,12 @@
 
 #include "input.h"
 #include "log.h"
+#include "textfile.h"
 
 #include <cstring>
 #include <fstream>
 #include <limits>
+#include <sstream>
 
 namespace korvex {
 namespace {
@@ -168,13 +170,16 @@ void setParam(KVXenv &env, const char *name, const ParameterValue &value) {
     setParam(env, i, isNumber ? ParameterValue(1.0 * *integer) : value);
 }
 
-void writeParams(const KVXenv &env, std::ostream &file) {
+std::string writeParams(const KVXenv &env) {
+    std::string text;
     for (size_t i = 0; i < table().size(); i++)
         if (env.parameters[i] != table()[i].standard)
-            file << table()[i].name << ' ' << asText(env.parameters[i]) << '\n';
+            text += std::string(table()[i].name) + ' ' + asText(env.parameters[i]) + '\n';
+    return text;
 }
 
-void readParams(KVXenv &env, std::istream &file, const std::string &filename) {
+void readParams(KVXenv &env, const char *filename) {
+    std::istringstream file(readFile(filename));
     std::vector<ParameterValue> values = env.parameters;
     std::string line;
     for (int number = 1; std::getline(file, line); number++) {
@@ -187,7 +192,7 @@ void readParams(KVXenv &env, std::istream &file, const std::string &filename) {
             size_t i = position(line.substr(0, end).c_str());
             assign(values, i, fromText(i, end < line.size() ? line.substr(end + 1) : ""));
         } catch (const Failure &failure) {
-            fail(failure.status, "%s, line %d: %s", filename.c_str(), number, failure.text.c_str());
+            fail(failure.status, "%s, line %d: %s", filename, number, failure.text.c_str());
         }
     }
     setParams(env, std::move(values));
@@ -250,7 +255,7 @@ int KVXresetparams(KVXenv *env) {
 int KVXwriteparams(KVXenv *env, const char *filename) {
     return guardedRead(env, [&] {
         std::ofstream file(needed(filename, "filename"));
-        writeParams(*env, file);
+        file << writeParams(*env);
         file.close();
         if (!file)
             fail(KVX_ERROR_FILE_WRITE, "%s: can't be written", filename);
@@ -258,10 +263,5 @@ int KVXwriteparams(KVXenv *env, const char *filename) {
 }
 
 int KVXreadparams(KVXenv *env, const char *filename) {
-    return guarded(env, [&] {
-        std::ifstream file(needed(filename, "filename"));
-        if (!file)
-            fail(KVX_ERROR_FILE_READ, "%s: can't be opened", filename);
-        readParams(*env, file, filename);
-    });
+    return guarded(env, [&] { readParams(*env, needed(filename, "filename")); });
 }

@@ -4,8 +4,6 @@
 
 #include "model.h"
 
-#include <iosfwd>
-
 namespace korvex {
 
 std::vector<ParameterValue> defaultParameters();
@@ -18,9 +16,9 @@ const std::string &strParam(const KVXenv &env, const char *name);
 // Sets a parameter; fails without a change when that isn't allowed. An int will do for a double.
 void setParam(KVXenv &env, const char *name, const ParameterValue &value);
 
-// Parameter files; filename is for the error text only. All or nothing.
-void writeParams(const KVXenv &env, std::ostream &file);
-void readParams(KVXenv &env, std::istream &file, const std::string &filename);
+// Parameter files: what one says, and reading one, all or nothing.
+std::string writeParams(const KVXenv &env);
+void readParams(KVXenv &env, const char *filename);
 
 } // namespace korvex
 

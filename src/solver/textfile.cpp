@@ -117,7 +117,7 @@ Names::Names(const ModelData &model, bool (*canHold)(std::string_view)) {
     auto fill = [&](std::vector<std::string> &names, const auto &elements, char letter,
                     std::unordered_set<std::string> &taken) {
         for (const auto &element : elements) {
-            std::string name = element.name;
+            std::string name = element.name.text();
             bool isHeld = canHold(name) && taken.insert(name).second;
             names.push_back(isHeld ? std::move(name) : "");
         }

@@ -38,7 +38,7 @@ class Index {
     Index(const std::vector<Element> &elements, bool (*isWritable)(std::string_view))
         : Index(elements) {
         for (size_t k = 0; k < elements.size(); k++)
-            if (std::string name = elements[k].name; !isWritable(name) || find(name) != k)
+            if (std::string name = elements[k].name.text(); !isWritable(name) || find(name) != k)
                 fail(KVX_ERROR_FILE_WRITE, "not unique, or no name in this format: '%s'",
                      name.c_str());
     }
