@@ -65,25 +65,16 @@ std::string toText(double value) {
 }
 
 template <class Number>
-static bool parseNumber(std::string_view text, Number &value) {
+bool parse(std::string_view text, Number &value) {
     if (text.size() > 1 && text[0] == '+' && text[1] != '-')
         text.remove_prefix(1);
     const char *last = text.data() + text.size();
     auto [end, error] = std::from_chars(text.data(), last, value);
-    return error == std::errc() && end == last;
+    return error == std::errc() && end == last && !std::isnan(value);
 }
-
-bool parse(std::string_view text, int &value) {
-    return parseNumber(text, value);
-}
-
-bool parse(std::string_view text, double &value) {
-    return parseNumber(text, value) && !std::isnan(value);
-}
-
-bool parse(std::string_view text, long double &value) {
-    return parseNumber(text, value) && !std::isnan(value);
-}
+template bool parse(std::string_view text, int &value);
+template bool parse(std::string_view text, double &value);
+template bool parse(std::string_view text, long double &value);
 
 bool isName(std::string_view text) {
     for (size_t i = 0, length; i < text.size(); i += length) {

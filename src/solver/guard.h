@@ -99,9 +99,8 @@ int guarded(KVXenv *env, Body &&body) noexcept {
 // The shortest text that reads back as the same number; infinities as 1e+100.
 std::string toText(double value);
 // The whole text as a number; false when it isn't one. A NaN is none.
-bool parse(std::string_view text, int &value);
-bool parse(std::string_view text, double &value);
-bool parse(std::string_view text, long double &value);
+template <class Number> // int, double or long double
+bool parse(std::string_view text, Number &value);
 
 // Whether a text may stand in a model: characters up to U+FFFF, which UTF-8 and JNI encode alike,
 // and no control characters.

@@ -398,8 +398,7 @@ Outcome solveQuadratic(Run &run, const Problem &problem) {
     Outcome outcome;
     if (run.stopped()) {
         outcome.status = run.stopped();
-    } else if (problem.violation(method.x) <= run.tolerance() &&
-               problem.isOptimal(method.x, method.multipliers.data(), run.tolerance())) {
+    } else if (problem.isOptimal(method.x, method.multipliers.data(), run.tolerance())) {
         outcome.status = KVX_STATUS_OPTIMAL;
         outcome.x = method.x;
         outcome.objective = problem.objective(method.x);

@@ -74,6 +74,13 @@ class LpWriter {
                                     : signedText(value) + ' ' + name);
     }
 
+    template <class List>
+    void terms(const std::string &label, const List &entries) {
+        line(' ' + label);
+        for (auto [var, coefficient] : entries)
+            term(coefficient, names.vars[at(var)]);
+    }
+
     void products(const Products &products, double factor) {
         append(" + [");
         for (auto [pair, value] : products)
@@ -84,9 +91,7 @@ class LpWriter {
     }
 
     void quadratic(const QuadraticConstraint &constr, const std::string &name) {
-        line(' ' + name + ':');
-        for (auto [var, coefficient] : constr.linear)
-            term(coefficient, names.vars[at(var)]);
+        terms(name + ':', constr.linear);
         products(constr.products, 1);
         append((constr.sense == KVX_EQUAL        ? " = "
                 : constr.sense == KVX_LESS_EQUAL ? " <= "
@@ -98,9 +103,7 @@ class LpWriter {
         const double lower = constr.lower, upper = constr.upper;
         const bool isLow = lower > -KVX_INFINITY, isHigh = upper < KVX_INFINITY;
         auto side = [&](const std::string &label, const char *sense, double value) {
-            line(' ' + label);
-            for (auto [var, coefficient] : entries)
-                term(coefficient, names.vars[at(var)]);
+            terms(label, entries);
             if (entries.empty())
                 append(names.vars.empty() ? " 0" : " 0 " + names.vars[0]);
             append(sense + (value > -KVX_INFINITY ? toText(value) : "-inf"));

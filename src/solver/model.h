@@ -233,14 +233,6 @@ CoinPackedMatrix matrixOf(const ModelData &model);
 // The objective, and all other objectives, out of the way.
 void clearObjective(ModelData &model);
 
-// Indices are ints in the interface and sizes inside.
-inline size_t at(int index) {
-    return static_cast<size_t>(index);
-}
-inline int intSize(size_t size) {
-    return static_cast<int>(size);
-}
-
 } // namespace korvex
 
 #endif

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <numeric>
 
 namespace korvex {
 
@@ -74,9 +75,8 @@ Outcome solveObjectives(Run &run, Problem problem) {
                    {{KVX_CB_MULTIOBJ_SOLVED, solved}, {KVX_CB_MULTIOBJ_OBJVAL, value}}, &run.best);
         for (int k : members) {
             const Objective &objective = run.model.objectives[at(k)];
-            double own = objective.constant;
-            for (size_t j = 0; j < objective.coefs.size(); j++)
-                own += objective.coefs[j] * run.best[j];
+            const double own = std::inner_product(objective.coefs.begin(), objective.coefs.end(),
+                                                  run.best.begin(), objective.constant);
             tolerated += std::abs(objective.weight) *
                          std::max(objective.abstol, objective.reltol * std::abs(own));
         }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace korvex {
 namespace {
@@ -179,9 +180,7 @@ void Problem::setSides(ClpSimplex &lp) const {
 }
 
 double Problem::objective(const std::vector<double> &x) const {
-    double value = constant;
-    for (size_t j = 0; j < cost.size(); j++)
-        value += cost[j] * x[j];
+    double value = std::inner_product(cost.begin(), cost.end(), x.begin(), constant);
     for (auto [pair, factor] : products)
         value += factor * x[at(pair.first)] * x[at(pair.second)];
     return sense * value + 0.0; // no negative zero
@@ -224,6 +223,8 @@ bool Problem::makeSolution(std::vector<double> &x, double tolerance) const {
 
 bool Problem::isOptimal(const std::vector<double> &x, const double *multipliers,
                         double tolerance) const {
+    if (!(violation(x) <= tolerance))
+        return false;
     std::vector<double> activity(rowLower.size());
     matrix.times(x.data(), activity.data());
     const double most = tolerance * (1 + std::abs(objective(x)));

@@ -53,8 +53,8 @@ struct Problem {
     // solution then.
     bool makeSolution(std::vector<double> &x, double tolerance) const;
 
-    // Whether the rows' multipliers prove that a feasible point of the problem without integers is
-    // optimal.
+    // Whether a point of the problem without integers is feasible, and the rows' multipliers prove
+    // that it is optimal.
     bool isOptimal(const std::vector<double> &x, const double *multipliers, double tolerance) const;
 
     void addRow(const Constraint &row);

@@ -17,7 +17,7 @@ void Rows::forget() noexcept {
     derived.places.clear();
 }
 
-int Rows::find(std::size_t row, int var) const noexcept {
+int Rows::find(size_t row, int var) const noexcept {
     const Entries entries = (*this)[row];
     if (slices[row].length > longRow)
         try {
@@ -36,29 +36,28 @@ int Rows::find(std::size_t row, int var) const noexcept {
     return found == entries.last ? -1 : static_cast<int>(found - entries.first);
 }
 
-double Rows::coefficient(std::size_t row, int var) const {
+double Rows::coefficient(size_t row, int var) const {
     int place = find(row, var);
-    return place < 0 ? 0 : (*this)[row][static_cast<std::size_t>(place)].value;
+    return place < 0 ? 0 : (*this)[row][at(place)].value;
 }
 
-static Lists transposed(const Rows &rows, std::size_t vars) {
+static Lists transposed(const Rows &rows, size_t vars) {
     Lists columns;
     columns.begin.assign(vars + 1, 0);
     columns.entries.resize(rows.nonzeros());
-    for (std::size_t i = 0; i < rows.size(); i++)
+    for (size_t i = 0; i < rows.size(); i++)
         for (const Entry &entry : rows[i])
-            columns.begin[static_cast<std::size_t>(entry.index)]++;
-    std::size_t end = 0;
-    for (std::size_t &begin : columns.begin)
+            columns.begin[at(entry.index)]++;
+    size_t end = 0;
+    for (size_t &begin : columns.begin)
         begin = end += begin;
-    for (std::size_t i = rows.size(); i-- > 0;) // backwards: the ends become the begins
+    for (size_t i = rows.size(); i-- > 0;) // backwards: the ends become the begins
         for (const Entry &entry : rows[i])
-            columns.entries[--columns.begin[static_cast<std::size_t>(entry.index)]] = {
-                static_cast<int>(i), entry.value};
+            columns.entries[--columns.begin[at(entry.index)]] = {intSize(i), entry.value};
     return columns;
 }
 
-const Lists &Rows::columns(std::size_t vars) const {
+const Lists &Rows::columns(size_t vars) const {
     std::lock_guard lock(derived.mutex);
     if (!derived.columns || derived.columns->size() != vars)
         derived.columns = std::make_unique<Lists>(transposed(*this, vars));
@@ -67,14 +66,14 @@ const Lists &Rows::columns(std::size_t vars) const {
 
 void Rows::append(Lists rows) {
     grow(slices, rows.size());
-    const std::size_t base = pool.size();
+    const size_t base = pool.size();
     if (base == 0) {
         pool.swap(rows.entries);
     } else {
         grow(pool, rows.entries.size());
         pool.insert(pool.end(), rows.entries.begin(), rows.entries.end());
     }
-    for (std::size_t k = 0; k < rows.size(); k++) {
+    for (size_t k = 0; k < rows.size(); k++) {
         const int length = static_cast<int>(rows.begin[k + 1] - rows.begin[k]);
         slices.push_back({base + rows.begin[k], length, length});
     }
@@ -87,33 +86,31 @@ void Rows::append(const std::vector<Entry> &row) {
 }
 
 // A slice without room moves to the end of the pool, or grows there.
-void Rows::reserve(std::size_t row, std::size_t more) {
+void Rows::reserve(size_t row, size_t more) {
     Slice &slice = slices[row];
-    const auto length = static_cast<std::size_t>(slice.length),
-               room = static_cast<std::size_t>(slice.room);
+    const size_t length = at(slice.length), room = at(slice.room);
     if (length + more <= room)
         return;
-    const std::size_t wanted = std::max(length + more, length + length / 2 + 2);
+    const size_t wanted = std::max(length + more, length + length / 2 + 2);
     const bool isLast = slice.begin + room == pool.size();
     if (isLast) {
         grow(pool, wanted - room);
         pool.resize(pool.size() + wanted - room);
     } else {
-        const std::size_t begin = pool.size();
+        const size_t begin = pool.size();
         grow(pool, wanted);
         pool.resize(begin + wanted);
-        std::copy_n(pool.begin() + static_cast<std::ptrdiff_t>(slice.begin), length,
-                    pool.begin() + static_cast<std::ptrdiff_t>(begin));
+        std::copy_n(pool.data() + slice.begin, length, pool.data() + begin);
         slice.begin = begin;
     }
-    slice.room = static_cast<int>(wanted);
+    slice.room = intSize(wanted);
 }
 
 void Rows::compact() {
     std::vector<Entry> tight;
     tight.reserve(count + count / 2);
     for (Slice &slice : slices) {
-        auto begin = pool.begin() + static_cast<std::ptrdiff_t>(slice.begin);
+        const Entry *begin = pool.data() + slice.begin;
         slice.begin = tight.size();
         slice.room = slice.length;
         tight.insert(tight.end(), begin, begin + slice.length);
@@ -122,11 +119,11 @@ void Rows::compact() {
 }
 
 void Rows::push(Slice &slice, Entry entry) {
-    pool[slice.begin + static_cast<std::size_t>(slice.length++)] = entry;
+    pool[slice.begin + at(slice.length++)] = entry;
     count++;
 }
 
-void Rows::add(std::size_t row, Entry entry) {
+void Rows::add(size_t row, Entry entry) {
     reserve(row, 1);
     change(row, entry.index, entry.value);
 }
@@ -134,22 +131,21 @@ void Rows::add(std::size_t row, Entry entry) {
 void Rows::addColumns(int firstVar, const Lists &columns) {
     if (pool.size() > 3 * count + 1000)
         compact();
-    const std::size_t more = columns.entries.size();
+    const size_t more = columns.entries.size();
     std::vector<Slice> plan;
     std::vector<Entry> rebuilt;
     if (more > (count + size()) / 4) { // All is copied, with the new entries in their places.
         plan.assign(size(), {0, 0, 0});
         for (const Entry &entry : columns.entries)
-            plan[static_cast<std::size_t>(entry.index)].room++;
-        std::size_t end = 0;
-        for (std::size_t i = 0; i < size(); i++) {
+            plan[at(entry.index)].room++;
+        size_t end = 0;
+        for (size_t i = 0; i < size(); i++) {
             plan[i] = {end, slices[i].length, slices[i].length + plan[i].room};
-            end += static_cast<std::size_t>(plan[i].room);
+            end += at(plan[i].room);
         }
         rebuilt.resize(end);
-        for (std::size_t i = 0; i < size(); i++)
-            std::copy((*this)[i].first, (*this)[i].last,
-                      rebuilt.begin() + static_cast<std::ptrdiff_t>(plan[i].begin));
+        for (size_t i = 0; i < size(); i++)
+            std::copy((*this)[i].first, (*this)[i].last, rebuilt.data() + plan[i].begin);
         slices.swap(plan);
         pool.swap(rebuilt);
     } else {
@@ -159,18 +155,17 @@ void Rows::addColumns(int firstVar, const Lists &columns) {
         std::sort(rows.begin(), rows.end());
         for (auto first = rows.begin(); first != rows.end();) {
             auto last = std::upper_bound(first, rows.end(), *first);
-            reserve(static_cast<std::size_t>(*first), static_cast<std::size_t>(last - first));
+            reserve(at(*first), static_cast<size_t>(last - first));
             first = last;
         }
     }
     forget();
-    for (std::size_t k = 0; k < columns.size(); k++)
+    for (size_t k = 0; k < columns.size(); k++)
         for (const Entry &entry : columns[k])
-            push(slices[static_cast<std::size_t>(entry.index)],
-                 {firstVar + static_cast<int>(k), entry.value});
+            push(slices[at(entry.index)], {firstVar + intSize(k), entry.value});
 }
 
-void Rows::change(std::size_t row, int var, double value) noexcept {
+void Rows::change(size_t row, int var, double value) noexcept {
     const int place = find(row, var);
     Slice &slice = slices[row];
     Entry *const entries = pool.data() + slice.begin;
@@ -198,13 +193,13 @@ void Rows::change(std::size_t row, int var, double value) noexcept {
 }
 
 void Rows::keep(const std::vector<int> &numbers) noexcept {
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < slices.size(); i++)
+    size_t kept = 0;
+    for (size_t i = 0; i < slices.size(); i++)
         if (numbers[i] >= 0)
             slices[kept++] = slices[i];
         else
-            count -= static_cast<std::size_t>(slices[i].length);
-    slices.erase(slices.begin() + static_cast<std::ptrdiff_t>(kept), slices.end());
+            count -= at(slices[i].length);
+    slices.resize(kept);
     forget();
 }
 
@@ -213,9 +208,9 @@ void Rows::renumber(const std::vector<int> &numbers) noexcept {
         Entry *const entries = pool.data() + slice.begin;
         int kept = 0;
         for (int k = 0; k < slice.length; k++)
-            if (int number = numbers[static_cast<std::size_t>(entries[k].index)]; number >= 0)
+            if (int number = numbers[at(entries[k].index)]; number >= 0)
                 entries[kept++] = {number, entries[k].value};
-        count -= static_cast<std::size_t>(slice.length - kept);
+        count -= at(slice.length - kept);
         slice.length = kept;
     }
     forget();

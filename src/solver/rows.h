@@ -11,6 +11,14 @@
 
 namespace korvex {
 
+// Indices are ints in the interface and sizes inside.
+inline std::size_t at(int index) {
+    return static_cast<std::size_t>(index);
+}
+inline int intSize(std::size_t size) {
+    return static_cast<int>(size);
+}
+
 struct Entry {
     int index;
     double value;

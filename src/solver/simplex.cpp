@@ -138,7 +138,7 @@ Outcome solveLp(Run &run, const Problem &problem) {
         if (!lp)
             return false;
         outcome.x.assign(lp->primalColumnSolution(), lp->primalColumnSolution() + columns);
-        return lp->status() == optimal && problem.violation(outcome.x) <= run.tolerance() &&
+        return lp->status() == optimal &&
                problem.isOptimal(outcome.x, lp->dualRowSolution(), run.tolerance());
     };
     attempt(solve);
