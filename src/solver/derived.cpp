@@ -14,10 +14,12 @@ namespace {
 
 // make(model) returns the data of the new model.
 template <class Make>
-int derive(KVXmodel *model, KVXmodel **newP, Make make) {
+int derive(KVXmodel *model, KVXenv *env, KVXmodel **newP, Make make) {
     return guarded(model, [&] {
         needed(newP, "newP");
-        *newP = makeModel(model->env, make(*model)).release();
+        if (!env)
+            fail(KVX_ERROR_INVALID_ARGUMENT, "the environment is null");
+        *newP = makeModel(*env, make(*model)).release();
     });
 }
 
@@ -162,12 +164,7 @@ ModelData feasibility(const KVXmodel &model) {
 } // namespace
 
 int KVXcopymodeltoenv(KVXmodel *model, KVXenv *env, KVXmodel **newP) {
-    return guarded(model, [&] {
-        needed(newP, "newP");
-        if (env == nullptr)
-            fail(KVX_ERROR_INVALID_ARGUMENT, "the environment is null");
-        *newP = makeModel(*env, *model).release();
-    });
+    return derive(model, env, newP, itself);
 }
 
 int KVXconverttofixed(KVXmodel *model) {
@@ -176,7 +173,7 @@ int KVXconverttofixed(KVXmodel *model) {
 
 #define KVX_DERIVE(function, make)                                                                 \
     int function(KVXmodel *model, KVXmodel **newP) {                                               \
-        return derive(model, newP, make);                                                          \
+        return derive(model, KVXgetenv(model), newP, make);                                        \
     }
 KVX_DERIVE(KVXrelaxmodel, relaxed)
 KVX_DERIVE(KVXfixmodel, fixed)

@@ -60,33 +60,29 @@ class LpReader : LpTokens {
     };
 
     // [ NUMBER VARIABLE ^ 2 + NUMBER VARIABLE * VARIABLE ... ] and in the objective / 2
-    Products products(double factor, bool mayBeNew, bool isHalved) {
-        std::vector<int> firsts, seconds;
-        std::vector<double> values;
-        while (!take("]")) {
-            if (!values.empty() && here() != "+" && here() != "-")
+    void products(Products &products, double factor, bool mayBeNew, bool isHalved) {
+        for (bool isFirst = true; !take("]"); isFirst = false) {
+            if (!isFirst && here() != "+" && here() != "-")
                 expected(here(), "+, - or ]");
             double value = 1, sign = this->sign();
             if (parse(here(), value)) {
                 take();
                 take("*");
             }
-            firsts.push_back(variable(mayBeNew));
-            if (take("^")) {
-                if (!take("2"))
-                    expected(here(), "2");
-                seconds.push_back(firsts.back());
-            } else if (take("*")) {
-                seconds.push_back(variable(mayBeNew));
-            } else {
+            const int first = variable(mayBeNew);
+            int second = first;
+            if (take("*"))
+                second = variable(mayBeNew);
+            else if (!take("^"))
                 expected(here(), "^ 2 or * and a variable");
-            }
-            values.push_back(factor * sign * value / (isHalved ? 2 : 1));
+            else if (!take("2"))
+                expected(here(), "2");
+            value = readFinite(factor * sign * value / (isHalved ? 2 : 1), "a coefficient");
+            if (value != 0)
+                addProducts(products, {{std::minmax(first, second), value}});
         }
         if (isHalved && !(take("/") && take("2")))
             expected(here(), "/ 2");
-        return readProducts(intSize(values.size()), firsts.data(), seconds.data(), values.data(),
-                            model.vars.size());
     }
 
     // Terms with signs between them.
@@ -99,7 +95,7 @@ class LpReader : LpTokens {
             double factor = sign();
             if (take("[")) {
                 result.isQuadratic = true;
-                addProducts(result.products, products(factor, mayBeNew, isObjective));
+                products(result.products, factor, mayBeNew, isObjective);
                 continue;
             }
             bool isNumber = parse(here(), value);
