@@ -7,6 +7,7 @@
 #include <ClpSolve.hpp>
 
 #include <algorithm>
+#include <cmath>
 
 namespace korvex {
 
@@ -105,12 +106,12 @@ void solve(ClpSimplex &lp, const Run &run, const Problem &problem) {
     lp.initialSolve(options);
 }
 
-// What isn't basic is at the bound that it has. Clp now and then says that it is at one that it
-// hasn't.
+// What isn't basic is at the bound that it has, if any. Clp now and then says that it is at one
+// that it hasn't, or leaves it at one that Clp has made up.
 int basisStatus(ClpSimplex::Status status, double value, double lower, double upper) {
     if (status == ClpSimplex::basic)
         return KVX_BASIC;
-    if (lower == -COIN_DBL_MAX && upper == COIN_DBL_MAX)
+    if (std::min(value - lower, upper - value) > 1e-6 * (1 + std::abs(value)))
         return KVX_SUPERBASIC;
     return value - lower <= upper - value ? KVX_NONBASIC_LOWER : KVX_NONBASIC_UPPER;
 }
