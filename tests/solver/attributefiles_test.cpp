@@ -11,12 +11,13 @@ int write(const Model &model, const char *name) {
 
 TEST(AttributeFiles, AreReadWholeOrNotAtAll) {
     Env env;
-    const char *text = "min x + i + j st c: x + i <= 4 d: i - j >= 1 int i j";
+    const char *text = "min x + i + j + y st c: x + i <= 4 d: i - j >= 1 int i j";
     Model model = fromText(env, text), other = fromText(env, text);
-    const Vector start = {0.1, KVX_UNDEFINED, 1e17 / 3};
-    const std::vector<int> vars = {0, -2, -1}, rows = {-1, 0};
-    MUST(model, KVXsetdblattrarray(model.get(), "Start", 0, 3, start.data()));
-    MUST(model, KVXsetintattrarray(model.get(), "VarBasis", 0, 3, vars.data()));
+    Vector start = {0.1, KVX_UNDEFINED, 1e17 / 3, 0};
+    const std::vector<int> vars = {0, -2, 0, -1}, rows = {-1, -2};
+    MUST(model, KVXsetdblattrarray(model.get(), "Start", 0, 4, start.data()));
+    MUST(other, KVXsetdblattrelement(other.get(), "Start", 1, start[1] = 5)); // stays
+    MUST(model, KVXsetintattrarray(model.get(), "VarBasis", 0, 4, vars.data()));
     MUST(model, KVXsetintattrarray(model.get(), "ConstrBasis", 0, 2, rows.data()));
     setParam(model, "MIPGap", "0.123");
     for (const char *name : {"a.mst.gz", "a.bas", "a.prm.bz2"}) {
@@ -25,7 +26,7 @@ TEST(AttributeFiles, AreReadWholeOrNotAtAll) {
     }
     for (const char *name : {"a.sol", "a.json"})
         EXPECT_EQ(KVX_ERROR_DATA_NOT_AVAILABLE, write(model, name));
-    for (auto [name, damaged] : {std::pair{"b.mst", "# comment\nx 7\ny 2\n"},
+    for (auto [name, damaged] : {std::pair{"b.mst", "# comment\nx 7\nz 2\n"},
                                  {"b.sol", "x 7\ni 7x\n"},
                                  {"b.bas", "NAME\n UL x\n XU i nowhere\nENDATA\n"},
                                  {"c.bas", "NAME\n UL x\n"},
@@ -38,7 +39,7 @@ TEST(AttributeFiles, AreReadWholeOrNotAtAll) {
     double gap = 0;
     EXPECT_EQ(KVX_OK, KVXgetdblparam(KVXgetenv(other.get()), "MIPGap", &gap));
     EXPECT_EQ(std::tuple(start, vars, rows, 0.123),
-              std::tuple(dblAttrs(other, "Start", 3), intAttrs(other, "VarBasis", 3),
+              std::tuple(dblAttrs(other, "Start", 4), intAttrs(other, "VarBasis", 4),
                          intAttrs(other, "ConstrBasis", 2), gap));
     for (const char *name : {" x", "#x"}) {
         MUST(model, KVXsetstrattrelement(model.get(), "VarName", 0, name));
@@ -71,9 +72,12 @@ TEST(AttributeFiles, ResultsAreWritten) {
     MUST(model, KVXsetdblattrelement(model.get(), "RHS", 0, 2));
     json = result();
     EXPECT_EQ(json["status"], "infeasible");
-    EXPECT_TRUE(json["objective"].is_null());
-    setParam(model, "ResultFile", "/nowhere/r.sol");
-    MUST(model, KVXoptimize(model.get())) << "there is no solution to write";
+    EXPECT_TRUE(json["objective"].is_null() && json["bound"].is_null());
+    MUST(model, KVXreset(model.get(), 1));
+    for (const char *none : {"/nowhere/r.sol", "/nowhere/r.bas"}) {
+        setParam(model, "ResultFile", none);
+        MUST(model, KVXoptimize(model.get())) << "there is nothing to write";
+    }
 }
 
 TEST(FileNames, EndingsSayWhatAFileIs) {

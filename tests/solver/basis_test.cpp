@@ -1,6 +1,8 @@
 // Basis solves, by multiplying back on a model with thousands of rows.
 #include "solver_case.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr size_t rows = 2000, columns = 2500;
@@ -73,11 +75,18 @@ TEST(Basis, SolvesMultiplyBack) {
     expectEqual(dense, products);
 
     const Vector tableau = solve([&](auto x) { return KVXBinvRowi(m, 17, x); }, rows + columns);
-    for (int j = 0; j < static_cast<int>(rows + columns); j += 500) {
+    for (int j = 0; j < static_cast<int>(rows + columns); j++) {
+        if (tableau[static_cast<size_t>(j)] == 0 && j % 500 != 0)
+            continue;
         const Vector x = solve([&](auto to) { return KVXBinvColj(m, j, to); }, rows);
         EXPECT_NEAR(x[17], tableau[static_cast<size_t>(j)], 1e-9);
-        expectEqual(column(j), combined(x));
+        if (j % 500 == 0)
+            expectEqual(column(j), combined(x));
     }
+    MUST(model, KVXgetBasisHead(m, head.data()));
+    const int basic = *std::min_element(head.begin(), head.end());
+    MUST(model, KVXdelvars(m, 1, &basic));
+    EXPECT_EQ(KVX_ERROR_NUMERIC, KVXgetBasisHead(m, head.data()));
 }
 
 } // namespace

@@ -37,6 +37,12 @@ int updated(const Batch &batch) {
     return status(batch);
 }
 
+int ended(const Batch &batch) {
+    for (int k = 0; k < 2000 && updated(batch) == KVX_BATCH_RUNNING; k++)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return status(batch);
+}
+
 std::string text(const Batch &batch, const char *name) {
     const char *value = nullptr;
     EXPECT_EQ(KVX_OK, KVXgetbatchstrattr(batch.get(), name, &value)) << name;
@@ -46,12 +52,15 @@ std::string text(const Batch &batch, const char *name) {
 TEST(Batches, SolveACopyOfTheModel) {
     Env env;
     Model model = fromText(env, "max x + y st c: x + 2 y <= 11 bounds x <= 3 y <= 10 int x");
+    const int both[] = {0, 1};
+    const double ones[] = {1, 1};
+    for (int k : both)
+        MUST(model, KVXsetobjectiven(model.get(), k, 1 - k, nullptr, 2, both, ones, 0, 1, 0, 0));
+    EXPECT_EQ(KVX_OK, KVXsetdblparam(KVXgetmultiobjenv(model.get(), 1), "TimeLimit", 0));
     std::string id = submit(model);
     Batch batch = get(env, id), other = get(env, id);
     MUST(model, KVXsetdblattrelement(model.get(), "UB", 0, 0));
-    for (int k = 0; k < 2000 && updated(batch) == KVX_BATCH_RUNNING; k++)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    EXPECT_EQ(KVX_BATCH_COMPLETED, status(batch));
+    EXPECT_EQ(KVX_BATCH_COMPLETED, ended(batch));
     EXPECT_EQ(KVX_BATCH_RUNNING, status(other));
     EXPECT_EQ(text(batch, "BatchID"), id);
     EXPECT_EQ(text(batch, "EndTime").size(), std::string("2000-01-01T00:00:00Z").size());
@@ -59,6 +68,7 @@ TEST(Batches, SolveACopyOfTheModel) {
     char *json = nullptr;
     ASSERT_EQ(KVX_OK, KVXgetbatchjsonsolution(batch.get(), &json));
     EXPECT_EQ(nlohmann::json::parse(json)["objective"], 7);
+    EXPECT_EQ(nlohmann::json::parse(json)["status"], "time_limit");
     const std::string file = temporary("batch.json");
     EXPECT_EQ(KVX_OK, KVXwritebatchjsonsolution(batch.get(), file.c_str()));
     EXPECT_EQ(contents(file), json);
@@ -72,6 +82,12 @@ TEST(Batches, SolveACopyOfTheModel) {
     EXPECT_EQ(updated(other), KVX_BATCH_DISCARDED);
     EXPECT_EQ(KVX_ERROR_DATA_NOT_AVAILABLE, KVXgetbatchjsonsolution(other.get(), &json));
     EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, KVXdiscardbatch(other.get()));
+
+    MUST(model, KVXaddgenconstrExp(model.get(), "e", 0, 1, nullptr));
+    batch = get(env, submit(model));
+    EXPECT_EQ(KVX_BATCH_FAILED, ended(batch));
+    EXPECT_EQ("general constraint e: the kind Exp can't be solved",
+              text(batch, "BatchErrorMessage"));
 }
 
 TEST(Batches, AreAbortedAndRetried) {
@@ -153,24 +169,16 @@ TEST(Tuning, KeepsAndRanksTheSettingsThatItTried) {
     EXPECT_EQ(0, intAttr(model, "TuneResultCount"));
 }
 
-TEST(Tuning, KeepsToItsTimeLimit) {
+TEST(Tuning, KeepsToTimeLimits) {
     Env env;
-    Model model = marketSplit(env, 40, 5);
-    setParam(model, "TuneTimeLimit", "1");
-    auto begin = std::chrono::steady_clock::now();
-    MUST(model, KVXtunemodel(model.get()));
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
-    EXPECT_GT(intAttr(model, "TuneResultCount"), 0);
-
-    Callback slow = [](void *, int where) {
-        if (where == KVX_CB_TUNE)
-            std::this_thread::sleep_for(std::chrono::milliseconds(60));
-        return 0;
-    };
-    setParam(model, "TuneTimeLimit", "0.05");
-    setCallback(model, slow);
-    MUST(model, KVXtunemodel(model.get()));
-    EXPECT_EQ(0, intAttr(model, "TuneResultCount"));
+    for (auto [limit, seconds] : {std::pair{"TuneTimeLimit", "1"}, {"TimeLimit", "0.1"}}) {
+        Model model = marketSplit(env, 40, 5);
+        setParam(model, limit, seconds);
+        auto begin = std::chrono::steady_clock::now();
+        MUST(model, KVXtunemodel(model.get()));
+        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5)) << limit;
+        EXPECT_GT(intAttr(model, "TuneResultCount"), 0);
+    }
 }
 
 } // namespace

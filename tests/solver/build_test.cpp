@@ -120,7 +120,7 @@ TEST(Build, TakesInAndGivesBackAllKindsOfConstraints) {
                      codes[] = {KVX_NL_MULTIPLY, KVX_NL_VARIABLE, KVX_NL_SQRT, KVX_NL_CONSTANT};
     static const int parents[] = {-1, 0, 0, 2};
     static const double numbers[] = {0, 1, 2.5, 4}, nodes[] = {9, 2, 0, 16};
-    const char *const o = "tolerance=1";
+    const char *const o = "t";
     const struct {
         std::function<int(KVXmodel *)> add;
         const char *text, *refusal = "";
@@ -139,22 +139,22 @@ TEST(Build, TakesInAndGivesBackAllKindsOfConstraints) {
         {[](auto m) { return KVXaddgenconstrPWL(m, "g", 1, 2, 2, numbers, nodes + 1); },
          "1 2 -1 ; 0 2; 1 0"},
         {[o](auto m) { return KVXaddgenconstrPoly(m, "g", 1, 2, 3, numbers + 1, o); },
-         "1 2 -1 ; 1; 2.5; 4", "Poly"},
-        {[o](auto m) { return KVXaddgenconstrExp(m, "g", 0, 1, o); }, "0 1 -1 ", "Exp"},
-        {[o](auto m) { return KVXaddgenconstrExpA(m, "g", 0, 1, o, 3); }, "0 1 3 ", "ExpA"},
-        {[o](auto m) { return KVXaddgenconstrLog(m, "g", 0, 2, o); }, "0 2 -1 ", "Log"},
-        {[o](auto m) { return KVXaddgenconstrLogA(m, "g", 2, 1, o, 2); }, "2 1 2 ", "LogA"},
-        {[o](auto m) { return KVXaddgenconstrPow(m, "g", 0, 3, o, -2); }, "0 3 -2 ", "Pow"},
-        {[o](auto m) { return KVXaddgenconstrSin(m, "g", 3, 1, o); }, "3 1 -1 ", "Sin"},
-        {[o](auto m) { return KVXaddgenconstrCos(m, "g", 1, 1, o); }, "1 1 -1 ", "Cos"},
-        {[o](auto m) { return KVXaddgenconstrTan(m, "g", 2, 0, o); }, "2 0 -1 ", "Tan"},
-        {[o](auto m) { return KVXaddgenconstrLogistic(m, "g", 1, 0, o); }, "1 0 -1 ", "Logistic"},
+         "1 2 -1 ; 1; 2.5; 4t", "Poly"},
+        {[o](auto m) { return KVXaddgenconstrExp(m, "g", 0, 1, o); }, "0 1 -1 t", "Exp"},
+        {[o](auto m) { return KVXaddgenconstrExpA(m, "g", 0, 1, o, 3); }, "0 1 3 t", "ExpA"},
+        {[o](auto m) { return KVXaddgenconstrLog(m, "g", 0, 2, o); }, "0 2 -1 t", "Log"},
+        {[o](auto m) { return KVXaddgenconstrLogA(m, "g", 2, 1, o, 2); }, "2 1 2 t", "LogA"},
+        {[o](auto m) { return KVXaddgenconstrPow(m, "g", 0, 3, o, -2); }, "0 3 -2 t", "Pow"},
+        {[o](auto m) { return KVXaddgenconstrSin(m, "g", 3, 1, o); }, "3 1 -1 t", "Sin"},
+        {[o](auto m) { return KVXaddgenconstrCos(m, "g", 1, 1, o); }, "1 1 -1 t", "Cos"},
+        {[o](auto m) { return KVXaddgenconstrTan(m, "g", 2, 0, o); }, "2 0 -1 t", "Tan"},
+        {[o](auto m) { return KVXaddgenconstrLogistic(m, "g", 1, 0, o); }, "1 0 -1 t", "Logistic"},
         {[](auto m) { return KVXaddgenconstrNL(m, "g", 2, 4, codes, nodes, parents); },
          "2 -1 -1 ; 4 9 -1; 1 2 0; 8 0 0; 0 16 2", "NL"}};
     Env env;
     int kind = 0;
     for (auto &[add, text, refusal] : kinds) {
-        Model model = Data{Vector(4), {}, {}, "BBBB", {}}.build(env);
+        Model model = Data{Vector(4), {}, {}, {}, {}}.build(env);
         MUST(model, inScarceMemory(model, add));
         KVXmodel *copied = nullptr;
         MUST(model, KVXcopymodeltoenv(model.get(), env, &copied));
@@ -162,6 +162,7 @@ TEST(Build, TakesInAndGivesBackAllKindsOfConstraints) {
         EXPECT_EQ(text, describedGeneral(copied, 0));
         EXPECT_EQ(described(model.get()), described(copied));
         EXPECT_EQ(kind++, intAttrs(copy, "GenConstrType", 1)[0]);
+        EXPECT_EQ(1, intAttr(copy, "IsMIP"));
         expectRefusal(model, refusal);
     }
     EXPECT_EQ(19, kind);
@@ -196,6 +197,8 @@ TEST(Build, CallsMakeWhatTextsSay) {
         {[](auto m) { return KVXaddqpterms(m, 2, row, col, minus); },
          "max 2 + C0 + 4 C1 + 6 C2 + [ 6 C1 ^2 + 10 C0 * C1 ] / 2"},
         {[](auto m) { return KVXsetpwlobj(m, 0, 2, obj, obj); }, nullptr},
+        {[](auto m) { return KVXsetpwlobj(m, 0, 0, nullptr, nullptr); },
+         "max 2 + 0 C0 + 4 C1 + 6 C2 + [ 6 C1 ^2 + 10 C0 * C1 ] / 2"},
         {[](auto m) { return KVXsetobjectiven(m, 0, 1, names[0], 1, &two, obj, 0, 1, 0, 0); },
          nullptr},
         {[](auto m) { return KVXsetobjective(m, 0, 1, &two, &seven, 1, row, col, val, 3); },
@@ -245,6 +248,9 @@ TEST(Build, CallsMakeWhatTextsSay) {
             EXPECT_NE(before, after);
         }
     }
+    int members = 0, type = 0;
+    MUST(model, KVXgetsos(loaded, &members, &type, nullptr, nullptr, nullptr, 1, 1));
+    EXPECT_EQ(KVX_SOS_TYPE1, type); // of the second one
 }
 
 // What can be stored and not be solved, and the part of the text that says why.
@@ -336,6 +342,8 @@ TEST(Build, RefusesBadInputAndLeavesTheModelAlone) {
     refuse(invalid, "type", KVXsetcharattrarray(m, "VarType", 0, 2, "IX"));
     refuse(invalid, "empty", KVXsetstrattrarray(m, "ConstrName", 0, 2, empty));
     refuse(KVX_ERROR_VALUE_OUT_OF_RANGE, "binary", KVXsetdblattrelement(m, "UB", 0, 5));
+    refuse(KVX_ERROR_VALUE_OUT_OF_RANGE, "binary", KVXsetdblattrelement(m, "LB", 0, -5));
+    refuse(KVX_ERROR_VALUE_OUT_OF_RANGE, "basis", KVXsetintattrelement(m, "VarBasis", 0, 1));
 }
 
 } // namespace

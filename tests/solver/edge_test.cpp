@@ -19,6 +19,11 @@ TEST(Edge, ModelsWithoutRowsOrOperands) {
     // The maximum of nothing has no value.
     MUST(model, KVXaddgenconstrMax(model.get(), nullptr, 0, 0, nullptr, -inf));
     EXPECT_EQ(KVX_STATUS_INFEASIBLE, solved(model).first);
+    // That of one operand has the bound that a row implies.
+    Model implied = fromText(env, "max y st c: x <= 4 bounds x >= 1");
+    const int operand = 1;
+    MUST(implied, KVXaddgenconstrMax(implied.get(), nullptr, 0, 1, &operand, -inf));
+    EXPECT_EQ(std::pair(KVX_STATUS_OPTIMAL, 4.0), solved(implied));
 }
 
 TEST(Edge, VerdictsThatAreEasilyMissed) {

@@ -2,6 +2,7 @@
 #include "solver_case.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <tuple>
 
@@ -13,14 +14,14 @@ void erase(std::vector<T> &items, int index) {
 }
 
 // Rows long and short, whose entries come, change and go; each variable is known by its number in
-// "Obj" and in the second objective.
+// "Obj", in the second objective and in its name.
 TEST(Edit, RowsMatchADenseMatrix) {
     Env env;
     Random random(5);
     Data data{{0}, {}, {}, {}, {{{1}, 0, inf}}};
     Model model = data.build(env);
     KVXmodel *m = model.get();
-    for (int k = 0; k < 2; k++)
+    for (int k : {0, 1, 0})
         MUST(model, KVXsetobjectiven(m, k, k, nullptr, 0, nullptr, nullptr, 0, 1, 0, 0));
     MUST(model, KVXsetintattr(m, "ObjNumber", 1));
     const int begin = 0;
@@ -49,7 +50,10 @@ TEST(Edit, RowsMatchADenseMatrix) {
             }
         } else if (kind < 4 && rows < 6) {
             data.rows.push_back({dense(data.obj.size(), random(0, 3)), 0, inf});
-            const Sparse entries(data.rows.back().val);
+            Sparse entries(data.rows.back().val);
+            entries.ind.push_back(0); // Entries in one place are summed.
+            entries.val.push_back(2);
+            data.rows.back().val[0] += 2;
             MUST(model, KVXaddconstrs(m, 1, entries.size(), &begin, entries.ind.data(),
                                       entries.val.data(), ">", &zero, nullptr));
         } else if (kind == 4 && vars > 90) {
@@ -80,7 +84,10 @@ TEST(Edit, RowsMatchADenseMatrix) {
             MUST(model, KVXchgcoeffs(m, count, first.data(), second.data(), val.data()));
         }
         EXPECT_EQ(data.obj, dblAttrs(model, round % 2 ? "Obj" : "ObjN", data.obj.size()));
-        int count = 0, nonzeros = 0, begins[300], ind[1500];
+        int count = 0, nonzeros = 0, last = -1, begins[300], ind[1500];
+        const std::string name = "C" + std::to_string(std::lround(data.obj.back()));
+        MUST(model, KVXgetvarbyname(m, name.c_str(), &last));
+        EXPECT_EQ(static_cast<int>(data.obj.size()) - 1, last);
         double values[1500];
         MUST(model,
              KVXgetvars(m, &count, begins, ind, values, 0, static_cast<int>(data.obj.size())));
@@ -149,6 +156,10 @@ TEST(Edit, ChangesForgetResultsAndNames) {
         [&](auto m) { return KVXchgcoeffs(m, 1, &index, &index, &one); },
         [&](auto m) { return KVXdelconstrs(m, 1, &index); },
         [&](auto m) { return KVXsetpwlobj(m, 0, 1, &one, &one); },
+        [&](auto m) {
+            return KVXaddrangeconstrs(m, 1, 0, &index, &index, &one, &one, &one, nullptr);
+        },
+        [](auto m) { return KVXdelq(m); },
         [](auto m) { return KVXreset(m, 1); }};
     for (const auto &change : changes) {
         SCOPED_TRACE(&change - changes);
@@ -162,8 +173,10 @@ TEST(Edit, ChangesForgetResultsAndNames) {
         MUST(model, KVXsetintattrelement(model.get(), "VarBasis", 0, KVX_BASIC));
         MUST(model, change(model.get()));
         EXPECT_EQ(KVX_STATUS_LOADED, intAttr(model, "Status"));
+        const bool isReset = &change == std::end(changes) - 1;
+        EXPECT_EQ(isReset ? KVX_UNDEFINED : 1, dblAttrs(model, "Start", 1)[0]);
         for (auto [name, isKept] : {std::pair{"IISUB", false}, {"VarBasis", true}})
-            EXPECT_EQ(isKept && &change != std::end(changes) - 1,
+            EXPECT_EQ(isKept && !isReset,
                       KVXgetintattrelement(model.get(), name, 0, &value) == KVX_OK);
     }
     Model model = data.build(env);
@@ -178,7 +191,8 @@ TEST(Edit, ChangesForgetResultsAndNames) {
 TEST(Edit, CountsAndKinds) {
     Env env;
     const std::tuple<const char *, int, int, int> models[] = {
-        {"min a + b + c + d + e bounds a <= 1 -1 <= b <= 1 c <= 2 d <= 1 int a b c bin e", 4, 2, 1},
+        {"min a + b + c + d + e bounds a <= 1 -1 <= b <= 1 c <= 2 d <= 1 sec c int a b c bin e", 4,
+         2, 1},
         {"min a + b", 0, 0, 0},
         {"min a + b sos1 a: 1 b: 2", 0, 0, 1}};
     for (auto [text, integers, binaries, isMip] : models) {

@@ -32,14 +32,15 @@ TEST(Params, KeepTheirRangesAndSurviveAFile) {
     EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, KVXsetparam(env, "Threads", "2x"));
     EXPECT_EQ(KVX_ERROR_FILE_WRITE, KVXsetstrparam(env, "LogFile", "/nowhere/log"));
 
-    const std::string file = temporary("params.prm"), text(1000, 'r');
+    const std::string file = temporary("params.prm"),
+                      text = "rrrrrr\xc3\xa4" + std::string(992, 'r');
     double gap = 0;
     int console = 1;
     EXPECT_EQ(KVX_OK, KVXgetdblparam(env, "MIPGap", &gap));
     EXPECT_EQ(1e-4, gap);
     EXPECT_EQ(KVX_OK, KVXgetintparam(env, "LogToConsole", &console));
     EXPECT_EQ(0, console); // as the environment was loaded
-    ASSERT_EQ(KVX_OK, KVXsetparam(env, "mipgap", "0.1"));
+    ASSERT_EQ(KVX_OK, KVXsetparam(env, "mipgap", "1.5e-7"));
     ASSERT_EQ(KVX_OK, KVXsetstrparam(env, "ResultFile", text.c_str()));
     ASSERT_EQ(KVX_OK, KVXwriteparams(env, file.c_str()));
     ASSERT_EQ(KVX_OK, KVXresetparams(env));
@@ -47,9 +48,9 @@ TEST(Params, KeepTheirRangesAndSurviveAFile) {
     char buffer[1001], little[8];
     int length = 0;
     EXPECT_EQ(KVX_OK, KVXgetdblparam(env, "MIPGap", &gap));
-    EXPECT_EQ(0.1, gap);
+    EXPECT_EQ(1.5e-7, gap);
     EXPECT_EQ(KVX_OK, KVXgetlongstrparam(env, "ResultFile", little, 8, &length));
-    EXPECT_STREQ("rrrrrrr", little);
+    EXPECT_STREQ("rrrrrr", little); // not half a character
     EXPECT_EQ(1000, length);
     EXPECT_EQ(KVX_OK, KVXgetlongstrparam(env, "ResultFile", buffer, 1001, &length));
     EXPECT_EQ(text, buffer);
@@ -59,7 +60,7 @@ TEST(Params, KeepTheirRangesAndSurviveAFile) {
     EXPECT_EQ(file + ", line 4: parameter Threads must be between 0 and 1024, not -1",
               KVXgeterrormsg(env));
     EXPECT_EQ(KVX_OK, KVXgetdblparam(env, "MIPGap", &gap));
-    EXPECT_EQ(0.1, gap); // all or nothing
+    EXPECT_EQ(1.5e-7, gap); // all or nothing
 }
 
 struct Listener {
@@ -100,7 +101,13 @@ TEST(Log, DeliversWholeLinesOfValidTextOneAtATime) {
     {
         Env ending;
         Listener last{ending, "xx"};
+        ASSERT_EQ(KVX_OK, KVXsetstrparam(ending, "LogFile", file.c_str()));
         KVXsetlogcallbackfuncenv(ending, Listener::hear, &last);
+        KVXmsg(ending, "unfinished");
+        solved(fromText(ending, "min 0 x"));
+        EXPECT_EQ(0U, last.lines.find("xxunfinished|Optimizing"));
+        EXPECT_NE(std::string::npos, contents(file).find("Optimizing"));
+        last.lines = "xx";
         KVXmsg(ending, "unfinished");
         KVXfreeenv(std::exchange(ending.env, nullptr));
         EXPECT_EQ("xxunfinished|", last.lines);

@@ -162,6 +162,7 @@ TEST_F(Files, DamagedFilesAreRefusedWithFileAndLine) {
         std::string whole = contents(temporary(name));
         for (size_t length = 0; length < whole.size(); length += 7)
             EXPECT_FALSE(read(name, whole.substr(0, length))) << name << " " << length;
+        EXPECT_FALSE(read(name, whole + whole)) << name;
     }
 }
 

@@ -26,10 +26,14 @@ TEST(Lazy, RowsFromCallbacksHold) {
         setParam(model, "LazyConstraints", "1");
         for (const char *name : {"Presolve", "Cuts", "Heuristics"})
             setParam(model, name, std::to_string(random(0, 1)));
+        double nodes = 0, before = 0;
         Callback callback = [&](void *cbdata, int where) {
             Vector x(all.obj.size());
             if (where != KVX_CB_MIPSOL)
                 return 0;
+            before = nodes;
+            EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_MIPSOL_NODES, &nodes));
+            EXPECT_LE(before, nodes);
             EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_MIPSOL_SOL, x.data()));
             for (const Row &row : all.rows) {
                 const Data alone{{}, {}, {}, {}, {row}};
@@ -72,8 +76,11 @@ TEST(Lazy, CutsHoldInTheRelaxation) {
         int violations = 0;
         Callback callback = [&](void *cbdata, int where) {
             Vector x(15);
+            double bound = 0;
             if (where != KVX_CB_MIPNODE)
                 return 0;
+            EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_MIPNODE_OBJBOUND, &bound));
+            EXPECT_LE(bound, 9);
             EXPECT_EQ(KVX_OK, KVXcbget(cbdata, where, KVX_CB_MIPNODE_REL, x.data()));
             if (product(x, Vector(15, 1)) > 9 - 1e-6)
                 return 0;

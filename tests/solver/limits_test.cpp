@@ -90,18 +90,23 @@ TEST(Limits, StartsAreJudged) {
         int status;
         double objective;
     } cases[] = {
-        {"min x st c: x >= 1.000005 bin x", {1}, KVX_STATUS_NUMERIC, 0},
+        {"min x st c: x >= 1.000005 bin x", {1}, KVX_STATUS_NUMERIC, 1},
+        {"max x + y + z st c: 2 y + 2 z <= 3 bin x y z", {0}, KVX_STATUS_SOLUTION_LIMIT, 1},
         {"max x + y bounds x <= 0.05 y <= 0.05 sos1 x: 1 y: 2",
          {0.05, 0.05},
          KVX_STATUS_OPTIMAL,
          0.05},
+        {"max x st c: x <= 1e9 int x", {1e9 + 1000}, KVX_STATUS_OPTIMAL, 1e9 + 1000},
         {"max x + y st c: x + y <= 1.5 bin x y", {0, KVX_UNDEFINED}, KVX_STATUS_OPTIMAL, 1},
         {"max x + y st c: x + y <= 1.5 bin x y", {7, 7}, KVX_STATUS_OPTIMAL, 1}};
     for (const auto &[text, start, status, objective] : cases) {
         Model model = fromText(env, text);
         MUST(model, KVXsetdblattrarray(model.get(), "Start", 0, static_cast<int>(start.size()),
                                        start.data()));
-        EXPECT_EQ(std::pair(status, objective), solved(model)) << text;
+        if (status == KVX_STATUS_SOLUTION_LIMIT) // What is left of a start becomes integer, too.
+            setParam(model, "SolutionLimit", "1");
+        EXPECT_EQ(status, solved(model).first) << text;
+        EXPECT_EQ(objective, dblAttr(model, "ObjVal")) << text;
     }
 }
 
@@ -159,6 +164,7 @@ TEST(Limits, ObjectivesTolerateAndRestore) {
         level += where == KVX_CB_MULTIOBJ;
         if (where == KVX_CB_MIPSOL) {
             EXPECT_EQ(level == 0, KVXcblazy(cbdata, 0, nullptr, nullptr, '<', 1) == KVX_OK);
+            EXPECT_EQ(KVX_ERROR_INVALID_ARGUMENT, KVXcbstoponemultiobj(m, cbdata, 1 - level));
         }
         return 0;
     };
@@ -213,14 +219,24 @@ TEST(Limits, BasesAreStartedFrom) {
 
 TEST(Limits, InnerModelsKeepIntegersAndWriteNothing) {
     Env env;
-    Model odd = fromText(env, "min 0 x st c: 2 x = 1 bounds x <= 3 int x");
     const std::string file = temporary("inner.json");
-    setParam(odd, "ResultFile", file);
-    MUST(odd, KVXcomputeIIS(odd.get()));
-    EXPECT_EQ(std::vector{1}, intAttrs(odd, "IISConstr", 1));
-    EXPECT_FALSE(std::filesystem::exists(file));
-    Model semi = derived(fromText(env, "min x bounds 2 <= x <= 5 semi x"), KVXrelaxmodel);
-    EXPECT_EQ(Vector{0}, dblAttrs(semi, "LB", 1));
+    for (const char *text : {"min 0 x st c: 2 x = 1 bounds x <= 3 int x",
+                             "min 0 x st c: x = 1 bounds 2 <= x <= 3 semi x"}) {
+        Model odd = fromText(env, text);
+        setParam(odd, "ResultFile", file);
+        setParam(odd, "LogToConsole", "1");
+        testing::internal::CaptureStdout();
+        MUST(odd, KVXcomputeIIS(odd.get()));
+        EXPECT_EQ(std::string::npos, testing::internal::GetCapturedStdout().find("Optimizing"));
+        EXPECT_EQ(std::vector{1}, intAttrs(odd, "IISConstr", 1));
+        EXPECT_FALSE(std::filesystem::exists(file));
+    }
+    Model whole = fromText(env, "min x + y bounds 2 <= x <= 5 -5 <= y <= -2 sec x y sos1 x:1 y:2");
+    MUST(whole, KVXaddgenconstrAbs(whole.get(), nullptr, 0, 1));
+    Model relaxed = derived(whole, KVXrelaxmodel);
+    EXPECT_EQ(std::pair(Vector{0, -5}, Vector{5, 0}),
+              std::pair(dblAttrs(relaxed, "LB", 2), dblAttrs(relaxed, "UB", 2)));
+    EXPECT_EQ(0, intAttr(relaxed, "IsMIP"));
 }
 
 } // namespace

@@ -290,7 +290,9 @@ std::string describedGeneral(KVXmodel *model, int g) {
         if (arrays & tree)
             out << ' ' << parents[k];
     }
-    return out.str();
+    const char *options = "";
+    EXPECT_EQ(KVX_OK, KVXgetstrattrelement(model, "GenConstrOptions", g, &options));
+    return out.str() + options;
 }
 
 std::string described(KVXmodel *model) {
@@ -325,7 +327,7 @@ std::string described(KVXmodel *model) {
     attrs(KVXgetcharattrarray, ' ', constrs, {"Sense"});
     attrs(KVXgetstrattrarray, text, constrs, {"ConstrName"});
     attrs(KVXgetintattrarray, 0, genconstrs, {"GenConstrType"});
-    attrs(KVXgetstrattrarray, text, genconstrs, {"GenConstrName", "GenConstrOptions"});
+    attrs(KVXgetstrattrarray, text, genconstrs, {"GenConstrName"});
     attrs(KVXgetdblattrarray, 0.0, qconstrs, {"QConstrRHS"});
     attrs(KVXgetcharattrarray, ' ', qconstrs, {"QConstrSense"});
     attrs(KVXgetstrattrarray, text, qconstrs, {"QConstrName"});
