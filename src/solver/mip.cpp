@@ -220,6 +220,9 @@ struct Mip {
         option("-preprocess", preprocess);
         option("-cuts", intParam(run.settings, "Cuts"));
         option("-heuristics", intParam(run.settings, "Heuristics"));
+        // Of some small models Cbc leaves nodes to a faster search, which knows no limit of nodes.
+        if (run.nodeLimit < KVX_INFINITY)
+            result.options.insert(result.options.end(), {"-depthMiniBab", "-999"});
         return result;
     }
 

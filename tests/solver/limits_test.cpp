@@ -29,6 +29,10 @@ TEST(Limits, EndRuns) {
             EXPECT_EQ(1, intAttr(model, "SolCount"));
         }
     }
+    Model small = fromText(env, "min 0 x st c: 2 x + 2 y = 5 bounds x free y free int x y");
+    setParam(small, "NodeLimit", "600");
+    setParam(small, "TimeLimit", "30");
+    EXPECT_EQ(KVX_STATUS_NODE_LIMIT, solved(small).first);
 }
 
 TEST(Limits, CallbacksSetThem) {
