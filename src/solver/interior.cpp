@@ -55,17 +55,21 @@ class InteriorPoint {
 
     // Goes on until it comes no nearer to an optimum, or the run has to end. Where the predictor
     // leads nowhere, short steps in the middle of the way come to the optimum. Which regularization
-    // the factors can do with differs.
+    // the factors can do with differs. Bounds that leave no room between them, since they imply an
+    // equation, are loosened at last, by far less than solutions may be beyond them.
     void solve(Run &run) {
         const struct {
             double regularization, distance;
             bool isCautious;
-        } attempts[] = {{1e-10, 1, false},   {1e-7, 1, false},  {1e-10, 10, false},
-                        {1e-10, 100, false}, {1e-8, 100, true}, {1e-11, 100, true},
-                        {1e-6, 100, true}};
-        for (auto [smallest, distance, isCautious] : attempts)
+            double room = 0;
+        } attempts[] = {{1e-10, 1, false},   {1e-7, 1, false},        {1e-10, 10, false},
+                        {1e-10, 100, false}, {1e-8, 100, true},       {1e-11, 100, true},
+                        {1e-6, 100, true},   {1e-10, 1, false, 1e-9}, {1e-8, 100, true, 1e-8}};
+        const Dense exact = bounds;
+        for (auto [smallest, distance, isCautious, room] : attempts)
             if (least > enough && !run.stopped()) {
                 regularization = smallest;
+                bounds = exact - room * (1 + exact.array().abs()).matrix();
                 begin(distance);
                 approach(run, isCautious);
             }
