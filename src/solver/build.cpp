@@ -15,13 +15,20 @@ Name nameOf(const char *const *names, size_t k, char letter, int made) {
     return {letter, made + intSize(k)};
 }
 
+// Takes off what an addition that failed has added. Built by g++ 14, resize destroyed the elements
+// there and left them counted.
+template <class Element>
+void cutOff(std::vector<Element> &elements, size_t size) {
+    elements.erase(elements.begin() + static_cast<std::ptrdiff_t>(size), elements.end());
+}
+
 void addVars(KVXmodel &model, const Lists &columns, const double *obj, const double *lb,
              const double *ub, const char *types, const char *const *names) {
     const size_t old = model.vars.size();
     OnFailure undo{[&] {
-        model.vars.resize(old);
+        cutOff(model.vars, old);
         for (Objective &objective : model.objectives)
-            objective.coefs.resize(std::min(old, objective.coefs.size()));
+            cutOff(objective.coefs, std::min(old, objective.coefs.size()));
     }};
     grow(model.vars, columns.size());
     for (size_t j = 0; j < columns.size(); j++) {
@@ -44,7 +51,7 @@ void addRows(KVXmodel &model, int count, int numnz, const int *beg, const int *i
              const char *const *names) {
     Lists rows = readLists(count, numnz, beg, ind, val, model.vars.size(), "variable");
     const size_t old = model.constrs.size(), size = rows.size();
-    OnFailure undo{[&] { model.constrs.resize(old); }};
+    OnFailure undo{[&] { cutOff(model.constrs, old); }};
     grow(model.constrs, size);
     for (size_t i = 0; i < size; i++) {
         needed(rhs, "the array of sides");
