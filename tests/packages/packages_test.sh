@@ -42,11 +42,12 @@ export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
 cc "$here/consumer.c" -o "$scratch/consumer.pc" $(pkg-config --cflags --libs korvex)
 expect 13.0.3 env LD_LIBRARY_PATH="$prefix/lib" "$scratch/consumer.pc"
 
-# Maven finds everything in the two repositories of this machine.
+# Maven finds everything in the two repositories of this machine. Debian's has no prefixes of plugins
+# on later systems, and whatever version it has is there as 2.8, too.
 cp -r "$here/maven" "$scratch/maven"
 mvn -B -q -s "$here/settings.xml" -f "$scratch/maven/pom.xml" -Dsample.local="$scratch/local" \
     -Dsample.repository="$build/maven" -Dmdep.outputFile="$scratch/path" \
-    compile dependency:build-classpath
+    compile org.apache.maven.plugins:maven-dependency-plugin:2.8:build-classpath
 expect "Profit: 154.0" java -Dcom.korvex.library.cache="$scratch/cache" \
     -cp "$(cat "$scratch/path"):$scratch/maven/target/classes" Bakery
 artifacts=$build/maven/com/korvex/korvex/13.0.3/korvex-13.0.3
