@@ -5,7 +5,6 @@
 #include "textfile.h"
 
 #include <cstring>
-#include <fstream>
 #include <limits>
 #include <sstream>
 
@@ -253,13 +252,7 @@ int KVXresetparams(KVXenv *env) {
 }
 
 int KVXwriteparams(KVXenv *env, const char *filename) {
-    return guardedRead(env, [&] {
-        std::ofstream file(needed(filename, "filename"));
-        file << writeParams(*env);
-        file.close();
-        if (!file)
-            fail(KVX_ERROR_FILE_WRITE, "%s: can't be written", filename);
-    });
+    return guardedRead(env, [&] { writeFile(needed(filename, "filename"), writeParams(*env)); });
 }
 
 int KVXreadparams(KVXenv *env, const char *filename) {
